@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <QVariantMap>
+
+#include <memory>
+
+namespace ostrel {
+
+// A folder that holds an Info.json (a JSON object of configuration keys) and resource files.
+// The main bundle is the host executable's folder unless the host names another one.
+// Immutable after construction, so a bundle may be shared between threads.
+class OSTBundle {
+public:
+    explicit OSTBundle(const QString &path);
+
+    // The host application's bundle. Thread-safe; the returned bundle stays valid even if the
+    // host later names another main bundle.
+    static std::shared_ptr<const OSTBundle> mainBundle();
+    // Makes the folder at `path` the main bundle from now on.
+    static void setMainBundlePath(const QString &path);
+
+    QString bundlePath() const { return m_path; }
+    // The parsed Info.json; empty when the file is missing or is not a JSON object.
+    const QVariantMap &infoDictionary() const { return m_infoDictionary; }
+    // Why Info.json could not be read, or an empty string. Reported by the SDK's start-up rather
+    // than here, because logging itself consults the main bundle.
+    QString infoDictionaryError() const { return m_infoDictionaryError; }
+    QVariant objectForInfoDictionaryKey(const QString &key) const;
+    // Absolute path of the resource file "name.extension" in the bundle, or an empty string when
+    // there is no such file.
+    QString pathForResource(const QString &name, const QString &extension) const;
+
+private:
+    void loadInfoDictionary();
+
+    QString m_path;
+    QVariantMap m_infoDictionary;
+    QString m_infoDictionaryError;
+};
+
+} // namespace ostrel

@@ -1,0 +1,50 @@
+#include "platform/OSTClock.h"
+
+#include "platform/OSTSystemClock.h"
+
+#include <QMutex>
+#include <QMutexLocker>
+
+#include <vector>
+
+namespace ostrel {
+
+namespace {
+
+struct ClockSlot {
+    QMutex mutex;
+    std::shared_ptr<OSTClock> clock = std::make_shared<OSTSystemClock>();
+};
+
+ClockSlot &clockSlot()
+{
+    static ClockSlot slot;
+    return slot;
+}
+
+} // namespace
+
+std::shared_ptr<OSTClock> OSTClock::currentShared()
+{
+    ClockSlot &slot = clockSlot();
+    QMutexLocker locker(&slot.mutex);
+    return slot.clock;
+}
+
+OSTClock &OSTClock::current()
+{
+    return *currentShared();
+}
+
+void OSTClock::setCurrent(std::shared_ptr<OSTClock> clock)
+{
+    ClockSlot &slot = clockSlot();
+    QMutexLocker locker(&slot.mutex);
+    // Clocks are few and tiny; keeping every replaced one alive makes references returned by
+    // current() safe for the life of the process.
+    static std::vector<std::shared_ptr<OSTClock>> retired;
+    retired.push_back(slot.clock);
+    slot.clock = clock ? std::move(clock) : std::make_shared<OSTSystemClock>();
+}
+
+} // namespace ostrel

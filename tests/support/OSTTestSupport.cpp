@@ -1,0 +1,66 @@
+#include "support/OSTTestSupport.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+namespace ostrel::test {
+
+ManualClockScope::ManualClockScope(double now) : m_clock(std::make_shared<OSTManualClock>(now))
+{
+    OSTClock::setCurrent(m_clock);
+}
+
+ManualClockScope::~ManualClockScope()
+{
+    OSTClock::setCurrent(nullptr);
+}
+
+void ManualClockScope::advance(double seconds)
+{
+    m_clock->advance(seconds);
+    QCoreApplication::processEvents();
+}
+
+QString writeBundle(const QString &folder, const QVariantMap &info)
+{
+    writeFile(folder + QStringLiteral("/Info.json"),
+              QJsonDocument(QJsonObject::fromVariantMap(info)).toJson());
+    return folder;
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+bool waitUntil(const std::function<bool()> &condition, int timeoutMilliseconds)
+{
+    QDeadlineTimer deadline(timeoutMilliseconds);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(1);
+    }
+    return true;
+}
+
+QString captureStandardError(const std::function<void()> &work)
+{
+    ::testing::internal::CaptureStderr();
+    work();
+    return QString::fromStdString(::testing::internal::GetCapturedStderr());
+}
+
+} // namespace ostrel::test
