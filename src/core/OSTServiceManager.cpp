@@ -291,7 +291,7 @@ void OSTServiceManager::observeReachabilityForResend(const QString &launchType)
 
 void OSTServiceManager::reachabilityDidChange()
 {
-    if (OSTReachability::status() == OSTReachability::NotReachable)
+    if (OSTReachability::status() == OSTReachabilityStatusNotReachable)
         return;
     OSTNotificationCenter::defaultCenter().removeObserver(std::exchange(m_reachabilityObserver, 0));
     if (const auto launchType = std::exchange(m_resendLaunchType, std::nullopt))
