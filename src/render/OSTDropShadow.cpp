@@ -89,6 +89,10 @@ std::array<qreal, 4> sliceEdges(qreal start, qreal total, qreal margin)
     return {start, start + margin, start + total - margin, start + total};
 }
 
+// Shadows are soft: one whose image would be larger than this many pixels a side is made at a
+// lower resolution and scaled up, so hostile sizes cannot exhaust memory.
+constexpr qreal maximumSliceSide = 1024;
+
 } // namespace
 
 OSTDropShadow::OSTDropShadow(const OSTShadow &shadow) : m_shadow(shadow) {}
@@ -99,11 +103,27 @@ int OSTDropShadow::blurReach(qreal devicePixelRatio) const
     return radii[0] + radii[1] + radii[2];
 }
 
+qreal OSTDropShadow::logicalReach() const
+{
+    // Three box blurs reach at most three standard deviations plus a pixel each, at any ratio of
+    // one or more.
+    return 1.5 * std::max<qreal>(m_shadow.blurRadius, 0) + 3;
+}
+
 QRectF OSTDropShadow::boundingRect(const QRectF &shape) const
 {
-    // Three box blurs reach at most three standard deviations plus a pixel each, at any ratio.
-    const qreal reach = 1.5 * std::max<qreal>(m_shadow.blurRadius, 0) + 3;
+    const qreal reach = logicalReach();
     return shape.united(shape.translated(m_shadow.offset).adjusted(-reach, -reach, reach, reach));
+}
+
+qreal OSTDropShadow::sliceRatio(const QSizeF &shapeSize, qreal cornerRadius, qreal deviceRatio) const
+{
+    const qreal reach = logicalReach();
+    const qreal stretchable = 2 * cornerRadius + 2 * reach + 1;
+    const qreal side = std::max(std::min(shapeSize.width(), stretchable),
+                                std::min(shapeSize.height(), stretchable))
+        + 2 * reach;
+    return std::min(deviceRatio, maximumSliceSide / side);
 }
 
 OSTDropShadow::SliceKey OSTDropShadow::sliceKeyFor(const QSizeF &shapeSize, qreal cornerRadius,
@@ -140,23 +160,27 @@ void OSTDropShadow::paint(QPainter &painter, const QRectF &shape, qreal cornerRa
 {
     if (ost_isClear(m_shadow.color) || shape.isEmpty() || !painter.device())
         return;
-    const qreal ratio = painter.device()->devicePixelRatioF();
+    const qreal deviceRatio = painter.device()->devicePixelRatioF();
+    const qreal ratio = sliceRatio(shape.size(), cornerRadius, deviceRatio);
     const SliceKey key = sliceKeyFor(shape.size(), cornerRadius, ratio);
     if (!(key == m_sliceKey) || m_sliceImage.isNull()) {
         m_sliceImage = makeSliceImage(key);
         m_sliceKey = key;
     }
 
-    // Device-pixel margins of the slices; an axis short enough to be drawn whole has none.
+    // Margins of the slices in image pixels; an axis short enough to be drawn whole has none.
     const int reach = blurReach(ratio);
-    const QSize deviceSize = (shape.size() * ratio).toSize();
+    const QSize pixelSize = (shape.size() * ratio).toSize();
     const int cornerMargin = 2 * reach + int(std::ceil(key.cornerRadius));
-    const int marginX = deviceSize.width() > key.shapeSize.width() ? cornerMargin : 0;
-    const int marginY = deviceSize.height() > key.shapeSize.height() ? cornerMargin : 0;
+    const int marginX = pixelSize.width() > key.shapeSize.width() ? cornerMargin : 0;
+    const int marginY = pixelSize.height() > key.shapeSize.height() ? cornerMargin : 0;
 
-    const qreal logicalReach = reach / ratio;
+    const qreal reachInPoints = reach / ratio;
     const QRectF target = shape.translated(m_shadow.offset)
-                              .adjusted(-logicalReach, -logicalReach, logicalReach, logicalReach);
+                              .adjusted(-reachInPoints, -reachInPoints, reachInPoints, reachInPoints);
+    // Slices drawn at their own size need no filtering; a shadow made below the device's ratio
+    // is scaled up smoothly.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, ratio < deviceRatio);
     const auto sourceX = sliceEdges(0, m_sliceImage.width(), marginX);
     const auto sourceY = sliceEdges(0, m_sliceImage.height(), marginY);
     const auto targetX = sliceEdges(target.left(), target.width(), marginX / ratio);

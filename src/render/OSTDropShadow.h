@@ -14,8 +14,8 @@ namespace ostrel {
 //
 // The shadow is drawn from a nine-slice image: its corners at their true size and a one-pixel
 // band in between stretched along the sides, so a shadow of any size costs the same. The image
-// is made at the painter's device pixel ratio and kept until the corner radius, the ratio or a
-// side too short to stretch changes. Used on the GUI thread by the view that owns it.
+// is made at the painter's device pixel ratio (lower for very large shadows, which are soft
+// anyway) and kept until the corner radius, the ratio or a side too short to stretch changes. Used on the GUI thread by the view that owns it.
 class OSTDropShadow {
 public:
     explicit OSTDropShadow(const OSTShadow &shadow);
@@ -26,7 +26,7 @@ public:
     QRectF boundingRect(const QRectF &shape) const;
 
     // Paints the shadow of `shape` with rounded corners of `cornerRadius` (already limited to half
-    // the shorter side).
+    // the shorter side). Changes the painter's smooth-pixmap hint.
     void paint(QPainter &painter, const QRectF &shape, qreal cornerRadius);
 
 private:
@@ -41,7 +41,9 @@ private:
 
     SliceKey sliceKeyFor(const QSizeF &shapeSize, qreal cornerRadius, qreal devicePixelRatio) const;
     QImage makeSliceImage(const SliceKey &key) const;
+    qreal sliceRatio(const QSizeF &shapeSize, qreal cornerRadius, qreal deviceRatio) const;
     int blurReach(qreal devicePixelRatio) const;
+    qreal logicalReach() const;
 
     const OSTShadow m_shadow;
     SliceKey m_sliceKey;

@@ -4,6 +4,8 @@
 #include "core/OSTLogging.h"
 #include "render/OSTColorHelpers.h"
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
@@ -14,10 +16,11 @@ constexpr qsizetype shadowEntryCount = 4;
 
 qreal shadowNumber(const QVariant &entry)
 {
-    if (ost_isNumber(entry))
+    if (ost_isNumber(entry) && std::isfinite(entry.toDouble()))
         return entry.toDouble();
     if (entry.typeId() == QMetaType::QString) {
-        if (const auto number = ost_numberFromString(entry.toString()))
+        const auto number = ost_numberFromString(entry.toString());
+        if (number && std::isfinite(*number))
             return *number;
     }
     OSTLogging::logWarning(u"Shadow value %1 is not a number; using 0."_s, entry);

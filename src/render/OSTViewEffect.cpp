@@ -59,7 +59,6 @@ void OSTViewEffect::paintShadow(QPainter &painter)
     if (!m_shadow || !m_outline)
         return;
     painter.save();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     m_shadow->paint(painter, sourceBoundingRect(Qt::LogicalCoordinates), m_outline->cornerRadius());
     painter.restore();
 }
@@ -67,8 +66,16 @@ void OSTViewEffect::paintShadow(QPainter &painter)
 void OSTViewEffect::drawTranslucent(QPainter &painter, const QPixmap &source, QPoint sourceOffset)
 {
     // The view and its shadow fade as one layer, as a view's opacity does: composed at full
-    // opacity first, then drawn once with the view's opacity.
-    const QRect area = boundingRectFor(sourceBoundingRect(Qt::LogicalCoordinates)).toAlignedRect();
+    // opacity first, then drawn once with the view's opacity. Only the part of the layer that
+    // lies on the device is composed.
+    const QPaintDevice &device = *painter.device();
+    const QSizeF deviceSize = QSizeF(device.width(), device.height()) / device.devicePixelRatioF();
+    const QRectF deviceArea = painter.worldTransform().inverted().mapRect(QRectF(QPointF(), deviceSize));
+    const QRect area = boundingRectFor(sourceBoundingRect(Qt::LogicalCoordinates))
+                           .intersected(deviceArea)
+                           .toAlignedRect();
+    if (area.isEmpty())
+        return;
     const qreal ratio = source.devicePixelRatio();
     QImage layer((QSizeF(area.size()) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
     layer.setDevicePixelRatio(ratio);

@@ -23,13 +23,15 @@ inline QVariantMap jsonObject(const char *text)
 
 // The widget as the screen would show it at `ratio` device pixels per point.
 //
-// Ratio 1 is a plain QWidget::grab on the offscreen platform. For ratio 2 the widget is rendered
-// into an image whose device pixel ratio is 2, the same path grab takes on a ratio-2 screen: the
-// painter's device reports ratio 2, so paths are antialiased and shadows blurred at device
-// resolution. It is also the stricter check, because the widget's own devicePixelRatio() still
-// answers 1 here: code that took its ratio from the widget instead of from the device it paints
-// on would paint at ratio 1 and be scaled up, and the half-point edges tested at ratio 2 would
-// come out blended.
+// Ratio 1 is a plain QWidget::grab on the offscreen platform. Ratio 2 renders the widget with
+// QWidget::render into an image whose device pixel ratio is 2: the painter's device reports
+// ratio 2, so paths are antialiased and shadows blurred at device resolution, while the
+// widget's own devicePixelRatio() still answers 1. That makes it the stricter check: code that
+// took its ratio from the widget instead of from the device it paints on would paint at ratio 1
+// and be scaled up, and the half-point edges tested at ratio 2 would come out blended. It also
+// exercises the other way Qt draws widgets, through a painter (as previews and captures do),
+// which treats graphics effects differently from grab. A grab on a real ratio-2 screen is
+// checked separately, in a child process.
 inline QImage capture(QWidget &widget, qreal ratio)
 {
     if (ratio == 1)

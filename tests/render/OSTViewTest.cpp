@@ -2,9 +2,14 @@
 
 #include "render/OSTBackgroundView.h"
 
+#include "support/OSTChildProcess.h"
+
 #include "OSTPixelTestSupport.h"
 
+#include <QCoreApplication>
 #include <QGraphicsEffect>
+#include <QProcess>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -55,6 +60,22 @@ struct Stage {
 };
 
 class ViewPixels : public ::testing::TestWithParam<qreal> {};
+
+// The element of the screen-ratio test: a white box with a 1.5-point black border, whose inner
+// edge falls on a device pixel boundary only at ratio 2, and a shadow below it.
+constexpr const char *screenRatioElement = R"({"backgroundColor": "#FFFFFF", "borderSize": "1.5",
+    "borderColor": "#000000", "objectShadow": ["#000000", "4", "0", "8"]})";
+
+// Child process: grabs a stage holding that element on whatever screen it was started with and
+// saves the grab to the path given last.
+const bool screenGrabChildRegistered = test::OSTChildProcess::registerMode(u"grab-element"_s, [](const QStringList &arguments) {
+    Stage stage(100, 100);
+    OSTView view(QRect(20, 20, 60, 40), jsonObject(screenRatioElement), &stage.widget);
+    const QPixmap grabbed = stage.widget.grab();
+    if (grabbed.devicePixelRatio() != 2)
+        return 2;
+    return grabbed.save(arguments.last(), "PNG") ? 0 : 1;
+});
 
 } // namespace
 
@@ -205,3 +226,50 @@ TEST_P(ViewPixels, TranslucentViewFadesWithItsShadowAsOneLayer)
 
 INSTANTIATE_TEST_SUITE_P(DevicePixelRatios, ViewPixels, ::testing::Values(1.0, 2.0),
                          ratioTestName);
+
+TEST(View, GrabOnARatioTwoScreenPaintsAtDeviceResolution)
+{
+    // The offscreen screen takes its ratio from QT_SCALE_FACTOR, read once at start-up, so the
+    // grab runs in a child process started with ratio 2, as on a high-density display.
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"grab.png"_s);
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"QT_SCALE_FACTOR"_s, u"2"_s);
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    child.setProcessEnvironment(environment);
+    child.start(QCoreApplication::applicationFilePath(),
+                {test::OSTChildProcess::argumentFor(u"grab-element"_s), path});
+    ASSERT_TRUE(child.waitForFinished(60000));
+    ASSERT_EQ(child.exitCode(), 0) << "2 means the screen's ratio was not 2; "
+                                   << child.readAllStandardError().toStdString();
+
+    const QImage image(path);
+    ASSERT_EQ(image.size(), QSize(200, 200));
+    EXPECT_EQ(image.pixelColor(42, 100), QColor(Qt::black)) << "last device pixel of the border";
+    EXPECT_EQ(image.pixelColor(43, 100), QColor(Qt::white)) << "first device pixel inside it";
+    EXPECT_GT(image.pixelColor(100, 125).alpha(), 100) << "the shadow below the element";
+    EXPECT_EQ(image.pixelColor(100, 30).alpha(), 0) << "and none above it";
+}
+
+TEST(View, HostileShadowValuesStayWithinBoundedMemory)
+{
+    // At full resolution these blurs would need images tens of thousands of pixels a side, and
+    // far offsets with opacity a layer as large. All must stay bounded and still draw.
+    Stage softStage(200, 200);
+    OSTView wide(QRect(50, 50, 100, 100), jsonObject(R"({"backgroundColor": "#FFFFFF",
+        "cornerRadius": "circle", "objectShadow": ["#000000", "400", "0", "0"]})"), &softStage.widget);
+    const QImage soft = capture(softStage.widget, 2);
+    EXPECT_TRUE(colorNear(pixelAt(soft, {100, 100}), QColor(Qt::white)));
+    EXPECT_GT(pixelAt(soft, {170, 100}).alpha(), 0) << "the wide shadow is faint but there";
+    EXPECT_LT(pixelAt(soft, {170, 100}).alpha(), 16);
+
+    Stage hostileStage(100, 100);
+    OSTView huge(QRect(60, 60, 20, 20), jsonObject(R"({"backgroundColor": "#0000FF",
+        "objectShadow": ["#000000", "1e7", "0", "0"]})"), &hostileStage.widget);
+    OSTView far(QRect(0, 0, 20, 20), jsonObject(R"({"alpha": "0.5", "backgroundColor": "#FF0000",
+        "objectShadow": ["#000000", "4", "1e9", "-1e9"]})"), &hostileStage.widget);
+    const QImage hostile = capture(hostileStage.widget, 2);
+    EXPECT_TRUE(colorNear(pixelAt(hostile, {70, 70}), QColor(Qt::blue)));
+    EXPECT_TRUE(colorNear(pixelAt(hostile, {10, 10}), QColor(255, 0, 0, 128), 2));
+}
