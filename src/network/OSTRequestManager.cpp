@@ -78,7 +78,8 @@ OSTRequestManager::Task OSTRequestManager::apiRequestWithEndpoint(const QString 
         const auto decoded = OSTResponseDecoder::dictionaryFromBody(endpoint, body, error);
         if (completion)
             completion(decoded.value, decoded.error);
-        m_sessionReleaseQueue.async([finished]() mutable { finished.reset(); });
+        // Moved, so that the last reference is the one dropped on the release queue.
+        m_sessionReleaseQueue.async([session = std::move(finished)]() mutable { session.reset(); });
     });
     *identifier = task->taskIdentifier();
     {

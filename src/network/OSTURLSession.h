@@ -3,11 +3,10 @@
 #include "network/OSTURLSessionTask.h"
 #include "platform/OSTSerialQueue.h"
 
+#include <QNetworkAccessManager>
 #include <QPointer>
 
 #include <memory>
-
-class QNetworkAccessManager;
 
 namespace ostrel {
 

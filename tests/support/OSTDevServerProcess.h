@@ -46,10 +46,10 @@ class OSTDevServerProcess {
 public:
     struct Options {
         // --fault specifications, e.g. "launch_v3:status=500,times=1" or "*:delay=30".
-        QStringList faults;
+        QStringList faults = {};
         // Serve https with the service certificate.
         bool tls = false;
-        QStringList extraArguments;
+        QStringList extraArguments = {};
     };
 
     OSTDevServerProcess();
