@@ -3,6 +3,7 @@
 #include <QHttpServerResponder>
 #include <QPointer>
 #include <QTcpSocket>
+#include <QTextStream>
 #include <QTimer>
 
 #include <memory>
@@ -26,10 +27,12 @@ void ResponseWriter::send(QHttpServerResponder &&responder, const Response &resp
     }
     QTcpSocket *socket = responder.socket();
     auto held = std::make_shared<QHttpServerResponder>(std::move(responder));
-    QTimer::singleShot(static_cast<int>(fault.delaySeconds * 1000.0), socket,
+    QTimer::singleShot(static_cast<int>(fault.delaySeconds * 1000.0),
                        [held, response, connection = fault.connection, client = QPointer<QTcpSocket>(socket)] {
         if (client && client->state() == QAbstractSocket::ConnectedState)
             write(*held, response, connection);
+        else
+            QTextStream(stderr) << "the client of a delayed answer has gone" << Qt::endl;
     });
 }
 
