@@ -115,7 +115,8 @@ OSTRequestManager::Task OSTRequestManager::apiRequestWithEndpoint(const QString 
     OSTLogging::logDebug(u"Sending API request to endpoint \"%1\" with parameters: %2"_s, endpoint, parameters);
     return session->dataTask(request, OSTRequestEnvelope::bodyForParameters(parameters),
                              [this, endpoint, completion](const OSTURLTaskResult &result) {
-        completeAPIRequest(endpoint, result, completion);
+        if (completion)
+            completeAPIRequest(endpoint, result, completion);
     });
 }
 
