@@ -45,7 +45,7 @@ struct OSTHTTPAnswer {
 class OSTDevServerProcess {
 public:
     struct Options {
-        // --fault specifications, e.g. "launch_v3:status=500,times=1" or "*:delay=30".
+        // --fault values, e.g. "launch_v3:status=500,times=1" or "*:delay=30".
         QStringList faults = {};
         // Serve https with the service certificate.
         bool tls = false;

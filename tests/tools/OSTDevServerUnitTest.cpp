@@ -73,19 +73,19 @@ TEST(DevServerExperience, BrokenOrMissingFilesReadAsEmptyAndImagesStayInTheirFol
     EXPECT_EQ(loader.imagePath(u"absent.png"_s), QString());
 }
 
-TEST(DevServerFaults, SpecificationsAndJSONReadTheSameFaults)
+TEST(DevServerFaults, CommandLineAndJSONReadTheSameFaults)
 {
     QString error;
-    const auto specified = Fault::fromSpecification(u"launch_v3:status=500,delay=2.5,times=2"_s, error);
-    ASSERT_TRUE(specified) << error.toStdString();
-    EXPECT_EQ(specified->first, u"launch_v3"_s);
-    EXPECT_EQ(specified->second.status, 500);
-    EXPECT_DOUBLE_EQ(specified->second.delaySeconds, 2.5);
-    EXPECT_EQ(specified->second.remaining, 2);
-    EXPECT_EQ(specified->second.toJson(u"launch_v3"_s),
+    const auto parsed = Fault::fromCommandLine(u"launch_v3:status=500,delay=2.5,times=2"_s, error);
+    ASSERT_TRUE(parsed) << error.toStdString();
+    EXPECT_EQ(parsed->first, u"launch_v3"_s);
+    EXPECT_EQ(parsed->second.status, 500);
+    EXPECT_DOUBLE_EQ(parsed->second.delaySeconds, 2.5);
+    EXPECT_EQ(parsed->second.remaining, 2);
+    EXPECT_EQ(parsed->second.toJson(u"launch_v3"_s),
               objectOf(R"({"endpoint": "launch_v3", "status": 500, "delay": 2.5, "times": 2, "body": "normal", "connection": "normal"})"));
 
-    const auto body = Fault::fromSpecification(u"*:body=bad-padding,connection=truncate"_s, error);
+    const auto body = Fault::fromCommandLine(u"*:body=bad-padding,connection=truncate"_s, error);
     ASSERT_TRUE(body);
     EXPECT_EQ(body->second.body, Fault::Body::BadPadding);
     EXPECT_EQ(body->second.connection, Fault::Connection::Truncate);
@@ -93,7 +93,7 @@ TEST(DevServerFaults, SpecificationsAndJSONReadTheSameFaults)
     for (const QString &bad : {u"status=500"_s, u"event:status=99"_s, u"event:status=abc"_s, u"event:body=weird"_s,
                                u"event:delay=-1"_s, u"event:times=0"_s, u"event:colour=red"_s, u"event:status"_s}) {
         error.clear();
-        EXPECT_FALSE(Fault::fromSpecification(bad, error)) << bad.toStdString();
+        EXPECT_FALSE(Fault::fromCommandLine(bad, error)) << bad.toStdString();
         EXPECT_FALSE(error.isEmpty()) << bad.toStdString();
     }
 }

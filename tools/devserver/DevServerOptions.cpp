@@ -24,7 +24,7 @@ std::optional<DevServerOptions> DevServerOptions::parse(const QStringList &argum
                                       u"URL"_s);
     const QCommandLineOption tls(u"tls"_s, u"Serves https with the service certificate."_s);
     const QCommandLineOption fault(u"fault"_s, u"A fault, e.g. launch_v3:status=500 or *:delay=2 (repeatable)."_s,
-                                   u"SPEC"_s);
+                                   u"FAULT"_s);
     parser.addOptions({help, port, listen, data, experience, configuration, linkBase, tls, fault});
 
     if (!parser.parse(arguments)) {
@@ -54,8 +54,8 @@ std::optional<DevServerOptions> DevServerOptions::parse(const QStringList &argum
     options.configurationPath = parser.value(configuration);
     options.linkBase = parser.value(linkBase);
     options.tls = parser.isSet(tls);
-    for (const QString &specification : parser.values(fault)) {
-        const auto parsed = Fault::fromSpecification(specification, error);
+    for (const QString &text : parser.values(fault)) {
+        const auto parsed = Fault::fromCommandLine(text, error);
         if (!parsed)
             return std::nullopt;
         options.faults.append(*parsed);

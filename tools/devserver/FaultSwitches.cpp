@@ -48,7 +48,7 @@ bool isWholeNumber(const QJsonValue &value, int minimum, int maximum)
 }
 
 // Command-line values are text; numbers are written as JSON numbers.
-QJsonValue specificationValue(const QString &key, const QString &text)
+QJsonValue commandLineValue(const QString &key, const QString &text)
 {
     if (key == u"body"_s || key == u"connection"_s)
         return text;
@@ -98,7 +98,7 @@ std::optional<Fault> Fault::fromJson(const QJsonObject &object, QString &error)
     return fault;
 }
 
-std::optional<std::pair<QString, Fault>> Fault::fromSpecification(const QString &text, QString &error)
+std::optional<std::pair<QString, Fault>> Fault::fromCommandLine(const QString &text, QString &error)
 {
     const qsizetype colon = text.indexOf(u':');
     if (colon <= 0) {
@@ -113,7 +113,7 @@ std::optional<std::pair<QString, Fault>> Fault::fromSpecification(const QString 
             error = u"a fault setting reads \"key=value\", not \"%1\""_s.arg(setting);
             return std::nullopt;
         }
-        object.insert(parts.at(0).trimmed(), specificationValue(parts.at(0).trimmed(), parts.at(1).trimmed()));
+        object.insert(parts.at(0).trimmed(), commandLineValue(parts.at(0).trimmed(), parts.at(1).trimmed()));
     }
     const std::optional<Fault> fault = fromJson(object, error);
     if (!fault)

@@ -40,7 +40,7 @@ struct Fault {
     // Reads {"status": 500, "delay": 2.5, "body": "garbage", "connection": "drop", "times": 1}.
     static std::optional<Fault> fromJson(const QJsonObject &object, QString &error);
     // Reads "endpoint:key=value,key=value" with the keys above, e.g. "launch_v3:status=500,times=1".
-    static std::optional<std::pair<QString, Fault>> fromSpecification(const QString &text, QString &error);
+    static std::optional<std::pair<QString, Fault>> fromCommandLine(const QString &text, QString &error);
 };
 
 // The faults in force, per endpoint; "*" applies to every endpoint that has none of its own.
