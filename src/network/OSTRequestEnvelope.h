@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QByteArray>
+#include <QVariantMap>
+
+namespace ostrel {
+
+// The body of every API request: a JSON object with exactly the three base64 strings "iv",
+// "encrypted_key" and "encrypted_data" (the parameters' JSON under the process's AES key). A
+// member whose value could not be made is "" and the request still goes out.
+class OSTRequestEnvelope {
+public:
+    OSTRequestEnvelope() = delete;
+
+    // The parameters' compact JSON text.
+    static QByteArray serializedParameters(const QVariantMap &parameters);
+    static QByteArray bodyForParameters(const QVariantMap &parameters);
+};
+
+} // namespace ostrel

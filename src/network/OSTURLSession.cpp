@@ -1,0 +1,39 @@
+#include "network/OSTURLSession.h"
+
+#include <QNetworkAccessManager>
+
+namespace ostrel {
+
+std::shared_ptr<OSTURLSession> OSTURLSession::create(const QString &queueName, double timeoutInterval)
+{
+    return std::shared_ptr<OSTURLSession>(new OSTURLSession(queueName, timeoutInterval));
+}
+
+OSTURLSession::OSTURLSession(const QString &queueName, double timeoutInterval)
+    : m_timeoutInterval(timeoutInterval), m_queue(std::make_unique<OSTSerialQueue>(queueName))
+{
+    // The manager must be made on the thread it serves.
+    m_queue->sync([this] {
+        m_manager = new QNetworkAccessManager(m_queue->context());
+        m_manager->setAutoDeleteReplies(false);
+    });
+}
+
+OSTURLSession::~OSTURLSession() = default;
+
+std::shared_ptr<OSTURLSessionTask> OSTURLSession::dataTask(const QNetworkRequest &request,
+                                                           const QByteArray &body,
+                                                           OSTURLSessionTask::Completion completion)
+{
+    return std::make_shared<OSTURLSessionTask>(weak_from_this(), OSTURLSessionTask::Method::Post,
+                                               request, body, std::move(completion));
+}
+
+std::shared_ptr<OSTURLSessionTask> OSTURLSession::downloadTask(const QNetworkRequest &request,
+                                                               OSTURLSessionTask::Completion completion)
+{
+    return std::make_shared<OSTURLSessionTask>(weak_from_this(), OSTURLSessionTask::Method::Get,
+                                               request, QByteArray(), std::move(completion));
+}
+
+} // namespace ostrel

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QColor>
+#include <QGradientStops>
+#include <QList>
+#include <QVariantMap>
+#include <QWidget>
+
+#include <optional>
+
+class QPainter;
+class QPainterPath;
+
+namespace ostrel {
+
+// The painted box of an element: a flat colour or a linear or radial gradient, a border and
+// rounded or circular corners, read from the element's properties:
+//
+//   "backgroundColor"    hexadecimal colour; used only without "backgroundGradient"
+//   "backgroundGradient" {"baseColor": colour under the gradient, "colors": [stops],
+//                         "radius": radial end radius (number or numeric string),
+//                         "style": "horizontal" for left to right, else top to bottom}
+//   "borderSize", "borderColor"  a border, drawn only when both are given and the size is not 0
+//   "cornerRadius"       a number of points, or "circle" for half the height (a square becomes
+//                        a circle, a wide box a capsule)
+//
+// Every element view carries one as its container, filling it; the views of a group's members
+// are its children. Children are clipped to the box's rectangle, not to its rounded corners, and
+// they paint over the border.
+//
+// Lives on the GUI thread and is owned by its parent widget.
+class OSTBackgroundView final : public QWidget {
+    Q_OBJECT
+
+public:
+    OSTBackgroundView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
+
+    // Restyles the box. Each call describes the whole look: a key that is absent takes its
+    // default, nothing carries over from an earlier call.
+    void customizeWithProperties(const QVariantMap &properties);
+
+    // The corner radius the box is drawn with at its current size: half the height for
+    // "circle", limited to half the shorter side as a rounded rectangle allows.
+    qreal cornerRadius() const;
+
+    // The stops of a gradient through `colors`, each converted to red, green, blue and alpha
+    // (an invalid colour is a clear stop). Stop i lies at i / (n - 1) in integer division, so
+    // with three or more colours every stop but the last is at 0 and only the last two colours
+    // show; a single colour is one stop at 0.
+    static QGradientStops gradientStops(const QList<QColor> &colors);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    enum class CornerStyle { Radius, Circle };
+    enum class GradientDirection { Horizontal, Vertical };
+
+    struct Gradient {
+        QList<QColor> colors;
+        std::optional<qreal> radius; // radial when set
+        GradientDirection direction = GradientDirection::Vertical;
+    };
+
+    void readBorder(const QVariantMap &properties);
+    void readCorners(const QVariantMap &properties);
+    void readFill(const QVariantMap &properties);
+
+    QPainterPath outline() const;
+    void paintGradient(QPainter &painter, const QPainterPath &outline) const;
+    void paintBorder(QPainter &painter) const;
+
+    QColor m_fillColor;
+    std::optional<Gradient> m_gradient;
+    QColor m_borderColor;
+    qreal m_borderWidth = 0;
+    CornerStyle m_cornerStyle = CornerStyle::Radius;
+    qreal m_cornerRadius = 0;
+};
+
+} // namespace ostrel

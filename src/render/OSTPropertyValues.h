@@ -1,0 +1,19 @@
+#pragma once
+
+// Numbers that screen JSON writes as strings ("alpha", "borderSize", "cornerRadius" and the
+// like). Visual values must be JSON strings: a JSON number in their place is ignored, so the
+// element's default applies.
+
+#include <QString>
+#include <QVariantMap>
+
+#include <optional>
+
+namespace ostrel {
+
+// The number the string under `key` holds (read the "en_US" way). Nothing when the key is
+// missing or holds another type; nothing, with a warning naming the key, when the string is not
+// a finite number.
+std::optional<double> ost_stringNumberForKey(const QVariantMap &properties, const QString &key);
+
+} // namespace ostrel

@@ -1,0 +1,125 @@
+#include "input/OSTValidationGroupModel.h"
+
+#include "OSTValidationTestFakes.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace ostrel;
+using namespace ostrel::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+std::shared_ptr<OSTValidationItemModel> makeItem(const QString &key, const char *properties = "{}")
+{
+    return std::make_shared<OSTValidationItemModel>(key, mapFromJson(properties));
+}
+
+} // namespace
+
+TEST(ValidationGroupModel, IsValidWhenEveryItemIsAndNoScreenMessageIsPending)
+{
+    const auto empty = OSTValidationGroupModel::create(u"empty"_s, {});
+    EXPECT_TRUE(empty->isValid());
+    EXPECT_FALSE(empty->errorMessage());
+
+    const auto first = makeItem(u"first"_s);
+    const auto second = makeItem(u"second"_s);
+    const auto group = OSTValidationGroupModel::create(u"screen"_s, {first, nullptr, second});
+    EXPECT_EQ(group->items().size(), 2u) << "null items are dropped";
+    EXPECT_EQ(group->itemModelForKey(u"second"_s), second);
+    EXPECT_EQ(group->itemModelForKey(u"third"_s), nullptr);
+
+    first->setValid(true);
+    EXPECT_FALSE(group->isValid());
+    second->setValid(true);
+    EXPECT_TRUE(group->isValid());
+    group->setErrorMessage(u"Sign-up failed."_s);
+    EXPECT_FALSE(group->isValid());
+}
+
+TEST(ValidationGroupModel, ScreenMessagePrecedence)
+{
+    const auto name = makeItem(u"name"_s, R"({"errorMessage": "Enter your name."})");
+    const auto email = makeItem(u"email"_s);
+    FakeTextInput nameInput;
+    FakeTextInput emailInput;
+    name->setItem(&nameInput);
+    email->setItem(&emailInput);
+    const auto group = OSTValidationGroupModel::create(u"screen"_s, {name, email});
+
+    EXPECT_EQ(group->errorMessage(), u"Enter your name."_s) << "the first invalid item's message";
+    EXPECT_FALSE(group->stateSensitiveErrorMessage()) << "no input lets its error show yet";
+
+    emailInput.showsErrorMessage = true;
+    EXPECT_EQ(group->stateSensitiveErrorMessage(), u"Invalid input."_s) << "the first invalid item that may show";
+    nameInput.showsErrorMessage = true;
+    EXPECT_EQ(group->stateSensitiveErrorMessage(), u"Enter your name."_s);
+
+    name->setValid(true);
+    EXPECT_EQ(group->errorMessage(), u"Invalid input."_s);
+    EXPECT_EQ(group->stateSensitiveErrorMessage(), u"Invalid input."_s);
+
+    group->setErrorMessage(u"Sign-up failed."_s);
+    EXPECT_EQ(group->errorMessage(), u"Sign-up failed."_s) << "a screen-level message comes first";
+    EXPECT_EQ(group->stateSensitiveErrorMessage(), u"Sign-up failed."_s);
+
+    email->setValid(true);
+    EXPECT_FALSE(group->errorMessage());
+    EXPECT_FALSE(group->stateSensitiveErrorMessage());
+}
+
+TEST(ValidationGroupModel, EverySetValidClearsTheScreenMessageAndTellsTheView)
+{
+    const auto item = makeItem(u"email"_s);
+    const auto group = OSTValidationGroupModel::create(u"screen"_s, {item});
+    FakeScreenView view;
+    view.setModel(group);
+    group->setGroup(&view);
+
+    group->setErrorMessage(u"Sign-up failed."_s);
+    group->notifyView();
+    EXPECT_EQ(view.shownMessage, u"Sign-up failed."_s);
+
+    item->setValid(false);
+    EXPECT_EQ(view.validityChangedCount, 2) << "told although the validity did not change";
+    EXPECT_EQ(group->errorMessage(), u"Invalid input."_s) << "the screen-level message is gone";
+    EXPECT_FALSE(view.shownMessage) << "the item's own error may not show yet";
+
+    item->setValid(false);
+    EXPECT_EQ(view.validityChangedCount, 3);
+}
+
+TEST(ValidationGroupModel, FieldCutsFollowVisibilityAndUniqueness)
+{
+    const auto email = makeItem(u"email"_s, R"({"isUnique": "Y"})");
+    const auto password = makeItem(u"password"_s, R"({"isUnique": "Y"})");
+    password->setVisibilityLevel(OSTVisibilityLevel::Secret);
+    const auto pin = makeItem(u"pin"_s, R"({"isUnique": "Y"})");
+    pin->setVisibilityLevel(OSTVisibilityLevel::Transient);
+    const auto empty = makeItem(u"empty"_s, R"({"isUnique": "Y"})");
+    const auto firstName = makeItem(u"firstName"_s, R"({"userPropertyName": "name"})");
+    const auto nickname = makeItem(u"nickname"_s, R"({"userPropertyName": "name"})");
+    const auto group = OSTValidationGroupModel::create(u"screen"_s, {email, password, pin, empty, firstName, nickname});
+
+    const std::pair<std::shared_ptr<OSTValidationItemModel>, QString> typed[] = {
+        {email, u"ada@example.com"_s}, {password, u"secret"_s}, {pin, u"1234"_s},
+        {firstName, u"Ada"_s}, {nickname, u"Countess"_s}};
+    for (const auto &[item, text] : typed) {
+        FakeTextInput input;
+        item->setItem(&input);
+        input.setModel(item);
+        input.type(text);
+    }
+
+    EXPECT_EQ(group->uniqueFields(),
+              (QVariantMap{{u"email"_s, u"ada@example.com"_s}, {u"password"_s, u"secret"_s}}));
+    EXPECT_EQ(group->allFields(), (QVariantMap{{u"email"_s, u"ada@example.com"_s},
+                                               {u"password"_s, u"secret"_s},
+                                               {u"name"_s, u"Countess"_s}}))
+        << "no PIN, no empty field, the later item wins a shared name";
+    EXPECT_EQ(group->allSavableFields(),
+              (QVariantMap{{u"email"_s, u"ada@example.com"_s}, {u"name"_s, u"Countess"_s}}));
+}

@@ -1,0 +1,126 @@
+#include "input/OSTValidationItemModel.h"
+
+#include "OSTValidationTestFakes.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace ostrel;
+using namespace ostrel::test;
+using namespace Qt::StringLiterals;
+
+TEST(ValidationItemModel, ReadsItsPropertiesWithDefaults)
+{
+    const OSTValidationItemModel plain(u"email"_s, {});
+    EXPECT_EQ(plain.key(), u"email"_s);
+    EXPECT_EQ(plain.userPropertyName(), u"email"_s) << "fields are keyed by the element key";
+    EXPECT_EQ(plain.errorMessage(), u"Invalid input."_s);
+    EXPECT_EQ(plain.defaultErrorMessage(), u"Invalid input."_s);
+    EXPECT_FALSE(plain.isOptional());
+    EXPECT_FALSE(plain.isUnique());
+    EXPECT_FALSE(plain.isValid());
+    EXPECT_EQ(plain.visibilityLevel(), OSTVisibilityLevel::Savable);
+    EXPECT_TRUE(plain.value().isNull());
+
+    const OSTValidationItemModel configured(u"field1"_s, mapFromJson(R"({
+        "isOptional": "  yes", "isUnique": "1", "userPropertyName": "email",
+        "errorMessage": "Enter your e-mail address."})"));
+    EXPECT_TRUE(configured.isOptional());
+    EXPECT_TRUE(configured.isUnique());
+    EXPECT_EQ(configured.userPropertyName(), u"email"_s);
+    EXPECT_EQ(configured.errorMessage(), u"Enter your e-mail address."_s);
+
+    const OSTValidationItemModel wrongTypes(u"field2"_s, mapFromJson(R"({
+        "isOptional": true, "isUnique": "no", "userPropertyName": 7, "errorMessage": ["x"]})"));
+    EXPECT_FALSE(wrongTypes.isOptional()) << "only strings are read as booleans";
+    EXPECT_FALSE(wrongTypes.isUnique());
+    EXPECT_EQ(wrongTypes.userPropertyName(), u"field2"_s);
+    EXPECT_EQ(wrongTypes.errorMessage(), u"Invalid input."_s);
+}
+
+TEST(ValidationItemModel, SetValidTellsTheInputOfChangesAndDropsResultMessagesOnceValid)
+{
+    auto item = std::make_shared<OSTValidationItemModel>(u"email"_s, mapFromJson(R"({"errorMessage": "Own."})"));
+    FakeTextInput input;
+    item->setItem(&input);
+
+    item->setErrorMessage(u"Already registered."_s);
+    item->setValid(false);
+    EXPECT_EQ(input.validityChangedCount, 0) << "validity starts false: nothing changed";
+    EXPECT_EQ(item->errorMessage(), u"Already registered."_s) << "an invalid item keeps the result's message";
+
+    item->setValid(true);
+    EXPECT_EQ(input.validityChangedCount, 1);
+    EXPECT_EQ(item->errorMessage(), u"Own."_s) << "valid again: the result's message no longer applies";
+
+    item->setValid(true);
+    EXPECT_EQ(input.validityChangedCount, 1);
+
+    item->setErrorMessage(u"Later."_s);
+    item->setErrorMessage(std::nullopt);
+    EXPECT_EQ(item->errorMessage(), u"Own."_s);
+}
+
+TEST(ValidationItemModel, AsksTheBoundInputForItsValueAndWhetherItsErrorMayShow)
+{
+    auto item = std::make_shared<OSTValidationItemModel>(u"name"_s, QVariantMap());
+    EXPECT_FALSE(item->shouldShowErrorMessage()) << "no input, nothing to show";
+    item->valueChanged();
+    EXPECT_TRUE(item->value().isNull());
+
+    FakeTextInput input;
+    item->setItem(&input);
+    input.setModel(item);
+    EXPECT_EQ(item->item(), &input);
+    EXPECT_EQ(input.model(), item);
+
+    input.type(u"Ada"_s);
+    EXPECT_TRUE(item->isValid());
+    EXPECT_EQ(item->value(), QVariant(u"Ada"_s));
+
+    input.showsErrorMessage = true;
+    EXPECT_TRUE(item->shouldShowErrorMessage());
+
+    input.type(QString());
+    EXPECT_FALSE(item->isValid());
+    EXPECT_TRUE(item->value().isNull()) << "an emptied input has no value";
+
+    item->setItem(nullptr);
+    EXPECT_EQ(item->item(), nullptr);
+    EXPECT_FALSE(item->shouldShowErrorMessage());
+}
+
+TEST(ValidationItemModel, ModelsInputsAndViewsOutliveEachOtherSafely)
+{
+    auto item = std::make_shared<OSTValidationItemModel>(u"email"_s, QVariantMap());
+    auto input = std::make_unique<FakeTextInput>();
+    item->setItem(input.get());
+    input->setModel(item);
+    input->type(u"ada@example.com"_s);
+
+    input.reset();
+    EXPECT_EQ(item->item(), nullptr);
+    EXPECT_FALSE(item->shouldShowErrorMessage());
+    item->valueChanged();
+    item->setValid(false);
+    EXPECT_EQ(item->value(), QVariant(u"ada@example.com"_s)) << "the value survives its input";
+
+    FakeScreenView view;
+    auto group = OSTValidationGroupModel::create(u"screen"_s, {item});
+    group->setGroup(&view);
+    view.setModel(group);
+    item->setValid(true);
+    EXPECT_EQ(view.validityChangedCount, 1);
+
+    group.reset();
+    item->setValid(false);
+    EXPECT_EQ(view.validityChangedCount, 1) << "a destroyed group listens no more";
+    EXPECT_EQ(view.model(), nullptr) << "the view held its model weakly";
+
+    FakeTextInput survivingInput;
+    item->setItem(&survivingInput);
+    survivingInput.setModel(item);
+    item.reset();
+    EXPECT_EQ(survivingInput.model(), nullptr) << "the input held its model weakly";
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <ostrel/OSTError.h>
+
+#include "network/OSTRequestManager.h"
+#include "network/OSTStatisticalEventSink.h"
+
+#include <QMutex>
+#include <QPointer>
+#include <QString>
+#include <QThread>
+#include <QVariantMap>
+
+#include <atomic>
+#include <optional>
+#include <vector>
+
+namespace ostrel::test {
+
+enum class CertificateValidity { Current, Expired };
+
+// An RSA-2048 key (PEM file) and its self-signed certificate, made with OpenSSL's API.
+struct TestCertificate {
+    QString keyPath;
+    QByteArray der;
+    QString base64() const { return QString::fromLatin1(der.toBase64()); }
+};
+
+TestCertificate makeTestCertificate(const QString &folder, CertificateValidity validity);
+
+// What one request's completion delivered, and where.
+struct RequestOutcome {
+    std::optional<QVariantMap> response;
+    std::optional<QString> text;
+    std::optional<OSTError> error;
+    QString threadName;
+    QPointer<QThread> thread;
+    std::atomic<bool> done{false};
+
+    OSTRequestManager::Completion completion();
+    OSTRequestManager::StringCompletion stringCompletion();
+    // Runs the main loop until the completion ran (real-time safety net).
+    bool wait();
+    int errorCode() const { return error ? error->code : 0; }
+};
+
+// Counts what the request manager reports.
+class RecordingStatisticalEventSink : public OSTStatisticalEventSink {
+public:
+    struct ImageDownload {
+        QUrl url;
+        double seconds;
+        OSTImageDownloadTimingType type;
+    };
+
+    void internalServerError(const QUrl &url) override;
+    void imageDownload(const QUrl &url, double seconds, OSTImageDownloadTimingType type) override;
+
+    QList<QUrl> internalServerErrors() const;
+    std::vector<ImageDownload> imageDownloads() const;
+
+private:
+    mutable QMutex m_mutex;
+    QList<QUrl> m_internalServerErrors;
+    std::vector<ImageDownload> m_imageDownloads;
+};
+
+// A loopback port that nothing listens on.
+quint16 closedLoopbackPort();
+
+} // namespace ostrel::test

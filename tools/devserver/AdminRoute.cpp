@@ -1,0 +1,73 @@
+#include "AdminRoute.h"
+
+#include "FaultSwitches.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <optional>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel::devserver {
+
+namespace {
+
+constexpr int httpOK = 200;
+constexpr int httpBadRequest = 400;
+constexpr int httpForbidden = 403;
+
+QJsonObject errorBody(const QString &message)
+{
+    return QJsonObject{{u"error"_s, message}};
+}
+
+} // namespace
+
+AdminRoute::AdminRoute(FaultSwitches &faults) : m_faults(faults) {}
+
+AdminRoute::Answer AdminRoute::handle(Method method, const QHostAddress &client, const QByteArray &body)
+{
+    if (!client.isLoopback())
+        return {httpForbidden, errorBody(u"the admin route answers loopback clients only"_s)};
+    switch (method) {
+    case Method::Get:
+        return {httpOK, m_faults.toJson()};
+    case Method::Delete:
+        m_faults.clear();
+        return {httpOK, m_faults.toJson()};
+    case Method::Post:
+        return setFaults(body);
+    }
+    return {httpBadRequest, errorBody(u"unknown method"_s)};
+}
+
+AdminRoute::Answer AdminRoute::setFaults(const QByteArray &body)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(body);
+    QJsonArray objects;
+    if (document.isObject())
+        objects.append(document.object());
+    else if (document.isArray())
+        objects = document.array();
+    else
+        return {httpBadRequest, errorBody(u"the body must be a fault object or an array of them"_s)};
+
+    // All or nothing: a bad entry leaves the switches as they were.
+    std::vector<std::pair<QString, Fault>> parsed;
+    for (const QJsonValue &value : std::as_const(objects)) {
+        QString error;
+        const QJsonObject object = value.toObject();
+        const std::optional<Fault> fault = value.isObject() ? Fault::fromJson(object, error) : std::nullopt;
+        if (!fault)
+            return {httpBadRequest, errorBody(error.isEmpty() ? u"a fault must be an object"_s : error)};
+        parsed.emplace_back(object.value(u"endpoint"_s).toString(FaultSwitches::anyEndpoint), *fault);
+    }
+    for (const auto &[endpoint, fault] : parsed)
+        m_faults.set(endpoint, fault);
+    return {httpOK, m_faults.toJson()};
+}
+
+} // namespace ostrel::devserver
