@@ -2,6 +2,7 @@
 
 #include "events/OSTEvent.h"
 
+#include <concepts>
 #include <functional>
 #include <memory>
 
@@ -21,7 +22,7 @@ public:
     static void connectReceiver(Receiver receiver);
     static void sendEvent(const std::shared_ptr<const OSTEvent> &event);
 
-    template <typename Event>
+    template <std::derived_from<OSTEvent> Event>
     static void sendEvent(const Event &event)
     {
         sendEvent(std::make_shared<const Event>(event));

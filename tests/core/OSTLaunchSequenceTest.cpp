@@ -4,17 +4,16 @@
 #include <ostrel/Ostrel.h>
 
 #include "core/OSTServiceManager.h"
-#include "events/OSTEventHook.h"
 #include "events/OSTInternalEvent.h"
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
 #include "platform/OSTNotificationCenter.h"
 #include "support/OSTChildProcess.h"
 #include "support/OSTDevServerProcess.h"
+#include "support/OSTEventRecorder.h"
 #include "support/OSTTestSupport.h"
 
 #include <QCoreApplication>
-#include <QMutex>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -28,36 +27,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The events the SDK hands over while no event manager exists yet.
-class EventRecorder {
+// The session starts and launch timings among the events the SDK hands over.
+class LaunchEvents : public test::OSTEventRecorder {
 public:
-    EventRecorder()
-    {
-        OSTEventHook::connectReceiver([this](const std::shared_ptr<const OSTEvent> &event) {
-            QMutexLocker locker(&m_mutex);
-            m_events.push_back(event);
-        });
-    }
-    ~EventRecorder() { OSTEventHook::connectReceiver({}); }
-
-    // Parameters of the recorded events called `name`, optionally only those whose "event"
-    // parameter is `kind`.
-    std::vector<QVariantMap> parametersOf(const QString &name, const QString &kind = {}) const
-    {
-        QMutexLocker locker(&m_mutex);
-        std::vector<QVariantMap> found;
-        for (const auto &event : m_events) {
-            if (event->name() == name && (kind.isEmpty() || event->parameters().value(u"event"_s) == kind))
-                found.push_back(event->parameters());
-        }
-        return found;
-    }
     std::vector<QVariantMap> sessionStarts() const { return parametersOf(OSTSessionStartedEvent); }
-    std::vector<QVariantMap> launchTimings() const { return parametersOf(u"$$OST Timing"_s, u"launch"_s); }
-
-private:
-    mutable QMutex m_mutex;
-    std::vector<std::shared_ptr<const OSTEvent>> m_events;
+    std::vector<QVariantMap> launchTimings() const { return statistics(u"launch"_s); }
 };
 
 // Launch blocks and what they were called with.
@@ -115,7 +89,7 @@ protected:
 
     QTemporaryDir bundle;
     test::OSTDevServerProcess server;
-    EventRecorder events;
+    LaunchEvents events;
 };
 
 } // namespace
