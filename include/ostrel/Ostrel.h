@@ -1,21 +1,38 @@
 #pragma once
 
+#include <ostrel/OSTConstants.h>
 #include <ostrel/OSTLoggingLevel.h>
 
 #include <QString>
 
+#include <functional>
+
 namespace ostrel {
 
 // The SDK's public entry point. Static functions only; each forwards to the manager that owns
-// the work, so the facade itself keeps no state.
+// the work, so the facade itself keeps no state. Call from the GUI thread.
 class Ostrel {
 public:
     Ostrel() = delete;
+
+    // Starts the SDK with the token in the main bundle's Info.json ("OstrelToken"). Call once,
+    // before QApplication::exec(): the launch request is sent when the application has finished
+    // launching (the first turn of its event loop).
+    static void start();
+    // Starts the SDK with `token`; an empty token falls back to the Info.json key.
+    static void startWithToken(const QString &token);
+    // Runs `block` once the SDK's launch has finished (at once if it already has), with whether
+    // the SDK is started; false after the service refused the token.
+    static void executeAfterLaunch(std::function<void(bool success)> block);
 
     // Sets how much the SDK writes to standard error (see OSTLoggingLevel).
     static void setLoggingLevel(unsigned level);
     // The SDK's version, for example "3.0.0".
     static QString version();
 };
+
+// The framework's version symbols. The SDK itself reports Ostrel::version().
+extern const double OstrelVersionNumber;
+extern const unsigned char OstrelVersionString[];
 
 } // namespace ostrel

@@ -1,6 +1,8 @@
 #include "network/OSTRequestManager.h"
 
 #include "core/OSTLogging.h"
+#include "events/OSTEventHook.h"
+#include "events/OSTStatisticalEvent.h"
 #include "network/OSTEncryption.h"
 #include "network/OSTRequestEnvelope.h"
 #include "network/OSTResponseDecoder.h"
@@ -140,12 +142,6 @@ int OSTRequestManager::customSessionCount() const
     return static_cast<int>(m_customSessions.size());
 }
 
-void OSTRequestManager::setStatisticalEventSink(std::shared_ptr<OSTStatisticalEventSink> sink)
-{
-    QMutexLocker locker(&m_mutex);
-    m_statisticalEventSink = std::move(sink);
-}
-
 QNetworkRequest OSTRequestManager::requestWithURL(const QUrl &url)
 {
     QNetworkRequest request(url);
@@ -164,10 +160,8 @@ void OSTRequestManager::completeAPIRequest(const QString &endpoint, const OSTURL
     }
     const int status = *result.statusCode;
     if (!result.data || status != httpOK) {
-        if (status == httpInternalServerError) {
-            if (const auto sink = statisticalEventSink())
-                sink->internalServerError(result.url);
-        }
+        if (status == httpInternalServerError)
+            OSTEventHook::sendEvent(OSTStatisticalEvent::internalServerErrorEvent(result.url));
         const OSTError error = !result.error || status == httpUnauthorized
             ? OSTURLErrorTable::errorForHTTPStatus(status)
             : *result.error;
@@ -195,13 +189,13 @@ void OSTRequestManager::completeImageRequest(const OSTURLTaskResult &result, dou
                                              const ImageCompletion &completion) const
 {
     const bool downloaded = result.statusCode == httpOK && result.data;
-    OSTImageDownloadTimingType type = OSTImageDownloadTimingType::Failed;
+    int type = OSTStatisticalEvent::Failure;
     if (downloaded)
-        type = OSTImageDownloadTimingType::Succeeded;
+        type = OSTStatisticalEvent::Success;
     else if (result.error && result.error->is(NSURLErrorDomain, OSTURLErrorTimedOut))
-        type = OSTImageDownloadTimingType::TimedOut;
-    if (const auto sink = statisticalEventSink())
-        sink->imageDownload(result.url, OSTClock::current().monotonicNow() - startTime, type);
+        type = OSTStatisticalEvent::Timeout;
+    OSTEventHook::sendEvent(OSTStatisticalEvent::imageDownloadEvent(
+        result.url, OSTClock::current().monotonicNow() - startTime, type));
 
     if (!downloaded) {
         const OSTError error = result.error ? *result.error
@@ -222,12 +216,6 @@ void OSTRequestManager::completeImageRequest(const OSTURLTaskResult &result, dou
     image.setDevicePixelRatio(imageScale);
     if (completion)
         completion(image, std::nullopt);
-}
-
-std::shared_ptr<OSTStatisticalEventSink> OSTRequestManager::statisticalEventSink() const
-{
-    QMutexLocker locker(&m_mutex);
-    return m_statisticalEventSink;
 }
 
 std::shared_ptr<OSTURLSession> OSTRequestManager::takeCustomSession(quint64 taskIdentifier)

@@ -2,7 +2,6 @@
 
 #include <ostrel/OSTError.h>
 
-#include "network/OSTStatisticalEventSink.h"
 #include "network/OSTURLSession.h"
 
 #include <QImage>
@@ -66,7 +65,7 @@ public:
                                 const BodyCompletion &completion);
 
     // A GET on the download session; the image has a device pixel ratio of 2. Reports the
-    // download's duration to the statistical event sink.
+    // download's duration as a statistical event.
     Task imageRequestWithURL(const QUrl &url, const ImageCompletion &completion);
 
     const OSTURLSession &dataSession() const { return *m_dataSession; }
@@ -74,8 +73,6 @@ public:
     // Sessions made for one request and not yet released.
     int customSessionCount() const;
 
-    // Where internal server errors and image download timings go (the event manager).
-    void setStatisticalEventSink(std::shared_ptr<OSTStatisticalEventSink> sink);
 
 private:
     OSTRequestManager();
@@ -85,7 +82,6 @@ private:
                             const BodyCompletion &completion) const;
     void completeImageRequest(const OSTURLTaskResult &result, double startTime,
                               const ImageCompletion &completion) const;
-    std::shared_ptr<OSTStatisticalEventSink> statisticalEventSink() const;
     std::shared_ptr<OSTURLSession> takeCustomSession(quint64 taskIdentifier);
 
     const std::shared_ptr<OSTURLSession> m_dataSession;
@@ -95,7 +91,6 @@ private:
 
     mutable QMutex m_mutex;
     std::map<quint64, std::shared_ptr<OSTURLSession>> m_customSessions;
-    std::shared_ptr<OSTStatisticalEventSink> m_statisticalEventSink;
     quint64 m_customSessionSerial = 0;
 };
 

@@ -1,4 +1,5 @@
-# cmake -P script: install, configure the consumer, build it and run it.
+# cmake -P script: install Ostrel into a scratch prefix, configure and build a project against
+# it, and run RUN_TARGET from it when one is named.
 file(REMOVE_RECURSE ${SCRATCH_DIR})
 set(prefix ${SCRATCH_DIR}/prefix)
 set(build ${SCRATCH_DIR}/build)
@@ -12,6 +13,9 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${OSTREL_BUILD_DIR} --prefix ${prefix})
 run(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${build} -G ${GENERATOR}
-    -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_BUILD_TYPE=Debug)
+    -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_BUILD_TYPE=Debug -DCMAKE_INSTALL_RPATH=${prefix}/lib
+    -DCMAKE_BUILD_RPATH=${prefix}/lib)
 run(${CMAKE_COMMAND} --build ${build})
-run(${build}/ostrel-consumer)
+if(RUN_TARGET)
+  run(${build}/${RUN_TARGET})
+endif()

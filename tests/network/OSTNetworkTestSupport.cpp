@@ -75,30 +75,6 @@ bool RequestOutcome::wait()
     return waitUntil([this] { return done.load(); }, 30000);
 }
 
-void RecordingStatisticalEventSink::internalServerError(const QUrl &url)
-{
-    QMutexLocker locker(&m_mutex);
-    m_internalServerErrors.append(url);
-}
-
-void RecordingStatisticalEventSink::imageDownload(const QUrl &url, double seconds, OSTImageDownloadTimingType type)
-{
-    QMutexLocker locker(&m_mutex);
-    m_imageDownloads.push_back({url, seconds, type});
-}
-
-QList<QUrl> RecordingStatisticalEventSink::internalServerErrors() const
-{
-    QMutexLocker locker(&m_mutex);
-    return m_internalServerErrors;
-}
-
-std::vector<RecordingStatisticalEventSink::ImageDownload> RecordingStatisticalEventSink::imageDownloads() const
-{
-    QMutexLocker locker(&m_mutex);
-    return m_imageDownloads;
-}
-
 quint16 closedLoopbackPort()
 {
     QTcpServer server;

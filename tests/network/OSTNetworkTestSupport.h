@@ -3,7 +3,6 @@
 #include <ostrel/OSTError.h>
 
 #include "network/OSTRequestManager.h"
-#include "network/OSTStatisticalEventSink.h"
 
 #include <QMutex>
 #include <QPointer>
@@ -42,27 +41,6 @@ struct RequestOutcome {
     // Runs the main loop until the completion ran (real-time safety net).
     bool wait();
     int errorCode() const { return error ? error->code : 0; }
-};
-
-// Counts what the request manager reports.
-class RecordingStatisticalEventSink : public OSTStatisticalEventSink {
-public:
-    struct ImageDownload {
-        QUrl url;
-        double seconds;
-        OSTImageDownloadTimingType type;
-    };
-
-    void internalServerError(const QUrl &url) override;
-    void imageDownload(const QUrl &url, double seconds, OSTImageDownloadTimingType type) override;
-
-    QList<QUrl> internalServerErrors() const;
-    std::vector<ImageDownload> imageDownloads() const;
-
-private:
-    mutable QMutex m_mutex;
-    QList<QUrl> m_internalServerErrors;
-    std::vector<ImageDownload> m_imageDownloads;
 };
 
 // A loopback port that nothing listens on.

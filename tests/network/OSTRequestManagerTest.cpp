@@ -5,6 +5,7 @@
 #include "network/OSTURLErrorTable.h"
 #include "platform/OSTBundle.h"
 #include "support/OSTDevServerProcess.h"
+#include "support/OSTEventRecorder.h"
 #include "support/OSTTestSupport.h"
 
 #include <QBuffer>
@@ -120,8 +121,7 @@ TEST_F(RequestManagerTest, StringFormDeliversTheAnswerText)
 TEST_F(RequestManagerTest, HTTPStatusesBecomeErrorsWithTheStatusAsCodeAndA500IsReportedOnce)
 {
     startServer();
-    auto sink = std::make_shared<test::RecordingStatisticalEventSink>();
-    manager().setStatisticalEventSink(sink);
+    test::OSTEventRecorder events;
 
     for (const int status : {401, 204, 500, 404}) {
         ASSERT_TRUE(server.setFault({{u"endpoint"_s, u"launch_v3"_s}, {u"status"_s, status}, {u"times"_s, 1}}));
@@ -132,10 +132,11 @@ TEST_F(RequestManagerTest, HTTPStatusesBecomeErrorsWithTheStatusAsCodeAndA500IsR
         ASSERT_TRUE(outcome.error);
         EXPECT_TRUE(outcome.error->is(NSURLErrorDomain, status)) << status << " gave " << outcome.error->code;
     }
-    const QList<QUrl> errors = sink->internalServerErrors();
-    ASSERT_EQ(errors.size(), 1);
-    EXPECT_EQ(errors.first().path(), u"/launch_v3"_s);
-    EXPECT_EQ(errors.first().port(), server.port());
+    const auto errors = events.statistics(u"internal_server_error"_s);
+    ASSERT_EQ(errors.size(), 1u);
+    const QUrl url(errors.front().value(u"url"_s).toString());
+    EXPECT_EQ(url.path(), u"/launch_v3"_s);
+    EXPECT_EQ(url.port(), server.port());
 }
 
 TEST_F(RequestManagerTest, ARequestTheServiceHoldsTimesOutWhenTheClockPassesFiveSeconds)
@@ -285,8 +286,7 @@ TEST_F(RequestManagerTest, ImagesDownloadAtScaleTwoAndReportTheirTiming)
     picture.save(&png, "PNG");
     server.writeImage(u"logo.png"_s, png.data());
     startServer();
-    auto sink = std::make_shared<test::RecordingStatisticalEventSink>();
-    manager().setStatisticalEventSink(sink);
+    test::OSTEventRecorder events;
 
     const auto download = [&](const QString &name, const std::function<void()> &whileWaiting = {}) {
         std::atomic<bool> done{false};
@@ -324,13 +324,13 @@ TEST_F(RequestManagerTest, ImagesDownloadAtScaleTwoAndReportTheirTiming)
     ASSERT_TRUE(timedOut);
     EXPECT_TRUE(timedOut->is(NSURLErrorDomain, OSTURLErrorTimedOut));
 
-    const auto reports = sink->imageDownloads();
+    const auto reports = events.statistics(u"image_download"_s);
     ASSERT_EQ(reports.size(), 3u);
-    EXPECT_EQ(reports[0].type, OSTImageDownloadTimingType::Succeeded);
-    EXPECT_EQ(reports[0].url.fileName(), u"logo.png"_s);
-    EXPECT_EQ(reports[1].type, OSTImageDownloadTimingType::Failed);
-    EXPECT_EQ(reports[2].type, OSTImageDownloadTimingType::TimedOut);
-    EXPECT_DOUBLE_EQ(reports[2].seconds, 30.0);
+    EXPECT_EQ(reports[0].value(u"type"_s), u"success"_s);
+    EXPECT_EQ(QUrl(reports[0].value(u"image_url"_s).toString()).fileName(), u"logo.png"_s);
+    EXPECT_EQ(reports[1].value(u"type"_s), u"failure"_s);
+    EXPECT_EQ(reports[2].value(u"type"_s), u"timeout"_s);
+    EXPECT_DOUBLE_EQ(reports[2].value(u"timing"_s).toDouble(), 30.0);
 }
 
 TEST_F(RequestManagerTest, ACancelledRequestReportsCancelled)

@@ -1,0 +1,50 @@
+#include "events/OSTStatisticalEvent.h"
+
+#include <QHash>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+QVariantMap withAutoFlag(QVariantMap parameters)
+{
+    parameters.insert(u"auto"_s, true);
+    return parameters;
+}
+
+} // namespace
+
+OSTStatisticalEvent::OSTStatisticalEvent(const QVariantMap &parameters)
+    : OSTEvent(u"$$OST Timing"_s, withAutoFlag(parameters))
+{
+}
+
+QString OSTStatisticalEvent::stringForEventType(int type)
+{
+    static const QHash<int, QString> names{
+        {Failure, u"failure"_s}, {Success, u"success"_s}, {Timeout, u"timeout"_s}};
+    return names.value(type);
+}
+
+OSTStatisticalEvent OSTStatisticalEvent::launchEvent(double timing, int type)
+{
+    return OSTStatisticalEvent(
+        {{u"event"_s, u"launch"_s}, {u"timing"_s, timing}, {u"type"_s, stringForEventType(type)}});
+}
+
+OSTStatisticalEvent OSTStatisticalEvent::imageDownloadEvent(const QUrl &url, double timing, int type)
+{
+    return OSTStatisticalEvent({{u"event"_s, u"image_download"_s},
+                                {u"image_url"_s, url.toString()},
+                                {u"timing"_s, timing},
+                                {u"type"_s, stringForEventType(type)}});
+}
+
+OSTStatisticalEvent OSTStatisticalEvent::internalServerErrorEvent(const QUrl &url)
+{
+    return OSTStatisticalEvent({{u"event"_s, u"internal_server_error"_s}, {u"url"_s, url.toString()}});
+}
+
+} // namespace ostrel

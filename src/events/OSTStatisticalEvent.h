@@ -1,0 +1,26 @@
+#pragma once
+
+#include "events/OSTEvent.h"
+
+#include <QUrl>
+
+namespace ostrel {
+
+// Timings and failures of the SDK's own work, all named "$$OST Timing" and told apart by their
+// "event" parameter.
+class OSTStatisticalEvent : public OSTEvent {
+public:
+    // How a timed operation ended; the numbers are part of the wire contract.
+    enum TimingType { Failure = 1, Success = 2, Timeout = 3 };
+
+    explicit OSTStatisticalEvent(const QVariantMap &parameters);
+
+    // "failure", "success", "timeout"; the empty string for any other value.
+    static QString stringForEventType(int type);
+
+    static OSTStatisticalEvent launchEvent(double timing, int type);
+    static OSTStatisticalEvent imageDownloadEvent(const QUrl &url, double timing, int type);
+    static OSTStatisticalEvent internalServerErrorEvent(const QUrl &url);
+};
+
+} // namespace ostrel

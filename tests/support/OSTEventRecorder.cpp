@@ -1,0 +1,38 @@
+#include "support/OSTEventRecorder.h"
+
+#include "events/OSTEventHook.h"
+
+#include <QMutexLocker>
+
+namespace ostrel::test {
+
+OSTEventRecorder::OSTEventRecorder()
+{
+    OSTEventHook::connectReceiver([this](const std::shared_ptr<const OSTEvent> &event) {
+        QMutexLocker locker(&m_mutex);
+        m_events.push_back(event);
+    });
+}
+
+OSTEventRecorder::~OSTEventRecorder()
+{
+    OSTEventHook::connectReceiver({});
+}
+
+std::vector<QVariantMap> OSTEventRecorder::parametersOf(const QString &name, const QString &kind) const
+{
+    QMutexLocker locker(&m_mutex);
+    std::vector<QVariantMap> found;
+    for (const auto &event : m_events) {
+        if (event->name() == name && (kind.isEmpty() || event->parameters().value(QStringLiteral("event")) == kind))
+            found.push_back(event->parameters());
+    }
+    return found;
+}
+
+std::vector<QVariantMap> OSTEventRecorder::statistics(const QString &kind) const
+{
+    return parametersOf(QStringLiteral("$$OST Timing"), kind);
+}
+
+} // namespace ostrel::test

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "events/OSTEvent.h"
+
+#include <QMutex>
+#include <QString>
+#include <QVariantMap>
+
+#include <memory>
+#include <vector>
+
+namespace ostrel::test {
+
+// Connects itself to OSTEventHook for its lifetime and keeps every event the SDK hands over,
+// from any thread.
+class OSTEventRecorder {
+public:
+    OSTEventRecorder();
+    ~OSTEventRecorder();
+    OSTEventRecorder(const OSTEventRecorder &) = delete;
+    OSTEventRecorder &operator=(const OSTEventRecorder &) = delete;
+
+    // Parameters of the events called `name`, oldest first; with `kind`, only statistical events
+    // whose "event" parameter is `kind`.
+    std::vector<QVariantMap> parametersOf(const QString &name, const QString &kind = {}) const;
+    // Statistical events ("$$OST Timing") of one kind, e.g. "launch" or "image_download".
+    std::vector<QVariantMap> statistics(const QString &kind) const;
+
+private:
+    mutable QMutex m_mutex;
+    std::vector<std::shared_ptr<const OSTEvent>> m_events;
+};
+
+} // namespace ostrel::test
