@@ -17,6 +17,7 @@
 
 #include <QFile>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QMutexLocker>
 
 using namespace Qt::StringLiterals;
