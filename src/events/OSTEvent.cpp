@@ -13,4 +13,10 @@ OSTEvent::OSTEvent(const QString &name, const QVariantMap &parameters)
     m_parameters.insert(u"event_type"_s, name);
 }
 
+QVariantMap OSTEvent::markedAutomatic(QVariantMap parameters)
+{
+    parameters.insert(u"auto"_s, true);
+    return parameters;
+}
+
 } // namespace ostrel

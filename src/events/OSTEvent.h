@@ -16,6 +16,10 @@ public:
     QString name() const { return m_name; }
     const QVariantMap &parameters() const { return m_parameters; }
 
+protected:
+    // The parameters with "auto" = true, which tells the service the SDK made the event itself.
+    static QVariantMap markedAutomatic(QVariantMap parameters);
+
 private:
     QString m_name;
     QVariantMap m_parameters;

@@ -6,18 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
-namespace {
-
-QVariantMap withAutoFlag(QVariantMap parameters)
-{
-    parameters.insert(u"auto"_s, true);
-    return parameters;
-}
-
-} // namespace
-
 OSTInternalEvent::OSTInternalEvent(const QString &name, const QString &type, const QVariantMap &parameters)
-    : OSTEvent(name, withAutoFlag(parameters)), m_type(type)
+    : OSTEvent(name, markedAutomatic(parameters)), m_type(type)
 {
 }
 

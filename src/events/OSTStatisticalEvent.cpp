@@ -6,18 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
-namespace {
-
-QVariantMap withAutoFlag(QVariantMap parameters)
-{
-    parameters.insert(u"auto"_s, true);
-    return parameters;
-}
-
-} // namespace
-
 OSTStatisticalEvent::OSTStatisticalEvent(const QVariantMap &parameters)
-    : OSTEvent(u"$$OST Timing"_s, withAutoFlag(parameters))
+    : OSTEvent(u"$$OST Timing"_s, markedAutomatic(parameters))
 {
 }
 
