@@ -14,7 +14,8 @@ endfunction()
 run(${CMAKE_COMMAND} --install ${OSTREL_BUILD_DIR} --prefix ${prefix})
 run(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${build} -G ${GENERATOR}
     -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_BUILD_TYPE=Debug -DCMAKE_INSTALL_RPATH=${prefix}/lib
-    -DCMAKE_BUILD_RPATH=${prefix}/lib)
+    -DCMAKE_BUILD_RPATH=${prefix}/lib
+    "-DCMAKE_CXX_FLAGS=${CONSUMER_CXX_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${CONSUMER_LINKER_FLAGS}")
 run(${CMAKE_COMMAND} --build ${build})
 if(RUN_TARGET)
   run(${build}/${RUN_TARGET})
