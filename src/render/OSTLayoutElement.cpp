@@ -1,0 +1,157 @@
+#include "render/OSTLayoutElement.h"
+
+#include "core/OSTDictionaryHelpers.h"
+#include "render/OSTLayoutNumbers.h"
+
+#include <ostrel/OSTConstants.h>
+
+#include <cmath>
+
+namespace ostrel {
+
+namespace {
+
+// "read as an unsigned integer" and kept as a signed one: a negative number wraps to a value
+// that is negative again, and so counts as not given, as does anything from 2^63 up.
+qint64 zLayerFromNumber(double number)
+{
+    if (std::isnan(number))
+        return -1;
+    const double truncated = std::trunc(number);
+    if (truncated < 0.0 || truncated >= 9223372036854775808.0)
+        return -1;
+    return static_cast<qint64>(truncated);
+}
+
+} // namespace
+
+const QString OSTLayoutElement::numericPattern = QStringLiteral(u"^[0-9]+(?:\\.[0-9]+)?$");
+
+const QString &OSTLayoutElement::attributeName(Attribute attribute)
+{
+    switch (attribute) {
+    case X:
+        return OSTLayoutElementXAttributeKey;
+    case Y:
+        return OSTLayoutElementYAttributeKey;
+    case Width:
+        return OSTLayoutElementWidthAttributeKey;
+    case Height:
+        break;
+    }
+    return OSTLayoutElementHeightAttributeKey;
+}
+
+int OSTLayoutElement::attributeIndex(QStringView name)
+{
+    switch (name.size()) {
+    case 1:
+        return name[0] == u'x' ? X : name[0] == u'y' ? Y : -1;
+    case 5:
+        return name == u"width" ? Width : -1;
+    case 6:
+        return name == u"height" ? Height : -1;
+    default:
+        return -1;
+    }
+}
+
+OSTLayoutElement::OSTLayoutElement() = default;
+
+OSTLayoutElement::OSTLayoutElement(const QVariantMap &layout)
+{
+    static const QString zero = QStringLiteral("0");
+    static const QString full = QStringLiteral("100%");
+    setValue(ost_stringForKey(layout, OSTLayoutElementXAttributeKey).value_or(zero), X);
+    setValue(ost_stringForKey(layout, OSTLayoutElementYAttributeKey).value_or(zero), Y);
+    setValue(ost_stringForKey(layout, OSTLayoutElementWidthAttributeKey).value_or(full), Width);
+    setValue(ost_stringForKey(layout, OSTLayoutElementHeightAttributeKey).value_or(full), Height);
+
+    const std::optional<QString> anchored = ost_stringForKey(layout, QStringLiteral("anchored"));
+    m_anchored = anchored ? ost_boolValue(*anchored) : true;
+
+    const std::optional<double> zLayer = ost_numberForKey(layout, QStringLiteral("zLayer"));
+    m_zLayer = zLayer ? zLayerFromNumber(*zLayer) : -1;
+}
+
+void OSTLayoutElement::setValue(const QString &value, const QString &attribute)
+{
+    const int index = attributeIndex(attribute);
+    if (index >= 0)
+        setValue(value, Attribute(index));
+}
+
+void OSTLayoutElement::setValue(const QString &value, Attribute attribute)
+{
+    m_values[attribute] = value;
+    m_present |= bit(attribute);
+    if (isNumericString(value))
+        m_resolved |= bit(attribute);
+    else
+        m_resolved &= std::uint8_t(~bit(attribute));
+}
+
+std::optional<QString> OSTLayoutElement::valueOfAttribute(const QString &attribute) const
+{
+    const int index = attributeIndex(attribute);
+    if (index < 0 || !hasAttribute(Attribute(index)))
+        return std::nullopt;
+    return m_values[index];
+}
+
+bool OSTLayoutElement::isAttributeResolved(const QString &attribute) const
+{
+    const int index = attributeIndex(attribute);
+    return index >= 0 && isAttributeResolved(Attribute(index));
+}
+
+QMap<QString, QString> OSTLayoutElement::attributes() const
+{
+    QMap<QString, QString> result;
+    for (int index = 0; index < attributeCount; ++index) {
+        if (hasAttribute(Attribute(index)))
+            result.insert(attributeName(Attribute(index)), m_values[index]);
+    }
+    return result;
+}
+
+QMap<QString, bool> OSTLayoutElement::attributesResolved() const
+{
+    QMap<QString, bool> result;
+    for (int index = 0; index < attributeCount; ++index) {
+        if (hasAttribute(Attribute(index)))
+            result.insert(attributeName(Attribute(index)), isAttributeResolved(Attribute(index)));
+    }
+    return result;
+}
+
+QRectF OSTLayoutElement::frame() const
+{
+    if (!isResolved())
+        return QRectF(0, 0, 0, 0);
+    const auto number = [this](Attribute attribute) {
+        return hasAttribute(attribute) ? OSTLayoutNumbers::decimalValue(m_values[attribute]) : 0.0;
+    };
+    return QRectF(number(X), number(Y), number(Width), number(Height));
+}
+
+bool OSTLayoutElement::isNumericString(QStringView text)
+{
+    const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
+    qsizetype index = 0;
+    const qsizetype size = text.size();
+    while (index < size && isDigit(text[index]))
+        ++index;
+    if (index == 0)
+        return false;
+    if (index == size)
+        return true;
+    if (text[index] != u'.')
+        return false;
+    const qsizetype fraction = ++index;
+    while (index < size && isDigit(text[index]))
+        ++index;
+    return index == size && index > fraction;
+}
+
+} // namespace ostrel

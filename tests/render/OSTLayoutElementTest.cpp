@@ -1,0 +1,165 @@
+// One layout element built from an element object, and the numeric predicate that
+// decides when an attribute is resolved.
+
+#include "OSTLayoutTestSupport.h"
+
+#include "render/OSTLayoutElement.h"
+
+#include <ostrel/OSTConstants.h>
+
+#include <unicode/regex.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+
+using namespace ostrel;
+using namespace ostrel::test;
+using namespace Qt::StringLiterals;
+
+TEST(LayoutElement, AttributeNamesAreTheExportedConstants)
+{
+    EXPECT_EQ(OSTLayoutElementXAttributeKey, u"x"_s);
+    EXPECT_EQ(OSTLayoutElementYAttributeKey, u"y"_s);
+    EXPECT_EQ(OSTLayoutElementWidthAttributeKey, u"width"_s);
+    EXPECT_EQ(OSTLayoutElementHeightAttributeKey, u"height"_s);
+    EXPECT_EQ(OSTLayoutElement::attributeIndex(u"height"), OSTLayoutElement::Height);
+    EXPECT_EQ(OSTLayoutElement::attributeIndex(u"Height"), -1);
+}
+
+TEST(LayoutElement, AnEmptyObjectFillsItsParent)
+{
+    const OSTLayoutElement element(layoutJson("{}"));
+    EXPECT_EQ(element.attributes(), (QMap<QString, QString>{{u"x"_s, u"0"_s}, {u"y"_s, u"0"_s},
+                                                             {u"width"_s, u"100%"_s},
+                                                             {u"height"_s, u"100%"_s}}));
+    EXPECT_EQ(element.attributesResolved(),
+              (QMap<QString, bool>{{u"x"_s, true}, {u"y"_s, true}, {u"width"_s, false}, {u"height"_s, false}}));
+    EXPECT_TRUE(element.isAnchored());
+    EXPECT_EQ(element.zLayer(), -1) << "not given";
+    EXPECT_FALSE(element.isResolved());
+    EXPECT_EQ(element.frame(), QRectF());
+    EXPECT_EQ(element.parent(), nullptr);
+}
+
+TEST(LayoutElement, TheNilLayoutHasNoAttributes)
+{
+    const OSTLayoutElement element;
+    EXPECT_TRUE(element.attributes().isEmpty());
+    EXPECT_TRUE(element.isResolved()) << "no attribute is unresolved";
+    EXPECT_FALSE(element.isAnchored());
+    EXPECT_EQ(element.zLayer(), 0);
+    EXPECT_EQ(element.frame(), QRectF());
+    EXPECT_FALSE(element.valueOfAttribute(u"x"_s));
+    EXPECT_FALSE(element.isAttributeResolved(u"x"_s));
+}
+
+TEST(LayoutElement, FrameValuesAreReadOnlyAsStrings)
+{
+    const OSTLayoutElement element(layoutJson(R"({"x": 10, "y": "10", "width": true, "height": null})"));
+    EXPECT_EQ(element.valueOfAttribute(u"x"_s), u"0"_s) << "the JSON number 10 is ignored";
+    EXPECT_EQ(element.valueOfAttribute(u"y"_s), u"10"_s);
+    EXPECT_EQ(element.valueOfAttribute(u"width"_s), u"100%"_s);
+    EXPECT_EQ(element.valueOfAttribute(u"height"_s), u"100%"_s);
+}
+
+TEST(LayoutElement, LayerAndAnchoringReadings)
+{
+    struct Case {
+        const char *json;
+        qint64 zLayer;
+        bool anchored;
+    };
+    const Case cases[] = {
+        {R"({"zLayer": 250})", 250, true},
+        {R"({"zLayer": "1,250"})", 1250, true},      // the "en_US" decimal reading
+        {R"({"zLayer": "12abc"})", -1, true},
+        {R"({"zLayer": -4})", -1, true},             // negative as a signed number: not given
+        {R"({"zLayer": -0.5})", 0, true},
+        {R"({"zLayer": 1e30})", -1, true},
+        {R"({"zLayer": true})", 1, true},            // a JSON boolean is a number
+        {R"({"anchored": "no"})", -1, false},
+        {R"({"anchored": "  -0001"})", -1, true},
+        {R"({"anchored": "00"})", -1, false},
+        {R"({"anchored": true})", -1, true},
+        {R"({"anchored": false})", -1, true},        // not a string: the default
+    };
+    for (const Case &test : cases) {
+        const OSTLayoutElement element(layoutJson(test.json));
+        EXPECT_EQ(element.zLayer(), test.zLayer) << test.json;
+        EXPECT_EQ(element.isAnchored(), test.anchored) << test.json;
+    }
+}
+
+TEST(LayoutElement, SetValueRecordsWhetherTheValueIsResolved)
+{
+    OSTLayoutElement element(layoutJson(R"({"x": "1", "y": "2", "width": "3.5", "height": "50%"})"));
+    EXPECT_FALSE(element.isResolved());
+    element.setValue(u"4"_s, u"height"_s);
+    EXPECT_TRUE(element.isResolved());
+    EXPECT_EQ(element.frame(), QRectF(1, 2, 3.5, 4));
+
+    element.setValue(u"-1"_s, u"x"_s);
+    EXPECT_FALSE(element.isAttributeResolved(u"x"_s));
+    EXPECT_FALSE(element.isResolved());
+    EXPECT_EQ(element.frame(), QRectF());
+
+    element.setValue(u"5"_s, u"depth"_s);
+    EXPECT_FALSE(element.valueOfAttribute(u"depth"_s)) << "only the four frame attributes are kept";
+    EXPECT_EQ(element.attributes().size(), 4);
+
+    OSTLayoutElement screen;
+    screen.setValue(u"375.00"_s, u"width"_s);
+    screen.setValue(u"667.00"_s, u"height"_s);
+    EXPECT_TRUE(screen.isResolved());
+    EXPECT_EQ(screen.frame(), QRectF(0, 0, 375, 667)) << "missing x and y read 0";
+}
+
+TEST(LayoutElement, ParentIsHeldWeakly)
+{
+    auto child = std::make_shared<OSTLayoutElement>();
+    {
+        auto parent = std::make_shared<OSTLayoutElement>();
+        child->setParent(parent);
+        EXPECT_EQ(child->parent(), parent);
+    }
+    EXPECT_EQ(child->parent(), nullptr);
+}
+
+TEST(LayoutNumericString, AcceptsUnsignedDecimalNumbersOnly)
+{
+    for (const char *text : {"0", "007", "375.00", "1.5", "12345678901234567890123"})
+        EXPECT_TRUE(OSTLayoutElement::isNumericString(QString::fromUtf8(text))) << text;
+    for (const char *text : {"", ".", "1.", ".5", "-1", "+1", "1e3", " 1", "1 ", "1\n", "1.2.3", "1,5",
+                             "١٢", "１", "(1)", "inf", "nan"})
+        EXPECT_FALSE(OSTLayoutElement::isNumericString(QString::fromUtf8(text))) << text;
+}
+
+TEST(LayoutNumericString, AgreesWithTheIcuPredicate)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    UParseError parseError;
+    const QString pattern = OSTLayoutElement::numericPattern;
+    std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(
+        icu::UnicodeString(false, reinterpret_cast<const UChar *>(pattern.utf16()), int32_t(pattern.size())),
+        0, parseError, status));
+    ASSERT_TRUE(U_SUCCESS(status));
+
+    std::mt19937 random(5);
+    const char16_t alphabet[] = u"0123456789..-+e \n\u0661\uff11x";
+    const int letters = int(std::size(alphabet)) - 1;
+    for (int round = 0; round < 20000; ++round) {
+        QString text;
+        const int length = int(random() % 7);
+        for (int index = 0; index < length; ++index) {
+            // Mostly digits and points, so that both answers occur often.
+            const int pick = random() % 4 ? int(random() % 11) : int(random() % unsigned(letters));
+            text.append(QChar(alphabet[pick]));
+        }
+        const icu::UnicodeString input(false, reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()));
+        std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(input, status));
+        const bool expected = matcher->matches(status);
+        ASSERT_EQ(OSTLayoutElement::isNumericString(text), expected) << text.toStdString();
+    }
+}

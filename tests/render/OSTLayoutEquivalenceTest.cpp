@@ -1,0 +1,258 @@
+// The layout manager visits only the elements whose next visit can change something, instead
+// of every element on every pass. These tests show that it ends with exactly the strings and
+// the result of straightforward full-pass resolution (OSTLayoutReferenceResolution.h) on many generated screens, including chains, groups,
+// cycles, self-references, negative results and broken formulas.
+
+#include "OSTLayoutReferenceResolution.h"
+#include "OSTLayoutTestSupport.h"
+
+#include "render/OSTLayoutManager.h"
+
+#include <QJsonDocument>
+#include <QStringList>
+#include <QVariantList>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace ostrel;
+using namespace ostrel::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Reference = OSTLayoutReferenceResolution;
+
+// Compares the manager (resolved) with the reference (resolved from the same start).
+void expectSameResolution(OSTLayoutManager &manager, double statusBar, const QString &context)
+{
+    Reference reference(manager, statusBar);
+    const Reference::Result expected = reference.resolve();
+    ASSERT_NE(expected, Reference::Result::Inconclusive) << context.toStdString();
+    const bool resolved = manager.resolveLayout();
+    ASSERT_EQ(resolved, expected == Reference::Result::Resolved) << context.toStdString();
+    for (const Reference::Element &element : reference.elements()) {
+        const auto actual = manager.elements().value(element.key);
+        ASSERT_TRUE(actual);
+        for (int index = 0; index < 4; ++index) {
+            const QString &name = OSTLayoutElement::attributeName(OSTLayoutElement::Attribute(index));
+            ASSERT_EQ(actual->valueOfAttribute(name), element.values[size_t(index)])
+                << element.key.toStdString() << "." << name.toStdString() << " in "
+                << context.toStdString();
+        }
+    }
+}
+
+// Random screens. A tidy screen refers only to elements generated before (in an order that
+// the table does not follow) and to own attributes that cannot form a loop, adds and
+// multiplies only, and so mostly resolves; an untidy one also has cycles, self-references,
+// unknown attribute names, negative numbers and broken formulas.
+class ScreenGenerator {
+public:
+    explicit ScreenGenerator(unsigned seed) : m_random(seed) {}
+
+    QVariantMap screen(bool tidy)
+    {
+        m_tidy = tidy;
+        const int count = 2 + pick(24);
+        m_keys.clear();
+        static const QString categories[] = {u"shapes"_s, u"images"_s, u"labels"_s, u"inputs"_s, u"buttons"_s};
+        QVariantMap screen;
+        for (int index = 0; index < count; ++index) {
+            const QString key = pick(5) ? u"e%1"_s.arg(pick(40)) : QStringLiteral("group%1").arg(pick(4));
+            const QString &category = categories[pick(5)];
+            QVariantMap objects = screen.value(category).toMap();
+            objects.insert(key, element());
+            screen.insert(category, objects);
+            m_keys.append(key);
+        }
+        QVariantMap groups;
+        for (int group = pick(4); group > 0; --group) {
+            QVariantMap object = element();
+            QVariantList members;
+            for (int member = pick(5); member > 0; --member)
+                members.append(pick(6) ? m_keys.at(pick(m_keys.size())) : QStringLiteral("group%1").arg(pick(4)));
+            object.insert(u"elements"_s, members);
+            groups.insert(QStringLiteral("group%1").arg(pick(4)), object);
+        }
+        if (!groups.isEmpty())
+            screen.insert(u"groups"_s, groups);
+        return screen;
+    }
+
+private:
+    int pick(qsizetype bound) { return int(m_random() % quint32(bound)); }
+
+    QVariantMap element()
+    {
+        QVariantMap object;
+        for (int attribute = 0; attribute < 4; ++attribute) {
+            if (pick(5)) {
+                m_attribute = attribute;
+                object.insert(OSTLayoutElement::attributeName(OSTLayoutElement::Attribute(attribute)), formula(0));
+            }
+        }
+        return object;
+    }
+
+    QString reference()
+    {
+        static const QString attributes[] = {u"x"_s, u"y"_s, u"width"_s, u"height"_s, u"colour"_s};
+        if (m_tidy && m_keys.isEmpty())
+            return u"{missing.x}"_s;
+        const QString key = pick(8) && !m_keys.isEmpty() ? m_keys.at(pick(m_keys.size())) : u"missing"_s;
+        return u'{' + key + u'.' + attributes[pick(m_tidy || pick(10) ? 4 : 5)] + u'}';
+    }
+
+    QString ownAttribute()
+    {
+        // Tidy: width uses nothing, height uses width, x and y use width and height.
+        static const QString names[] = {u"x"_s, u"y"_s, u"width"_s, u"height"_s};
+        if (!m_tidy)
+            return pick(5) ? names[pick(4)] : u"statusBar"_s;
+        switch (m_attribute) {
+        case OSTLayoutElement::Width:
+            return u"statusBar"_s;
+        case OSTLayoutElement::Height:
+            return pick(2) ? u"width"_s : u"statusBar"_s;
+        default:
+            return pick(3) ? names[2 + pick(2)] : u"statusBar"_s;
+        }
+    }
+
+    QString operand()
+    {
+        static const QString numbers[] = {u"0"_s, u"10"_s, u"12.5"_s, u"007"_s, u"3"_s, u"200"_s, u".5"_s};
+        static const QString percentages[] = {u"50%"_s, u"33.3%"_s, u"100%"_s, u"0%"_s, u"%"_s,
+                                              u"150%"_s, u"10%"_s, u"25.5%"_s, u"199.99%"_s};
+        static const QString odd[] = {u"-5"_s, u"{a.{b.x}.y}"_s, u"10%0%"_s, u"1e2"_s, u"100%%"_s,
+                                      u"{e1.x}{e1.x}"_s, u"(100% - width) / 2"_s, u"5.5.5"_s};
+        switch (pick(m_tidy ? 18 : 20)) {
+        case 0: case 1: case 2: case 3: case 4: case 5:
+            return numbers[pick(7)];
+        case 6: case 7: case 8: case 9:
+            return percentages[pick(m_tidy ? 3 : 9)];
+        case 10: case 11: case 12: case 13: case 14: case 15:
+            return reference();
+        case 16: case 17:
+            return ownAttribute();
+        default:
+            return odd[pick(8)];
+        }
+    }
+
+    QString formula(int depth)
+    {
+        static const QString operators[] = {u" + "_s, u" * "_s, u" - "_s, u" / "_s, u"+"_s};
+        QString text = operand();
+        for (int more = pick(depth ? 2 : 4); more > 0; --more) {
+            const QString right = depth < 2 && !pick(4) ? u'(' + formula(depth + 1) + u')' : operand();
+            text += operators[m_tidy ? pick(2) : pick(5)] + right;
+        }
+        return text;
+    }
+
+    std::mt19937 m_random;
+    QStringList m_keys;
+    bool m_tidy = false;
+    int m_attribute = 0;
+};
+
+} // namespace
+
+TEST(LayoutEquivalence, GeneratedScreensResolveAsPassByPassResolutionDoes)
+{
+    ScreenGenerator generator(20240501);
+    int resolved = 0;
+    int unresolved = 0;
+    for (int round = 0; round < 1500; ++round) {
+        const QVariantMap screen = generator.screen(round % 2 == 0);
+        const double statusBar = round % 3 ? 20.0 : 24.5;
+        OSTLayoutManager manager(screen, QRectF(0, 0, round % 4 < 2 ? 375 : 320.5, 667), statusBar);
+        const QString context = QString::fromUtf8(QJsonDocument::fromVariant(screen).toJson(QJsonDocument::Compact));
+        const bool before = !HasFatalFailure();
+        expectSameResolution(manager, statusBar, context);
+        if (HasFatalFailure() && before)
+            return;
+        bool all = true;
+        for (const auto &element : manager.elements())
+            all = all && element->isResolved();
+        (all ? resolved : unresolved)++;
+    }
+    // The generator must exercise both outcomes.
+    EXPECT_GT(resolved, 300);
+    EXPECT_GT(unresolved, 300);
+}
+
+TEST(LayoutEquivalence, AChainVisitedLastToFirstTakesOnePassPerLink)
+{
+    // "k0299" refers to "k0298" ... to "k0000"; the table visits "k0000" first, so name the
+    // chain backwards: the element visited first depends on the one visited last.
+    QVariantMap shapes;
+    const int length = 300;
+    for (int link = 0; link < length; ++link) {
+        const QString key = QStringLiteral("k%1").arg(link, 4, 10, QChar(u'0'));
+        const QString next = QStringLiteral("k%1").arg(link + 1, 4, 10, QChar(u'0'));
+        shapes.insert(key, QVariantMap{{u"y"_s, link == length - 1 ? u"5%"_s : u"{"_s + next + u".y} + 1"_s},
+                                       {u"height"_s, u"10"_s}});
+    }
+    OSTLayoutManager manager(QVariantMap{{u"shapes"_s, shapes}}, QRectF(0, 0, 375, 667), 20);
+    Reference reference(manager, 20);
+    ASSERT_EQ(reference.resolve(), Reference::Result::Resolved);
+    EXPECT_GE(reference.passes(), length);
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(manager.frameForKey(u"k0000"_s).y(), 33 + length - 1);
+    for (const auto &element : reference.elements())
+        ASSERT_EQ(manager.elements().value(element.key)->valueOfAttribute(u"y"_s), element.values[1]);
+}
+
+TEST(LayoutEquivalence, WorkedExamplesMatchTheReference)
+{
+    const char *screens[] = {
+        R"({"shapes": {"logo": {"x": "(100% - width) / 2", "width": "50%"}}})",
+        R"({"groups": {"panel": {"width": "50%", "elements": ["caption"]}},
+            "labels": {"caption": {"x": "10", "width": "100%"}}})",
+        R"({"labels": {"title": {"y": "statusBar + 10%", "height": "width * 0.1"}},
+            "inputs": {"field": {"y": "{title.y} + {title.height} + 10", "x": "{missing.x} + 16"}}})",
+        R"({"shapes": {"a": {"x": "{p{b.x}.x}", "y": "{b.x}"}, "b": {"x": "7"}, "p7": {"x": "{a.y}"}}})",
+    };
+    for (const char *json : screens) {
+        OSTLayoutManager manager = layoutManager(json);
+        expectSameResolution(manager, 20, QString::fromUtf8(json));
+    }
+}
+
+TEST(LayoutEquivalence, ChangesAreSeenInTheSamePassAsInFullPasses)
+{
+    // Usually only the number of passes depends on when an element sees a change; here the
+    // result does. "{p{a.x}.x}" becomes the reference "{p1.x}" once a.x is 1. If b.x is still
+    // unresolved in that visit, the formula is kept and "{p1.x}" is read as a reference (3) on
+    // the next visit; if b.x is resolved too, the own attribute "x" is substituted first and
+    // "{p1.7}" never resolves. a.x resolves in pass 2 and b.x in pass 3, both before "e" in
+    // the table: a full pass 2 visits "e" after a.x resolved, and so must the manager.
+    const char *screen = R"({"shapes": {
+        "e": {"x": "7", "width": "1", "height": "1", "y": "{p{a.x}.x} + {b.x}"}, "p1": {"x": "3"},
+        "a": {"x": "{za.x}"}, "za": {"x": "1 + 0"},
+        "b": {"x": "{zb.x}"}, "zb": {"x": "{zc.x}"}, "zc": {"x": "2 + 3"}}})";
+    OSTLayoutManager manager = layoutManager(screen);
+    expectSameResolution(manager, 20, QString::fromUtf8(screen));
+    EXPECT_EQ(layoutValue(manager, u"e"_s, u"y"_s), u"8"_s);
+
+    // The same with the element first in the table: it sees each change one pass later.
+    const char *first = R"({"shapes": {
+        "0e": {"x": "7", "width": "1", "height": "1", "y": "{p{a.x}.x} + {b.x}"}, "p1": {"x": "3"},
+        "a": {"x": "{za.x}"}, "za": {"x": "1 + 0"},
+        "b": {"x": "{zb.x}"}, "zb": {"x": "{zc.x}"}, "zc": {"x": "2 + 3"}}})";
+    OSTLayoutManager later = layoutManager(first);
+    expectSameResolution(later, 20, QString::fromUtf8(first));
+    EXPECT_EQ(layoutValue(later, u"0e"_s, u"y"_s), u"8"_s);
+
+    // And with b.x available in the same visit as a.x.
+    const char *together = R"({"shapes": {
+        "e": {"x": "7", "width": "1", "height": "1", "y": "{p{a.x}.x} + {b.x}"}, "p1": {"x": "3"},
+        "a": {"x": "{za.x}"}, "za": {"x": "1 + 0"}, "b": {"x": "{zb.x}"}, "zb": {"x": "2 + 3"}}})";
+    OSTLayoutManager same = layoutManager(together);
+    expectSameResolution(same, 20, QString::fromUtf8(together));
+    EXPECT_EQ(layoutValue(same, u"e"_s, u"y"_s), u"{p1.7} + 5"_s);
+}

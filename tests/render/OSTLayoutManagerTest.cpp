@@ -1,0 +1,367 @@
+// Building the element table from the screen JSON, and resolving the formulas into frames.
+
+#include "OSTLayoutTestSupport.h"
+
+#include "core/OSTLogging.h"
+#include "render/OSTLayoutManager.h"
+#include "support/OSTTestSupport.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <gtest/gtest.h>
+
+using namespace ostrel;
+using namespace ostrel::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString value(const OSTLayoutManager &manager, const char *key, const char *attribute)
+{
+    return layoutValue(manager, QString::fromUtf8(key), QString::fromUtf8(attribute));
+}
+
+} // namespace
+
+// --- Building ---------------------------------------------------------------------------------
+
+TEST(LayoutManagerBuilding, BaseElementIsTheScreenWithTwoDecimals)
+{
+    const OSTLayoutManager manager = layoutManager("{}", 375, 667);
+    const auto &base = *manager.baseElement();
+    EXPECT_EQ(base.valueOfAttribute(u"width"_s), u"375.00"_s);
+    EXPECT_EQ(base.valueOfAttribute(u"height"_s), u"667.00"_s);
+    EXPECT_FALSE(base.valueOfAttribute(u"x"_s));
+    EXPECT_FALSE(base.valueOfAttribute(u"y"_s));
+    EXPECT_TRUE(base.isResolved());
+    EXPECT_EQ(base.frame(), QRectF(0, 0, 375, 667));
+    EXPECT_TRUE(manager.elements().isEmpty());
+
+    const OSTLayoutManager odd = layoutManager("{}", 320.125, 568.5);
+    EXPECT_EQ(odd.baseElement()->valueOfAttribute(u"width"_s), u"320.12"_s) << "printf rounds the tie to even";
+    EXPECT_EQ(odd.baseElement()->valueOfAttribute(u"height"_s), u"568.50"_s);
+}
+
+TEST(LayoutManagerBuilding, CategoriesGiveDefaultLayersAndTheScreenAsParent)
+{
+    const OSTLayoutManager manager = layoutManager(R"({
+        "shapes": {"s": {}}, "images": {"i": {}}, "labels": {"l": {}},
+        "inputs": {"n": {}}, "buttons": {"b": {}}, "groups": {"g": {}},
+        "other": {"o": {}}})");
+    const auto &elements = manager.elements();
+    ASSERT_EQ(elements.keys(), (QStringList{u"b"_s, u"g"_s, u"i"_s, u"l"_s, u"n"_s, u"s"_s}));
+    EXPECT_EQ(elements.value(u"s"_s)->zLayer(), 200);
+    EXPECT_EQ(elements.value(u"i"_s)->zLayer(), 300);
+    EXPECT_EQ(elements.value(u"g"_s)->zLayer(), 400);
+    EXPECT_EQ(elements.value(u"l"_s)->zLayer(), 500);
+    EXPECT_EQ(elements.value(u"n"_s)->zLayer(), 600);
+    EXPECT_EQ(elements.value(u"b"_s)->zLayer(), 700);
+    for (const auto &element : elements)
+        EXPECT_EQ(element->parent(), manager.baseElement());
+    EXPECT_EQ(manager.elementKeysSortedByZLayer(),
+              (QStringList{u"s"_s, u"i"_s, u"g"_s, u"l"_s, u"n"_s, u"b"_s}));
+}
+
+TEST(LayoutManagerBuilding, EntriesThatAreNotObjectsAreSkipped)
+{
+    const OSTLayoutManager manager = layoutManager(R"({
+        "shapes": {"a": "text", "b": 3, "c": [1], "d": null, "e": {}},
+        "labels": [{"x": "1"}], "groups": "none", "images": 7})");
+    EXPECT_EQ(manager.elements().keys(), QStringList{u"e"_s});
+}
+
+TEST(LayoutManagerBuilding, AKeyInTwoCategoriesLeavesOneElement)
+{
+    const OSTLayoutManager manager = layoutManager(R"({
+        "labels": {"title": {"x": "1", "zLayer": 9}},
+        "shapes": {"title": {"x": "2"}},
+        "buttons": {"title": {"x": "3"}}})");
+    ASSERT_EQ(manager.elements().size(), 1);
+    EXPECT_EQ(manager.elementKeysSortedByZLayer(), QStringList{u"title"_s});
+    // The categories are read in key order, so "shapes" is the last one and stays.
+    EXPECT_EQ(value(manager, "title", "x"), u"2"_s);
+    EXPECT_EQ(manager.elements().value(u"title"_s)->zLayer(), 200);
+}
+
+TEST(LayoutManagerBuilding, LayersSortAscendingAndStablyInKeyOrder)
+{
+    const OSTLayoutManager manager = layoutManager(R"({
+        "shapes": {"d": {"zLayer": 5}, "c": {"zLayer": "5"}, "b": {"zLayer": -3},
+                   "a": {"zLayer": 900}, "e": {"zLayer": 0}, "f": {"zLayer": "7.9"}},
+        "labels": {"g": {"zLayer": -1}, "h": {"zLayer": "high"}}})");
+    const auto &elements = manager.elements();
+    EXPECT_EQ(elements.value(u"b"_s)->zLayer(), 200) << "a negative layer counts as not given";
+    EXPECT_EQ(elements.value(u"g"_s)->zLayer(), 500);
+    EXPECT_EQ(elements.value(u"h"_s)->zLayer(), 500) << "a text that is no number is ignored";
+    EXPECT_EQ(elements.value(u"c"_s)->zLayer(), 5) << "a numeric string is a number";
+    EXPECT_EQ(elements.value(u"f"_s)->zLayer(), 7) << "read as an unsigned integer";
+    EXPECT_EQ(manager.elementKeysSortedByZLayer(),
+              (QStringList{u"e"_s, u"c"_s, u"d"_s, u"f"_s, u"b"_s, u"g"_s, u"h"_s, u"a"_s}));
+}
+
+TEST(LayoutManagerBuilding, AnchoredKeysFollowTheStringsBooleanReading)
+{
+    const OSTLayoutManager manager = layoutManager(R"({"shapes": {
+        "plain": {}, "no": {"anchored": "false"}, "zero": {"anchored": "0"},
+        "yes": {"anchored": "Yes"}, "padded": {"anchored": "  +007"},
+        "boolean": {"anchored": false}, "number": {"anchored": 0}, "empty": {"anchored": ""}}})");
+    EXPECT_EQ(manager.anchoredElementKeys(),
+              (QStringList{u"boolean"_s, u"number"_s, u"padded"_s, u"plain"_s, u"yes"_s}))
+        << "a JSON boolean or number is not a string, so the default (anchored) applies";
+}
+
+TEST(LayoutManagerBuilding, GroupsBecomeParentsOfTheirListedElements)
+{
+    const OSTLayoutManager manager = layoutManager(R"({
+        "shapes": {"a": {}, "b": {}, "c": {}, "box": {"x": "1"}},
+        "groups": {
+            "box": {"elements": ["a", "nobody", 7, "b"]},
+            "card": {"elements": ["b", "c"], "zLayer": 450},
+            "plain": {"elements": "a"}}})");
+    const auto &elements = manager.elements();
+    const auto box = elements.value(u"box"_s);
+    const auto card = elements.value(u"card"_s);
+    EXPECT_EQ(value(manager, "box", "x"), u"0"_s) << "the group replaced the shape of that key";
+    EXPECT_EQ(box->zLayer(), 400);
+    EXPECT_EQ(card->zLayer(), 450);
+    EXPECT_EQ(box->parent(), manager.baseElement());
+    EXPECT_EQ(elements.value(u"a"_s)->parent(), box) << "unknown and non-string members are skipped";
+    EXPECT_EQ(elements.value(u"b"_s)->parent(), card) << "the group processed last wins";
+    EXPECT_EQ(elements.value(u"c"_s)->parent(), card);
+    EXPECT_EQ(elements.value(u"plain"_s)->parent(), manager.baseElement());
+}
+
+TEST(LayoutManagerBuilding, ScreenBoundsArePortraitOrdered)
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    ASSERT_NE(screen, nullptr);
+    const QRect geometry = screen->geometry();
+    const QRectF bounds = OSTLayoutManager::screenBounds();
+    EXPECT_EQ(bounds.width(), std::min(geometry.width(), geometry.height()));
+    EXPECT_EQ(bounds.height(), std::max(geometry.width(), geometry.height()));
+    EXPECT_EQ(bounds.topLeft(), QPointF(geometry.topLeft()));
+
+    const OSTLayoutManager manager(layoutJson("{}"));
+    EXPECT_EQ(manager.baseElement()->frame().size(), bounds.size());
+    EXPECT_EQ(manager.statusBarHeight(), 0.0) << "desktop windows have no status bar";
+}
+
+// --- Updating one element ---------------------------------------------------------------------
+
+TEST(LayoutManagerUpdate, ReplacesTheFrameOfAnUnresolvedElement)
+{
+    OSTLayoutManager manager = layoutManager(R"({"labels": {"errorMessage": {"y": "50%", "height": "40"}}})");
+    manager.updateLayout(layoutJson(R"({"y": "100", "width": 80, "anchored": "no"})"), u"errorMessage"_s);
+    EXPECT_EQ(value(manager, "errorMessage", "x"), u"0"_s);
+    EXPECT_EQ(value(manager, "errorMessage", "y"), u"100"_s);
+    EXPECT_EQ(value(manager, "errorMessage", "width"), u"100%"_s) << "a number is not a frame value";
+    EXPECT_EQ(value(manager, "errorMessage", "height"), u"100%"_s);
+    EXPECT_TRUE(manager.elements().value(u"errorMessage"_s)->isAnchored()) << "only the frame changes";
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(manager.frameForKey(u"errorMessage"_s), QRectF(0, 100, 375, 667));
+}
+
+TEST(LayoutManagerUpdate, IsIgnoredOnAnElementWhoseValuesAreAllNumbers)
+{
+    OSTLayoutManager manager = layoutManager(R"({"labels": {"errorMessage":
+        {"x": "10", "y": "20", "width": "30", "height": "40"}}})");
+    manager.updateLayout(layoutJson(R"({"y": "100"})"), u"errorMessage"_s);
+    manager.updateLayout(layoutJson(R"({"y": "100"})"), u"unknown"_s);
+    EXPECT_EQ(value(manager, "errorMessage", "y"), u"20"_s);
+    EXPECT_EQ(manager.elements().size(), 1);
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(manager.frameForKey(u"errorMessage"_s), QRectF(10, 20, 30, 40));
+}
+
+// --- Resolution: worked results ---------------------------------------------------------------
+
+TEST(LayoutResolution, AnElementWithoutFrameKeysFillsItsParent)
+{
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {"fill": {}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "fill", "width"), u"375.00"_s);
+    EXPECT_EQ(manager.frameForKey(u"fill"_s), QRectF(0, 0, 375, 667));
+}
+
+TEST(LayoutResolution, HalfTheWidthThenTheCentredX)
+{
+    OSTLayoutManager manager = layoutManager(
+        R"({"shapes": {"logo": {"x": "(100% - width) / 2", "width": "50%", "height": "20"}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "logo", "width"), u"187"_s) << "(0.50 * 375.00) truncated";
+    EXPECT_EQ(value(manager, "logo", "x"), u"94"_s) << "(375.00 - 187) / 2 truncated";
+    EXPECT_EQ(manager.frameForKey(u"logo"_s), QRectF(94, 0, 187, 20));
+}
+
+TEST(LayoutResolution, PercentagesAreWrittenAsProductsOfTheParentsText)
+{
+    // A reference that never resolves keeps each formula as the percentage step left it.
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {
+        "stuck": {"x": "{stuck.x}"},
+        "a": {"x": "50% + {stuck.x}", "y": "50% + {stuck.x}",
+              "width": "33.2% + {stuck.x}", "height": "100% + {stuck.x}"},
+        "b": {"x": "150% + {stuck.x}", "y": "% + {stuck.x}",
+              "width": "0% + {stuck.x}", "height": "100.0% + {stuck.x}"}}})");
+    EXPECT_FALSE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "a", "x"), u"(0.50 * 375.00) + {stuck.x}"_s);
+    EXPECT_EQ(value(manager, "a", "y"), u"(0.50 * 667.00) + {stuck.x}"_s) << "y is of the height";
+    EXPECT_EQ(value(manager, "a", "width"), u"(0.34 * 375.00) + {stuck.x}"_s) << "rounded up to a whole percent";
+    EXPECT_EQ(value(manager, "a", "height"), u"667.00 + {stuck.x}"_s) << "100% copies the parent's text";
+    EXPECT_EQ(value(manager, "b", "x"), u"(1.50 * 375.00) + {stuck.x}"_s) << "one greedy percentage";
+    EXPECT_EQ(value(manager, "b", "y"), u"(0.00 * 667.00) + {stuck.x}"_s) << "a bare % matches too";
+    EXPECT_EQ(value(manager, "b", "width"), u" + {stuck.x}"_s) << "0% becomes nothing";
+    EXPECT_EQ(value(manager, "b", "height"), u"(1.00 * 667.00) + {stuck.x}"_s);
+}
+
+TEST(LayoutResolution, FractionalPercentOfA320ScreenRoundsUpThenTruncates)
+{
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {"card": {"width": "33.5%"}}})", 320, 568);
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "card", "width"), u"108"_s) << "(0.34 * 320.00) is 108.8";
+}
+
+TEST(LayoutResolution, AHundredPercentKeepsTheParentsDecimals)
+{
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {"page": {"height": "100%"}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "page", "height"), u"667.00"_s);
+    EXPECT_EQ(manager.frameForKey(u"page"_s).height(), 667.0);
+}
+
+TEST(LayoutResolution, PlainNumbersAndSingleReferencesKeepTheirDecimals)
+{
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {
+        "a": {"x": "12.75", "y": "{b.height}", "height": "{a.x} + 0.5"},
+        "b": {"height": "007.50"}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "a", "x"), u"12.75"_s);
+    EXPECT_EQ(value(manager, "a", "y"), u"007.50"_s);
+    EXPECT_EQ(value(manager, "a", "height"), u"13"_s) << "computed results are truncated";
+    EXPECT_EQ(manager.frameForKey(u"a"_s), QRectF(12.75, 7.5, 375, 13));
+}
+
+TEST(LayoutResolution, AReferenceToAMissingElementCountsAsZero)
+{
+    OSTLayoutManager manager = layoutManager(R"({"labels": {"hint": {"y": "{missing.y} + 20"}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "hint", "y"), u"20"_s);
+}
+
+TEST(LayoutResolution, AReferenceResolvesInALaterPass)
+{
+    // "field" comes before "title" in the table, so its first visit finds title unresolved.
+    OSTLayoutManager manager = layoutManager(R"({
+        "labels": {"title": {"y": "10% + 33", "height": "{title.width} / 10", "width": "80%"}},
+        "inputs": {"field": {"y": "{title.y} + {title.height} + 10", "x": "{title.x}"}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "title", "y"), u"99"_s);    // (0.10 * 667.00) + 33 = 99.7
+    EXPECT_EQ(value(manager, "title", "width"), u"300"_s);
+    EXPECT_EQ(value(manager, "title", "height"), u"30"_s);
+    EXPECT_EQ(value(manager, "field", "y"), u"139"_s);
+    EXPECT_EQ(value(manager, "field", "x"), u"0"_s);
+}
+
+TEST(LayoutResolution, OwnAttributesAreSubstitutedByName)
+{
+    OSTLayoutManager manager = layoutManager(R"({"images": {"photo": {
+        "width": "200", "height": "width * 0.5", "y": "height + x", "x": "3"}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "photo", "height"), u"100"_s);
+    EXPECT_EQ(value(manager, "photo", "y"), u"103"_s);
+}
+
+TEST(LayoutResolution, StatusBarIsTheStatusBarHeight)
+{
+    OSTLayoutManager manager = layoutManager(R"({"labels": {
+        "top": {"y": "statusBar"}, "below": {"y": "statusBar + 10.5"}}})",
+                                             375, 667, 20);
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(manager.frameForKey(u"top"_s).y(), 20.0);
+    EXPECT_EQ(value(manager, "top", "y"), u"20.00"_s);
+    EXPECT_EQ(value(manager, "below", "y"), u"30"_s);
+}
+
+TEST(LayoutResolution, GroupMembersArePlacedInsideTheGroup)
+{
+    OSTLayoutManager manager = layoutManager(R"({
+        "groups": {"panel": {"x": "25%", "y": "100", "width": "50%", "height": "50%",
+                             "elements": ["caption"]}},
+        "labels": {"caption": {"x": "10", "width": "100%", "height": "10%"}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(manager.frameForKey(u"panel"_s), QRectF(93, 100, 187, 333));
+    EXPECT_EQ(value(manager, "caption", "width"), u"187"_s) << "100% of the group's text";
+    EXPECT_EQ(manager.frameForKey(u"caption"_s), QRectF(10, 0, 187, 33));
+}
+
+TEST(LayoutResolution, FramesOfUnknownKeysAreZero)
+{
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {"a": {"x": "5"}}})");
+    EXPECT_EQ(manager.frameForKey(u"a"_s), QRectF()) << "not resolved yet";
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(manager.frameForKey(u"nothing"_s), QRectF());
+    EXPECT_TRUE(manager.resolveLayout()) << "resolving again changes nothing";
+    EXPECT_EQ(manager.frameForKey(u"a"_s), QRectF(5, 0, 375, 667));
+}
+
+TEST(LayoutResolution, ArithmeticFollowsPrecedenceAndTruncatesTowardZero)
+{
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {"a": {
+        "x": "2 + 3 * 4 - 10 / 4", "y": "-(2 - 9.9) - 1",
+        "width": "((1 + 2) * (3 + 4)) / 2", "height": "0.29 * 100"}}})");
+    ASSERT_TRUE(manager.resolveLayout());
+    EXPECT_EQ(value(manager, "a", "x"), u"11"_s);
+    EXPECT_EQ(value(manager, "a", "y"), u"6"_s);
+    EXPECT_EQ(value(manager, "a", "width"), u"10"_s);
+    EXPECT_EQ(value(manager, "a", "height"), u"28"_s) << "0.29 * 100 is 28.999999999999996 in doubles";
+}
+
+// --- Resolution that full passes would never end ----------------------------------------------
+
+TEST(LayoutResolutionFailure, CyclesSelfReferencesAndNegativeResultsEndWithFalse)
+{
+    const char *cases[] = {
+        R"({"shapes": {"a": {"x": "{b.x}"}, "b": {"x": "{a.x}"}}})",
+        R"({"shapes": {"a": {"y": "{a.y} + 1"}}})",
+        R"({"shapes": {"a": {"x": "x"}}})",
+        R"({"shapes": {"a": {"x": "-10"}}})",
+        R"({"shapes": {"a": {"x": "10 - 20"}}})",
+        R"({"shapes": {"a": {"x": "{b.colour}"}, "b": {}}})",
+        R"({"shapes": {"a": {"width": "0% + 5"}}})",
+        R"({"shapes": {"a": {"x": "5 / 0"}}})",
+        R"({"shapes": {"a": {"x": "1e3"}}})",
+        R"({"shapes": {"a": {}}, "groups": {"g": {"elements": ["g"]}}})",
+    };
+    for (const char *json : cases) {
+        OSTLayoutManager manager = layoutManager(json);
+        EXPECT_FALSE(manager.resolveLayout()) << json;
+    }
+}
+
+TEST(LayoutResolutionFailure, ElementsThatCanResolveStillDo)
+{
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {
+        "a": {"x": "{b.x}"}, "b": {"x": "{a.x}"}, "c": {"x": "{d.width} / 2"}, "d": {"width": "30"}},
+        "groups": {"g": {"x": "-5", "elements": ["e"]}}, "labels": {"e": {"x": "7"}}})");
+    EXPECT_FALSE(manager.resolveLayout());
+    EXPECT_EQ(manager.frameForKey(u"c"_s).x(), 15.0);
+    EXPECT_EQ(manager.frameForKey(u"a"_s), QRectF());
+    EXPECT_EQ(value(manager, "e", "x"), u"7"_s) << "numbers from the start need no resolution";
+    EXPECT_EQ(value(manager, "e", "width"), u"100%"_s) << "its parent never resolves";
+}
+
+TEST(LayoutResolutionFailure, LogsOneDebugLineNamingAnUnresolvedElement)
+{
+    OSTLogging::setLoggingLevel(OSTLoggingLevelDebug);
+    OSTLayoutManager manager = layoutManager(R"({"shapes": {
+        "fine": {}, "loop": {"x": "{loop.x}"}},
+        "groups": {"box": {"elements": ["inner"], "x": "-1"}}, "labels": {"inner": {"width": "50%"}}})");
+    const QString output = captureStandardError([&] { EXPECT_FALSE(manager.resolveLayout()); });
+    EXPECT_EQ(output.count(u'\n'), 1) << output.toStdString();
+    EXPECT_TRUE(output.startsWith(u"Ostrel Debug: Layout not resolved: element \"box\""_s))
+        << output.toStdString();
+    EXPECT_TRUE(output.contains(u"\"x\" is \"-1\""_s)) << output.toStdString();
+
+    OSTLayoutManager fine = layoutManager(R"({"shapes": {"fine": {}}})");
+    EXPECT_TRUE(captureStandardError([&] { EXPECT_TRUE(fine.resolveLayout()); }).isEmpty());
+}
