@@ -124,8 +124,8 @@ double OSTLayoutNumbers::decimalValue(QStringView text)
         ascii.pop_back();
 
     double value = 0.0;
-    const std::from_chars_result result = std::from_chars(
-        ascii.data(), ascii.data() + ascii.size(), value, std::chars_format::fixed);
+    const std::from_chars_result result =
+        std::from_chars(ascii.data(), ascii.data() + ascii.size(), value, std::chars_format::fixed);
     if (result.ec == std::errc::result_out_of_range)
         return significantIntegerDigit ? std::numeric_limits<double>::infinity() : 0.0;
     if (result.ec != std::errc())
