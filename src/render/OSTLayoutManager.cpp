@@ -162,7 +162,7 @@ public:
         bool newlyResolved = false; // some attribute became resolved
     };
 
-    // resolveElement: (the parent is resolved).
+    // Resolves the element's unresolved attributes in order; its parent is resolved.
     Outcome resolveElement(OSTLayoutElement &element, const OSTLayoutElement &parent)
     {
         m_changed = false;

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -55,13 +54,6 @@ char16_t *writeDigits(char16_t *end, qint64 value)
 }
 
 } // namespace
-
-QString OSTLayoutNumbers::integer(qint64 value)
-{
-    char16_t buffer[24];
-    const char16_t *start = writeDigits(buffer + 24, value);
-    return QString(reinterpret_cast<const QChar *>(start), buffer + 24 - start);
-}
 
 qsizetype OSTLayoutNumbers::writeInteger(qint64 value, char16_t *buffer)
 {

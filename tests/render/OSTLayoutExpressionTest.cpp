@@ -115,8 +115,15 @@ TEST(LayoutNumbers, TwoDecimalsIsPrintfInTheCLocale)
 
 TEST(LayoutNumbers, IntegersAndReadings)
 {
-    EXPECT_EQ(OSTLayoutNumbers::integer(187), u"187"_s);
-    EXPECT_EQ(OSTLayoutNumbers::integer(-10), u"-10"_s);
+    const auto integer = [](qint64 value) {
+        char16_t digits[24];
+        const qsizetype length = OSTLayoutNumbers::writeInteger(value, digits);
+        return QString(reinterpret_cast<const QChar *>(digits), length);
+    };
+    EXPECT_EQ(integer(187), u"187"_s);
+    EXPECT_EQ(integer(-10), u"-10"_s);
+    EXPECT_EQ(integer(0), u"0"_s);
+    EXPECT_EQ(integer(std::numeric_limits<qint64>::min()), u"-9223372036854775808"_s);
     EXPECT_EQ(OSTLayoutNumbers::decimalValue(u"33.5"), 33.5);
     EXPECT_EQ(OSTLayoutNumbers::decimalValue(u""), 0.0);
     EXPECT_EQ(OSTLayoutNumbers::decimalValue(u"."), 0.0);
