@@ -9,8 +9,8 @@
 //   BM_BuildAndResolveChain/2000
 //
 // Build and run in the release preset:
-//   cmake --preset release && cmake --build --preset release --target ostrel-bench-OSTLayoutBenchmark
-//   build/release/bench/ostrel-bench-OSTLayoutBenchmark
+//   cmake --preset release && cmake --build --preset release --target
+//   ostrel-bench-OSTLayoutBenchmark build/release/bench/ostrel-bench-OSTLayoutBenchmark
 
 #include "render/OSTLayoutManager.h"
 
@@ -33,7 +33,8 @@ namespace {
 const QRectF kScreen(0, 0, 375, 667);
 constexpr double kStatusBar = 20;
 
-void insert(QVariantMap &screen, const QString &category, const QString &key, const QVariantMap &object)
+void insert(QVariantMap &screen, const QString &category, const QString &key,
+            const QVariantMap &object)
 {
     QVariantMap objects = screen.value(category).toMap();
     objects.insert(key, object);
@@ -49,13 +50,18 @@ QVariantMap typicalScreen(int count)
     QVariantMap screen;
     QVariantMap groups;
     insert(screen, u"shapes"_s, u"background"_s, {});
-    groups.insert(u"header"_s, QVariantMap{{u"y"_s, u"statusBar"_s}, {u"height"_s, u"10%"_s},
-                                          {u"elements"_s, QVariantList{u"logo"_s, u"title"_s}}});
+    groups.insert(u"header"_s,
+                  QVariantMap{{u"y"_s, u"statusBar"_s},
+                              {u"height"_s, u"10%"_s},
+                              {u"elements"_s, QVariantList{u"logo"_s, u"title"_s}}});
     insert(screen, u"images"_s, u"logo"_s,
-           {{u"x"_s, u"16"_s}, {u"y"_s, u"(100% - height) / 2"_s}, {u"width"_s, u"height"_s},
+           {{u"x"_s, u"16"_s},
+            {u"y"_s, u"(100% - height) / 2"_s},
+            {u"width"_s, u"height"_s},
             {u"height"_s, u"60%"_s}});
     insert(screen, u"labels"_s, u"title"_s,
-           {{u"x"_s, u"{logo.x} + {logo.width} + 8"_s}, {u"width"_s, u"100% - x - 16"_s},
+           {{u"x"_s, u"{logo.x} + {logo.width} + 8"_s},
+            {u"width"_s, u"100% - x - 16"_s},
             {u"alignment"_s, u"left"_s}});
 
     static const QString categories[] = {u"labels"_s, u"inputs"_s, u"buttons"_s, u"images"_s};
@@ -69,9 +75,10 @@ QVariantMap typicalScreen(int count)
         for (int row = 0; row < rows; ++row) {
             const QString rowKey = QStringLiteral("%1row%2").arg(cardKey).arg(row);
             QVariantMap object{{u"x"_s, row % 2 ? u"(100% - width) / 2"_s : u"12"_s},
-                               {u"y"_s, previousRow.isEmpty()
-                                            ? u"8"_s
-                                            : u"{"_s + previousRow + u".y} + {"_s + previousRow + u".height} + 8"_s},
+                               {u"y"_s,
+                                previousRow.isEmpty() ? u"8"_s
+                                                      : u"{"_s + previousRow + u".y} + {"_s
+                                        + previousRow + u".height} + 8"_s},
                                {u"width"_s, row % 2 ? u"90%"_s : u"100% - 24"_s},
                                {u"height"_s, row % 3 ? u"44"_s : u"width * 0.25"_s},
                                {u"anchored"_s, u"false"_s}};
@@ -81,13 +88,15 @@ QVariantMap typicalScreen(int count)
             members.append(rowKey);
             previousRow = rowKey;
         }
-        groups.insert(cardKey,
-                      QVariantMap{{u"x"_s, u"16"_s},
-                                  {u"y"_s, u"{"_s + previousCard + u".y} + {"_s + previousCard + u".height} + 12"_s},
-                                  {u"width"_s, u"100% - 32"_s},
-                                  {u"height"_s, QStringLiteral("%1").arg(8 + rows * 52)},
-                                  {u"elements"_s, members},
-                                  {u"anchored"_s, u"false"_s}});
+        groups.insert(
+            cardKey,
+            QVariantMap{
+                {u"x"_s, u"16"_s},
+                {u"y"_s, u"{"_s + previousCard + u".y} + {"_s + previousCard + u".height} + 12"_s},
+                {u"width"_s, u"100% - 32"_s},
+                {u"height"_s, QStringLiteral("%1").arg(8 + rows * 52)},
+                {u"elements"_s, members},
+                {u"anchored"_s, u"false"_s}});
         previousCard = cardKey;
         remaining -= rows + 1;
     }
@@ -103,8 +112,10 @@ QVariantMap chainScreen(int count)
     for (int link = 0; link < count; ++link) {
         const QString key = QStringLiteral("c%1").arg(link, 5, 10, QChar(u'0'));
         const QString next = QStringLiteral("c%1").arg(link + 1, 5, 10, QChar(u'0'));
-        shapes.insert(key, QVariantMap{{u"y"_s, link == count - 1 ? u"10"_s : u"{"_s + next + u".y} + 1"_s},
-                                       {u"height"_s, u"10"_s}});
+        shapes.insert(
+            key,
+            QVariantMap{{u"y"_s, link == count - 1 ? u"10"_s : u"{"_s + next + u".y} + 1"_s},
+                        {u"height"_s, u"10"_s}});
     }
     return QVariantMap{{u"shapes"_s, shapes}};
 }
@@ -136,7 +147,8 @@ void resolveTimed(benchmark::State &state, const QVariantMap &screen)
         }
         state.SetIterationTime(elapsed.count());
     }
-    state.counters["resolve_cpu_us"] = benchmark::Counter(cpuSeconds * 1e6, benchmark::Counter::kAvgIterations);
+    state.counters["resolve_cpu_us"] =
+        benchmark::Counter(cpuSeconds * 1e6, benchmark::Counter::kAvgIterations);
 }
 
 void BM_Resolve(benchmark::State &state)

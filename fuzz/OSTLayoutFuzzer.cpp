@@ -28,7 +28,8 @@ namespace {
 
 [[noreturn]] void fail(const char *what, const QString &detail)
 {
-    std::fprintf(stderr, "layout fuzzer: %s: %s\n", what, detail.left(2000).toLocal8Bit().constData());
+    std::fprintf(stderr, "layout fuzzer: %s: %s\n", what,
+                 detail.left(2000).toLocal8Bit().constData());
     std::abort();
 }
 
@@ -51,19 +52,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     } else {
         const QString text = QString::fromUtf8(bytes);
         screen.insert(QStringLiteral("shapes"),
-                      QVariantMap{{QStringLiteral("a"), QVariantMap{{QStringLiteral("x"), text},
-                                                                    {QStringLiteral("y"), text},
-                                                                    {QStringLiteral("width"), text},
-                                                                    {QStringLiteral("height"), text}}}});
+                      QVariantMap{{QStringLiteral("a"),
+                                   QVariantMap{{QStringLiteral("x"), text},
+                                               {QStringLiteral("y"), text},
+                                               {QStringLiteral("width"), text},
+                                               {QStringLiteral("height"), text}}}});
     }
 
     constexpr double statusBar = 20;
     OSTLayoutManager manager(screen, QRectF(0, 0, 375, 667), statusBar);
 
     // As the screen view does for its error message.
-    const QVariantMap animations = ost_dictionaryForKey(screen, QStringLiteral("animations")).value_or(QVariantMap());
-    const QVariantMap error = ost_dictionaryForKey(animations, QStringLiteral("error")).value_or(QVariantMap());
-    const QVariantMap targets = ost_dictionaryForKey(error, QStringLiteral("targets")).value_or(QVariantMap());
+    const QVariantMap animations =
+        ost_dictionaryForKey(screen, QStringLiteral("animations")).value_or(QVariantMap());
+    const QVariantMap error =
+        ost_dictionaryForKey(animations, QStringLiteral("error")).value_or(QVariantMap());
+    const QVariantMap targets =
+        ost_dictionaryForKey(error, QStringLiteral("targets")).value_or(QVariantMap());
     if (const auto message = ost_dictionaryForKey(targets, QStringLiteral("errorMessage")))
         manager.updateLayout(*message, QStringLiteral("errorMessage"));
 
@@ -73,14 +78,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const bool resolved = manager.resolveLayout();
 
     bool allResolved = true;
-    for (auto entry = manager.elements().constBegin(); entry != manager.elements().constEnd(); ++entry) {
+    for (auto entry = manager.elements().constBegin(); entry != manager.elements().constEnd();
+         ++entry) {
         const OSTLayoutElement &element = *entry.value();
         allResolved = allResolved && element.isResolved();
         for (int index = 0; index < OSTLayoutElement::attributeCount; ++index) {
             const auto attribute = OSTLayoutElement::Attribute(index);
             if (!element.hasAttribute(attribute))
                 continue;
-            if (element.isAttributeResolved(attribute) != reference.isNumeric(element.value(attribute)))
+            if (element.isAttributeResolved(attribute)
+                != reference.isNumeric(element.value(attribute)))
                 fail("numeric predicate disagrees with ICU", element.value(attribute));
         }
         const QRectF frame = manager.frameForKey(entry.key());
@@ -103,10 +110,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         const auto actual = manager.elements().value(element.key);
         for (int index = 0; index < OSTLayoutElement::attributeCount; ++index) {
             const auto attribute = OSTLayoutElement::Attribute(index);
-            if (actual->valueOfAttribute(OSTLayoutElement::attributeName(attribute)) != element.values[size_t(index)])
+            if (actual->valueOfAttribute(OSTLayoutElement::attributeName(attribute))
+                != element.values[size_t(index)])
                 fail("strings differ from the pass-by-pass resolution",
-                     element.key + QStringLiteral(".") + OSTLayoutElement::attributeName(attribute) + QStringLiteral(": ")
-                         + actual->value(attribute) + QStringLiteral(" vs ")
+                     element.key + QStringLiteral(".") + OSTLayoutElement::attributeName(attribute)
+                         + QStringLiteral(": ") + actual->value(attribute) + QStringLiteral(" vs ")
                          + element.values[size_t(index)].value_or(QStringLiteral("<absent>")));
         }
     }

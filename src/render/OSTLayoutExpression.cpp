@@ -20,10 +20,8 @@ public:
     }
 
 private:
-    static bool isSpace(char16_t c)
-    {
-        return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f' || c == u'\v';
-    }
+    // Space, tab, line feed, vertical tab, form feed, carriage return.
+    static bool isSpace(char16_t c) { return c == u' ' || (c >= u'\t' && c <= u'\r'); }
     static bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
     void skipSpaces()

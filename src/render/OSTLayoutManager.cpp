@@ -8,7 +8,9 @@
 #include "render/OSTLayoutPatterns.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <queue>
 
@@ -86,32 +88,73 @@ private:
     QVarLengthArray<char16_t, 160> m_text;
 };
 
-// Whether some "{" is followed by another "{" before a "}": only then can replacing one
-// reference complete another one around it.
-bool hasNestedBrace(QStringView text)
-{
-    bool open = false;
-    for (const QChar c : text) {
-        if (c == u'{') {
-            if (open)
-                return true;
-            open = true;
-        } else if (c == u'}') {
-            open = false;
+// What one look at a formula tells the steps: which of the characters they act on occur at all.
+// The steps only remove such characters or add digits, points, operators and the letters of
+// "inf" and "nan", so what the look finds stays true (or at worst says "maybe") throughout.
+struct FormulaTraits {
+    bool percent = false;
+    bool brace = false;
+    // Some "{" is followed by another "{" before a "}": only then can replacing one reference
+    // complete another one around it.
+    bool nestedBrace = false;
+    // The first letters of "x", "y", "width", "height" and "statusBar", in that order.
+    bool letters[5] = {};
+
+    static FormulaTraits of(QStringView text)
+    {
+        FormulaTraits traits;
+        unsigned seen = 0;
+        bool open = false;
+        for (const QChar c : text) {
+            const char16_t code = c.unicode();
+            if (code >= 128)
+                continue;
+            const unsigned flag = kFlags[code];
+            seen |= flag;
+            if (flag & (OpenBrace | CloseBrace)) {
+                traits.nestedBrace = traits.nestedBrace || (open && (flag & OpenBrace));
+                open = flag & OpenBrace;
+            }
         }
+        traits.percent = seen & Percent;
+        traits.brace = seen & OpenBrace;
+        for (int letter = 0; letter < 5; ++letter)
+            traits.letters[letter] = seen & (LetterX << letter);
+        return traits;
     }
-    return false;
-}
+
+private:
+    enum Flag : unsigned {
+        Percent = 1,
+        OpenBrace = 2,
+        CloseBrace = 4,
+        LetterX = 8, // then y, w, h, s
+    };
+    static constexpr auto kFlags = [] {
+        std::array<unsigned, 128> flags{};
+        flags[u'%'] = Percent;
+        flags[u'{'] = OpenBrace;
+        flags[u'}'] = CloseBrace;
+        flags[u'x'] = LetterX;
+        flags[u'y'] = LetterX << 1;
+        flags[u'w'] = LetterX << 2;
+        flags[u'h'] = LetterX << 3;
+        flags[u's'] = LetterX << 4;
+        return flags;
+    }();
+};
 
 // Resolution of one element: its attributes in the order x, y, width, height, each through the
-// percentage, reference and expression steps. Besides resolving, it reports whether any attribute string changed and which elements' attributes it found
-// unresolved, which is what the pass scheduler of resolveLayout() needs.
+// percentage, reference and expression steps. Besides resolving, it reports whether any attribute
+// string changed and which elements' attributes it found unresolved, which is what the pass
+// scheduler of resolveLayout() needs.
 class Resolver {
 public:
     Resolver(const std::vector<OSTLayoutElement *> &table, const QStringList &keys,
              const QString &statusBarText)
         : m_table(table), m_keys(keys), m_statusBarText(statusBarText)
     {
+        indexKeys();
     }
 
     struct Outcome {
@@ -119,7 +162,7 @@ public:
         bool newlyResolved = false; // some attribute became resolved
     };
 
-    // resolveElement: (the parent is resolved).
+    // Resolves the element's unresolved attributes in order; its parent is resolved.
     Outcome resolveElement(OSTLayoutElement &element, const OSTLayoutElement &parent)
     {
         m_changed = false;
@@ -148,9 +191,10 @@ private:
     {
         Formula &value = m_value;
         value.assign(element.value(attribute));
-        if (!resolvePercentages(value, attribute, parent))
+        const FormulaTraits traits = FormulaTraits::of(value.view());
+        if (traits.percent && !resolvePercentages(value, attribute, parent))
             return; // an ICU failure: the attribute stays as it was
-        if (resolveReferences(value, element))
+        if (resolveReferences(value, element, traits))
             resolveExpression(value);
         if (value.view() != element.value(attribute)) {
             element.setValue(value.view().toString(), attribute);
@@ -169,9 +213,8 @@ private:
     bool resolvePercentages(Formula &value, Attribute attribute, const OSTLayoutElement &parent)
     {
         const QStringView input = value.view();
-        if (OSTLayoutPatterns::indexOf(input, u'%') < 0)
-            return true;
-        const Attribute base = (attribute == OSTLayoutElement::Height || attribute == OSTLayoutElement::Y)
+        const Attribute base =
+            (attribute == OSTLayoutElement::Height || attribute == OSTLayoutElement::Y)
             ? OSTLayoutElement::Height
             : OSTLayoutElement::Width;
         const QString &parentValue = parent.value(base);
@@ -200,15 +243,13 @@ private:
                 replacement = parentValue;
             } else if (number != u"0") {
                 // "(%.2f * %@)"
-                const double fraction = std::ceil(OSTLayoutNumbers::decimalValue(number)) / 100.0;
-                char digits[400];
-                const qsizetype length = OSTLayoutNumbers::writeTwoDecimals(fraction, digits, sizeof digits);
+                const double wholePercent = std::ceil(OSTLayoutNumbers::decimalValue(number));
                 m_replacement.clear();
                 m_replacement.append(u'(');
-                for (qsizetype index = 0; index < length; ++index)
-                    m_replacement.append(char16_t(digits[index]));
+                appendHundredths(wholePercent);
                 m_replacement.append(u" * ", 3);
-                m_replacement.append(reinterpret_cast<const char16_t *>(parentValue.constData()), parentValue.size());
+                m_replacement.append(reinterpret_cast<const char16_t *>(parentValue.constData()),
+                                     parentValue.size());
                 m_replacement.append(u')');
                 replacement = QStringView(m_replacement.constData(), m_replacement.size());
             }
@@ -226,12 +267,35 @@ private:
         return true;
     }
 
+    // "%.2f" of percent / 100. For a whole percent below 10^12 the nearest double to
+    // percent / 100 lies far closer than half a hundredth to it, so the digits are those of
+    // the integer itself.
+    void appendHundredths(double percent)
+    {
+        if (percent >= 0 && percent < 1e12) {
+            const auto whole = qint64(percent);
+            char16_t digits[24];
+            const qsizetype length = OSTLayoutNumbers::writeInteger(whole / 100, digits);
+            m_replacement.append(digits, length);
+            m_replacement.append(u'.');
+            m_replacement.append(char16_t(u'0' + whole % 100 / 10));
+            m_replacement.append(char16_t(u'0' + whole % 10));
+            return;
+        }
+        char digits[400];
+        const qsizetype length =
+            OSTLayoutNumbers::writeTwoDecimals(percent / 100.0, digits, sizeof digits);
+        for (qsizetype index = 0; index < length; ++index)
+            m_replacement.append(char16_t(digits[index]));
+    }
+
     // Step 2, with the own attributes and "statusBar". True when everything was available.
-    bool resolveReferences(Formula &working, const OSTLayoutElement &element)
+    bool resolveReferences(Formula &working, const OSTLayoutElement &element,
+                           const FormulaTraits &traits)
     {
         bool allAvailable = true;
 
-        if (OSTLayoutPatterns::indexOf(working.view(), u'{') >= 0) {
+        if (traits.brace) {
             // The matches are those of the value as it stood at the start of this step.
             m_original.assign(working.view());
             const QStringView original = m_original.view();
@@ -242,9 +306,12 @@ private:
             // Each match's text has every occurrence replaced, match after match. Without nested
             // braces no replacement can complete another reference, so the occurrences of
             // the texts are exactly the matches, and one pass over them gives the same text.
-            // With nested braces the replacements are made in turn, within a limit of work that no real formula comes near.
-            const bool nested = hasNestedBrace(original);
-            if (nested && qint64(matches.size()) * original.size() > OSTLayoutManager::maximumReplacementWork)
+            // With nested braces the replacements are made in turn, within a limit of work that no
+            // real formula comes near.
+            const bool nested = traits.nestedBrace;
+            if (nested
+                && qint64(matches.size()) * original.size()
+                    > OSTLayoutManager::maximumReplacementWork)
                 return false;
             Formula &output = m_scratch;
             output.clear();
@@ -291,19 +358,8 @@ private:
                 return false;
         }
 
-        // Own attributes and "statusBar", found by substring. One look at the letters first:
-        // most formulas are numbers and operators by now.
-        bool letters[5] = {}; // x, y, w(idth), h(eight), s(tatusBar)
-        for (qsizetype index = 0; index < working.size(); ++index) {
-            switch (working[index]) {
-            case u'x': letters[0] = true; break;
-            case u'y': letters[1] = true; break;
-            case u'w': letters[2] = true; break;
-            case u'h': letters[3] = true; break;
-            case u's': letters[4] = true; break;
-            default: break;
-            }
-        }
+        // Own attributes and "statusBar", found by substring, where their first letter occurs.
+        const bool *letters = traits.letters;
         for (const Attribute own : kAttributes) {
             if (!letters[own])
                 continue;
@@ -337,25 +393,52 @@ private:
         if (!result || !(*result >= -9223372036854775808.0 && *result < 9223372036854775808.0))
             return;
         char16_t digits[24];
-        const qsizetype length = OSTLayoutNumbers::writeInteger(static_cast<qint64>(*result), digits);
+        const qsizetype length =
+            OSTLayoutNumbers::writeInteger(static_cast<qint64>(*result), digits);
         value.assign(QStringView(digits, length));
     }
 
-    // The table's position of a key: the keys are in QString order, so a binary search finds
-    // it without making a string of the key.
+    // An open-addressing hash index of the keys, so that a reference's key is found from a view
+    // of the formula, without making a string of it.
+    void indexKeys()
+    {
+        size_t slotCount = 16;
+        while (slotCount < size_t(m_keys.size()) * 2)
+            slotCount *= 2;
+        m_keySlots.assign(slotCount, -1);
+        for (qsizetype position = 0; position < m_keys.size(); ++position) {
+            size_t slot = hashOf(m_keys.at(position)) & (slotCount - 1);
+            while (m_keySlots[slot] >= 0)
+                slot = (slot + 1) & (slotCount - 1);
+            m_keySlots[slot] = int(position);
+        }
+    }
+
+    // FNV-1a over the UTF-16 code units: keys are short, and the index lives for one resolution.
+    static size_t hashOf(QStringView key)
+    {
+        std::uint64_t hash = 14695981039346656037ull;
+        for (const QChar c : key) {
+            hash ^= c.unicode();
+            hash *= 1099511628211ull;
+        }
+        return size_t(hash);
+    }
+
+    // The table's position of a key, or -1.
     int positionOfKey(QStringView key) const
     {
-        const auto found = std::lower_bound(m_keys.cbegin(), m_keys.cend(), key,
-                                            [](const QString &left, QStringView right) {
-                                                return QStringView(left).compare(right) < 0;
-                                            });
-        if (found == m_keys.cend() || QStringView(*found) != key)
-            return -1;
-        return int(found - m_keys.cbegin());
+        const size_t mask = m_keySlots.size() - 1;
+        for (size_t slot = hashOf(key) & mask; m_keySlots[slot] >= 0; slot = (slot + 1) & mask) {
+            if (QStringView(m_keys.at(m_keySlots[slot])) == key)
+                return m_keySlots[slot];
+        }
+        return -1;
     }
 
     const std::vector<OSTLayoutElement *> &m_table;
     const QStringList &m_keys;
+    std::vector<int> m_keySlots;
     const QString &m_statusBarText;
     bool m_changed = false;
     std::vector<int> m_awaited;
@@ -399,8 +482,10 @@ void OSTLayoutManager::build(const QVariantMap &layout, const QRectF &screenBoun
 {
     m_statusBarText = OSTLayoutNumbers::twoDecimals(m_statusBarHeight);
     m_baseElement = std::make_shared<OSTLayoutElement>();
-    m_baseElement->setValue(OSTLayoutNumbers::twoDecimals(screenBounds.width()), OSTLayoutElement::Width);
-    m_baseElement->setValue(OSTLayoutNumbers::twoDecimals(screenBounds.height()), OSTLayoutElement::Height);
+    m_baseElement->setValue(OSTLayoutNumbers::twoDecimals(screenBounds.width()),
+                            OSTLayoutElement::Width);
+    m_baseElement->setValue(OSTLayoutNumbers::twoDecimals(screenBounds.height()),
+                            OSTLayoutElement::Height);
 
     const auto isObject = [](const QVariant &value) {
         return value.metaType() == QMetaType::fromType<QVariantMap>();
@@ -522,8 +607,9 @@ bool OSTLayoutManager::resolveLayout()
             node.parent = m_table[size_t(position)]->parent();
             if (!node.parent || node.parent == m_baseElement)
                 continue;
-            const auto found = std::lower_bound(positions.begin(), positions.end(),
-                                                std::make_pair(static_cast<const OSTLayoutElement *>(node.parent.get()), 0));
+            const auto found = std::lower_bound(
+                positions.begin(), positions.end(),
+                std::make_pair(static_cast<const OSTLayoutElement *>(node.parent.get()), 0));
             if (found != positions.end() && found->first == node.parent.get())
                 node.parentPosition = found->second;
         }
@@ -622,8 +708,9 @@ bool OSTLayoutManager::resolveLayout()
             }
         }
     }
-    OSTLogging::logDebug(QStringLiteral("Layout not resolved: element \"%1\" stayed unresolved (%2)"),
-                         shortened(m_tableKeys.at(stuck)), detail);
+    OSTLogging::logDebug(
+        QStringLiteral("Layout not resolved: element \"%1\" stayed unresolved (%2)"),
+        shortened(m_tableKeys.at(stuck)), detail);
     return false;
 }
 

@@ -18,9 +18,10 @@ namespace ostrel {
 // and destroyed on one thread (the GUI thread).
 //
 // Resolution gives exactly the results of resolving in full passes over the table until every
-// element is resolved, with one deliberate difference: where those passes would run without end (a reference cycle, a self-reference, a reference to an attribute name
-// other than the four, a negative result, a formula that is not arithmetic), resolution stops
-// at the first pass in which no attribute string changes and resolveLayout() returns false.
+// element is resolved, with one deliberate difference: where those passes would run without end (a
+// reference cycle, a self-reference, a reference to an attribute name other than the four, a
+// negative result, a formula that is not arithmetic), resolution stops at the first pass in which
+// no attribute string changes and resolveLayout() returns false.
 class OSTLayoutManager {
 public:
     using ElementTable = QMap<QString, std::shared_ptr<OSTLayoutElement>>;
@@ -63,8 +64,9 @@ public:
     double statusBarHeight() const { return m_statusBarHeight; }
 
     // A safety limit against hostile formulas. When a formula holds nested braces, the
-    // references of the reference step are replaced one after the other over the whole text; a formula whose matches times length exceeds this stays unresolved.
-    // Formulas without nested braces are rewritten in one pass, whatever their size.
+    // references of the reference step are replaced one after the other over the whole text; a
+    // formula whose matches times length exceeds this stays unresolved. Formulas without nested
+    // braces are rewritten in one pass, whatever their size.
     static constexpr qint64 maximumReplacementWork = 50'000'000;
 
 private:

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -55,13 +54,6 @@ char16_t *writeDigits(char16_t *end, qint64 value)
 }
 
 } // namespace
-
-QString OSTLayoutNumbers::integer(qint64 value)
-{
-    char16_t buffer[24];
-    const char16_t *start = writeDigits(buffer + 24, value);
-    return QString(reinterpret_cast<const QChar *>(start), buffer + 24 - start);
-}
 
 qsizetype OSTLayoutNumbers::writeInteger(qint64 value, char16_t *buffer)
 {
@@ -124,8 +116,8 @@ double OSTLayoutNumbers::decimalValue(QStringView text)
         ascii.pop_back();
 
     double value = 0.0;
-    const std::from_chars_result result = std::from_chars(
-        ascii.data(), ascii.data() + ascii.size(), value, std::chars_format::fixed);
+    const std::from_chars_result result =
+        std::from_chars(ascii.data(), ascii.data() + ascii.size(), value, std::chars_format::fixed);
     if (result.ec == std::errc::result_out_of_range)
         return significantIntegerDigit ? std::numeric_limits<double>::infinity() : 0.0;
     if (result.ec != std::errc())

@@ -19,9 +19,8 @@ public:
     // The same written into `buffer` (ASCII, at least 400 bytes); returns the length.
     static qsizetype writeTwoDecimals(double value, char *buffer, qsizetype size);
 
-    // "%ld": the integer in decimal, a minus sign when negative.
-    static QString integer(qint64 value);
-    // The same written into `buffer` (24 characters); returns the length.
+    // "%ld" written into `buffer` (24 characters): the integer in decimal, a minus sign when
+    // negative. Returns the length.
     static qsizetype writeInteger(qint64 value, char16_t *buffer);
 
     // The double value of the leading decimal number of `text` (digits, optionally a point and

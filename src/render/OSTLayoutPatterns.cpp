@@ -152,6 +152,10 @@ bool OSTLayoutPatterns::findReferences(QStringView text, std::vector<Match> &mat
     icu::RegexMatcher *m = matching.matcher();
     if (!m)
         return false;
+    // Every match begins with "{": after the last one, the search is over.
+    qsizetype lastBrace = text.size() - 1;
+    while (text[lastBrace] != u'{')
+        --lastBrace;
     UErrorCode status = U_ZERO_ERROR;
     while (m->find(status)) {
         const int64_t start = m->start64(status);
@@ -159,8 +163,7 @@ bool OSTLayoutPatterns::findReferences(QStringView text, std::vector<Match> &mat
         if (U_FAILURE(status))
             return false;
         matches.push_back(Match{start, end - start});
-        // Every match begins with "{": without one further on, the search is over.
-        if (indexOf(text, u'{', end) < 0)
+        if (end > lastBrace)
             break;
     }
     return U_SUCCESS(status);

@@ -17,8 +17,9 @@ public:
     // The percentage step's pattern, as the screen format defines it.
     static const QString percentagePattern;
 
-    // The reference step's pattern as the screen format defines it. Its nested group (X+(\.X+)+)+ backtracks exponentially on an
-    // unterminated reference such as "{a.bb.bb.bb.bb..." (every split of each "bb" is tried).
+    // The reference step's pattern as the screen format defines it. Its nested group (X+(\.X+)+)+
+    // backtracks exponentially on an unterminated reference such as "{a.bb.bb.bb.bb..." (every
+    // split of each "bb" is tried).
     static const QString partReferencePattern;
     // The pattern used instead: the same character class X = [A-z0-9-_] ("A-z" spans "A" to
     // "z" with the six characters between the alphabets) in the flat form \{X+(?:\.X+)+\}.
@@ -41,7 +42,8 @@ public:
     // as a search from `from` with ICU gives it. Failed on an ICU error.
     static Search findPercentage(QStringView text, qsizetype from, Match &match);
     // The same when the caller knows where that first "%" at or after `from` is.
-    static Search matchPercentage(QStringView text, qsizetype from, qsizetype percent, Match &match);
+    static Search matchPercentage(QStringView text, qsizetype from, qsizetype percent,
+                                  Match &match);
 
     // Every match of the reference pattern in `text`, left to right, without overlap. False on
     // an ICU error.

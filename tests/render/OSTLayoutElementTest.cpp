@@ -31,11 +31,14 @@ TEST(LayoutElement, AttributeNamesAreTheExportedConstants)
 TEST(LayoutElement, AnEmptyObjectFillsItsParent)
 {
     const OSTLayoutElement element(layoutJson("{}"));
-    EXPECT_EQ(element.attributes(), (QMap<QString, QString>{{u"x"_s, u"0"_s}, {u"y"_s, u"0"_s},
-                                                             {u"width"_s, u"100%"_s},
-                                                             {u"height"_s, u"100%"_s}}));
+    EXPECT_EQ(element.attributes(),
+              (QMap<QString, QString>{{u"x"_s, u"0"_s},
+                                      {u"y"_s, u"0"_s},
+                                      {u"width"_s, u"100%"_s},
+                                      {u"height"_s, u"100%"_s}}));
     EXPECT_EQ(element.attributesResolved(),
-              (QMap<QString, bool>{{u"x"_s, true}, {u"y"_s, true}, {u"width"_s, false}, {u"height"_s, false}}));
+              (QMap<QString, bool>{
+                  {u"x"_s, true}, {u"y"_s, true}, {u"width"_s, false}, {u"height"_s, false}}));
     EXPECT_TRUE(element.isAnchored());
     EXPECT_EQ(element.zLayer(), -1) << "not given";
     EXPECT_FALSE(element.isResolved());
@@ -57,7 +60,8 @@ TEST(LayoutElement, TheNilLayoutHasNoAttributes)
 
 TEST(LayoutElement, FrameValuesAreReadOnlyAsStrings)
 {
-    const OSTLayoutElement element(layoutJson(R"({"x": 10, "y": "10", "width": true, "height": null})"));
+    const OSTLayoutElement element(
+        layoutJson(R"({"x": 10, "y": "10", "width": true, "height": null})"));
     EXPECT_EQ(element.valueOfAttribute(u"x"_s), u"0"_s) << "the JSON number 10 is ignored";
     EXPECT_EQ(element.valueOfAttribute(u"y"_s), u"10"_s);
     EXPECT_EQ(element.valueOfAttribute(u"width"_s), u"100%"_s);
@@ -73,17 +77,17 @@ TEST(LayoutElement, LayerAndAnchoringReadings)
     };
     const Case cases[] = {
         {R"({"zLayer": 250})", 250, true},
-        {R"({"zLayer": "1,250"})", 1250, true},      // the "en_US" decimal reading
+        {R"({"zLayer": "1,250"})", 1250, true}, // the "en_US" decimal reading
         {R"({"zLayer": "12abc"})", -1, true},
-        {R"({"zLayer": -4})", -1, true},             // negative as a signed number: not given
+        {R"({"zLayer": -4})", -1, true}, // negative as a signed number: not given
         {R"({"zLayer": -0.5})", 0, true},
         {R"({"zLayer": 1e30})", -1, true},
-        {R"({"zLayer": true})", 1, true},            // a JSON boolean is a number
+        {R"({"zLayer": true})", 1, true}, // a JSON boolean is a number
         {R"({"anchored": "no"})", -1, false},
         {R"({"anchored": "  -0001"})", -1, true},
         {R"({"anchored": "00"})", -1, false},
         {R"({"anchored": true})", -1, true},
-        {R"({"anchored": false})", -1, true},        // not a string: the default
+        {R"({"anchored": false})", -1, true}, // not a string: the default
     };
     for (const Case &test : cases) {
         const OSTLayoutElement element(layoutJson(test.json));
@@ -94,7 +98,8 @@ TEST(LayoutElement, LayerAndAnchoringReadings)
 
 TEST(LayoutElement, SetValueRecordsWhetherTheValueIsResolved)
 {
-    OSTLayoutElement element(layoutJson(R"({"x": "1", "y": "2", "width": "3.5", "height": "50%"})"));
+    OSTLayoutElement element(
+        layoutJson(R"({"x": "1", "y": "2", "width": "3.5", "height": "50%"})"));
     EXPECT_FALSE(element.isResolved());
     element.setValue(u"4"_s, u"height"_s);
     EXPECT_TRUE(element.isResolved());
@@ -131,8 +136,8 @@ TEST(LayoutNumericString, AcceptsUnsignedDecimalNumbersOnly)
 {
     for (const char *text : {"0", "007", "375.00", "1.5", "12345678901234567890123"})
         EXPECT_TRUE(OSTLayoutElement::isNumericString(QString::fromUtf8(text))) << text;
-    for (const char *text : {"", ".", "1.", ".5", "-1", "+1", "1e3", " 1", "1 ", "1\n", "1.2.3", "1,5",
-                             "١٢", "１", "(1)", "inf", "nan"})
+    for (const char *text : {"", ".", "1.", ".5", "-1", "+1", "1e3", " 1", "1 ", "1\n", "1.2.3",
+                             "1,5", "١٢", "１", "(1)", "inf", "nan"})
         EXPECT_FALSE(OSTLayoutElement::isNumericString(QString::fromUtf8(text))) << text;
 }
 
@@ -142,7 +147,8 @@ TEST(LayoutNumericString, AgreesWithTheIcuPredicate)
     UParseError parseError;
     const QString pattern = OSTLayoutElement::numericPattern;
     std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(
-        icu::UnicodeString(false, reinterpret_cast<const UChar *>(pattern.utf16()), int32_t(pattern.size())),
+        icu::UnicodeString(false, reinterpret_cast<const UChar *>(pattern.utf16()),
+                           int32_t(pattern.size())),
         0, parseError, status));
     ASSERT_TRUE(U_SUCCESS(status));
 
@@ -157,7 +163,8 @@ TEST(LayoutNumericString, AgreesWithTheIcuPredicate)
             const int pick = random() % 4 ? int(random() % 11) : int(random() % unsigned(letters));
             text.append(QChar(alphabet[pick]));
         }
-        const icu::UnicodeString input(false, reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()));
+        const icu::UnicodeString input(false, reinterpret_cast<const UChar *>(text.utf16()),
+                                       int32_t(text.size()));
         std::unique_ptr<icu::RegexMatcher> matcher(compiled->matcher(input, status));
         const bool expected = matcher->matches(status);
         ASSERT_EQ(OSTLayoutElement::isNumericString(text), expected) << text.toStdString();

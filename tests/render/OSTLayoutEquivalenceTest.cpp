@@ -1,7 +1,8 @@
 // The layout manager visits only the elements whose next visit can change something, instead
 // of every element on every pass. These tests show that it ends with exactly the strings and
-// the result of straightforward full-pass resolution (OSTLayoutReferenceResolution.h) on many generated screens, including chains, groups,
-// cycles, self-references, negative results and broken formulas.
+// the result of straightforward full-pass resolution (OSTLayoutReferenceResolution.h) on many
+// generated screens, including chains, groups, cycles, self-references, negative results and broken
+// formulas.
 
 #include "OSTLayoutReferenceResolution.h"
 #include "OSTLayoutTestSupport.h"
@@ -36,7 +37,8 @@ void expectSameResolution(OSTLayoutManager &manager, double statusBar, const QSt
         const auto actual = manager.elements().value(element.key);
         ASSERT_TRUE(actual);
         for (int index = 0; index < 4; ++index) {
-            const QString &name = OSTLayoutElement::attributeName(OSTLayoutElement::Attribute(index));
+            const QString &name =
+                OSTLayoutElement::attributeName(OSTLayoutElement::Attribute(index));
             ASSERT_EQ(actual->valueOfAttribute(name), element.values[size_t(index)])
                 << element.key.toStdString() << "." << name.toStdString() << " in "
                 << context.toStdString();
@@ -57,10 +59,12 @@ public:
         m_tidy = tidy;
         const int count = 2 + pick(24);
         m_keys.clear();
-        static const QString categories[] = {u"shapes"_s, u"images"_s, u"labels"_s, u"inputs"_s, u"buttons"_s};
+        static const QString categories[] = {u"shapes"_s, u"images"_s, u"labels"_s, u"inputs"_s,
+                                             u"buttons"_s};
         QVariantMap screen;
         for (int index = 0; index < count; ++index) {
-            const QString key = pick(5) ? u"e%1"_s.arg(pick(40)) : QStringLiteral("group%1").arg(pick(4));
+            const QString key =
+                pick(5) ? u"e%1"_s.arg(pick(40)) : QStringLiteral("group%1").arg(pick(4));
             const QString &category = categories[pick(5)];
             QVariantMap objects = screen.value(category).toMap();
             objects.insert(key, element());
@@ -72,7 +76,8 @@ public:
             QVariantMap object = element();
             QVariantList members;
             for (int member = pick(5); member > 0; --member)
-                members.append(pick(6) ? m_keys.at(pick(m_keys.size())) : QStringLiteral("group%1").arg(pick(4)));
+                members.append(pick(6) ? m_keys.at(pick(m_keys.size()))
+                                       : QStringLiteral("group%1").arg(pick(4)));
             object.insert(u"elements"_s, members);
             groups.insert(QStringLiteral("group%1").arg(pick(4)), object);
         }
@@ -90,7 +95,9 @@ private:
         for (int attribute = 0; attribute < 4; ++attribute) {
             if (pick(5)) {
                 m_attribute = attribute;
-                object.insert(OSTLayoutElement::attributeName(OSTLayoutElement::Attribute(attribute)), formula(0));
+                object.insert(
+                    OSTLayoutElement::attributeName(OSTLayoutElement::Attribute(attribute)),
+                    formula(0));
             }
         }
         return object;
@@ -101,7 +108,8 @@ private:
         static const QString attributes[] = {u"x"_s, u"y"_s, u"width"_s, u"height"_s, u"colour"_s};
         if (m_tidy && m_keys.isEmpty())
             return u"{missing.x}"_s;
-        const QString key = pick(8) && !m_keys.isEmpty() ? m_keys.at(pick(m_keys.size())) : u"missing"_s;
+        const QString key =
+            pick(8) && !m_keys.isEmpty() ? m_keys.at(pick(m_keys.size())) : u"missing"_s;
         return u'{' + key + u'.' + attributes[pick(m_tidy || pick(10) ? 4 : 5)] + u'}';
     }
 
@@ -123,19 +131,36 @@ private:
 
     QString operand()
     {
-        static const QString numbers[] = {u"0"_s, u"10"_s, u"12.5"_s, u"007"_s, u"3"_s, u"200"_s, u".5"_s};
-        static const QString percentages[] = {u"50%"_s, u"33.3%"_s, u"100%"_s, u"0%"_s, u"%"_s,
-                                              u"150%"_s, u"10%"_s, u"25.5%"_s, u"199.99%"_s};
-        static const QString odd[] = {u"-5"_s, u"{a.{b.x}.y}"_s, u"10%0%"_s, u"1e2"_s, u"100%%"_s,
-                                      u"{e1.x}{e1.x}"_s, u"(100% - width) / 2"_s, u"5.5.5"_s};
+        static const QString numbers[] = {u"0"_s, u"10"_s,  u"12.5"_s, u"007"_s,
+                                          u"3"_s, u"200"_s, u".5"_s};
+        static const QString percentages[] = {u"50%"_s, u"33.3%"_s, u"100%"_s,
+                                              u"0%"_s,  u"%"_s,     u"150%"_s,
+                                              u"10%"_s, u"25.5%"_s, u"199.99%"_s};
+        static const QString odd[] = {
+            u"-5"_s,           u"{a.{b.x}.y}"_s,        u"10%0%"_s, u"1e2"_s, u"100%%"_s,
+            u"{e1.x}{e1.x}"_s, u"(100% - width) / 2"_s, u"5.5.5"_s};
         switch (pick(m_tidy ? 18 : 20)) {
-        case 0: case 1: case 2: case 3: case 4: case 5:
+        case 0:
+        case 1:
+        case 2:
+        case 3:
+        case 4:
+        case 5:
             return numbers[pick(7)];
-        case 6: case 7: case 8: case 9:
+        case 6:
+        case 7:
+        case 8:
+        case 9:
             return percentages[pick(m_tidy ? 3 : 9)];
-        case 10: case 11: case 12: case 13: case 14: case 15:
+        case 10:
+        case 11:
+        case 12:
+        case 13:
+        case 14:
+        case 15:
             return reference();
-        case 16: case 17:
+        case 16:
+        case 17:
             return ownAttribute();
         default:
             return odd[pick(8)];
@@ -147,7 +172,8 @@ private:
         static const QString operators[] = {u" + "_s, u" * "_s, u" - "_s, u" / "_s, u"+"_s};
         QString text = operand();
         for (int more = pick(depth ? 2 : 4); more > 0; --more) {
-            const QString right = depth < 2 && !pick(4) ? u'(' + formula(depth + 1) + u')' : operand();
+            const QString right =
+                depth < 2 && !pick(4) ? u'(' + formula(depth + 1) + u')' : operand();
             text += operators[m_tidy ? pick(2) : pick(5)] + right;
         }
         return text;
@@ -170,7 +196,8 @@ TEST(LayoutEquivalence, GeneratedScreensResolveAsPassByPassResolutionDoes)
         const QVariantMap screen = generator.screen(round % 2 == 0);
         const double statusBar = round % 3 ? 20.0 : 24.5;
         OSTLayoutManager manager(screen, QRectF(0, 0, round % 4 < 2 ? 375 : 320.5, 667), statusBar);
-        const QString context = QString::fromUtf8(QJsonDocument::fromVariant(screen).toJson(QJsonDocument::Compact));
+        const QString context =
+            QString::fromUtf8(QJsonDocument::fromVariant(screen).toJson(QJsonDocument::Compact));
         const bool before = !HasFatalFailure();
         expectSameResolution(manager, statusBar, context);
         if (HasFatalFailure() && before)
@@ -194,8 +221,10 @@ TEST(LayoutEquivalence, AChainVisitedLastToFirstTakesOnePassPerLink)
     for (int link = 0; link < length; ++link) {
         const QString key = QStringLiteral("k%1").arg(link, 4, 10, QChar(u'0'));
         const QString next = QStringLiteral("k%1").arg(link + 1, 4, 10, QChar(u'0'));
-        shapes.insert(key, QVariantMap{{u"y"_s, link == length - 1 ? u"5%"_s : u"{"_s + next + u".y} + 1"_s},
-                                       {u"height"_s, u"10"_s}});
+        shapes.insert(
+            key,
+            QVariantMap{{u"y"_s, link == length - 1 ? u"5%"_s : u"{"_s + next + u".y} + 1"_s},
+                        {u"height"_s, u"10"_s}});
     }
     OSTLayoutManager manager(QVariantMap{{u"shapes"_s, shapes}}, QRectF(0, 0, 375, 667), 20);
     Reference reference(manager, 20);
@@ -204,7 +233,8 @@ TEST(LayoutEquivalence, AChainVisitedLastToFirstTakesOnePassPerLink)
     ASSERT_TRUE(manager.resolveLayout());
     EXPECT_EQ(manager.frameForKey(u"k0000"_s).y(), 33 + length - 1);
     for (const auto &element : reference.elements())
-        ASSERT_EQ(manager.elements().value(element.key)->valueOfAttribute(u"y"_s), element.values[1]);
+        ASSERT_EQ(manager.elements().value(element.key)->valueOfAttribute(u"y"_s),
+                  element.values[1]);
 }
 
 TEST(LayoutEquivalence, WorkedExamplesMatchTheReference)

@@ -60,9 +60,10 @@ TEST(LayoutExpression, DivisionByZeroGivesTheIeeeValue)
 
 TEST(LayoutExpression, MalformedTextsHaveNoValue)
 {
-    for (const char *text : {"", " ", "(", ")", "()", "(1", "1)", "1 +", "* 2", "1 2", "1..2", ".", "+5",
-                             "1e3", "0x10", "width * 2", "{a.x}", "1,5", "2 ^ 3", "5 % 2", "( + 5)",
-                             "１", "1 + ()", "abs(1)"})
+    for (const char *text :
+         {"",      " ",   "(",     ")",     "()",     "(1",  "1)",     "1 +",
+          "* 2",   "1 2", "1..2",  ".",     "+5",     "1e3", "0x10",   "width * 2",
+          "{a.x}", "1,5", "2 ^ 3", "5 % 2", "( + 5)", "１",  "1 + ()", "abs(1)"})
         EXPECT_FALSE(evaluate(text)) << text;
 }
 
@@ -81,7 +82,8 @@ TEST(LayoutExpression, DeepNestingIsMalformedRatherThanAStackOverflow)
 
 TEST(LayoutExpression, HugeAndTinyNumbers)
 {
-    EXPECT_EQ(OSTLayoutExpression::evaluate(QString(400, u'9')), std::numeric_limits<double>::infinity());
+    EXPECT_EQ(OSTLayoutExpression::evaluate(QString(400, u'9')),
+              std::numeric_limits<double>::infinity());
     EXPECT_EQ(OSTLayoutExpression::evaluate(u"0."_s + QString(400, u'0') + u'1'), 0.0);
     EXPECT_EQ(evaluate("9007199254740993"), 9007199254740992.0) << "correctly rounded";
 }
@@ -98,7 +100,8 @@ TEST(LayoutNumbers, TwoDecimalsIsPrintfInTheCLocale)
     EXPECT_EQ(OSTLayoutNumbers::twoDecimals(1.5), u"1.50"_s);
     EXPECT_EQ(OSTLayoutNumbers::twoDecimals(0.125), u"0.12"_s) << "an exact tie goes to even";
     EXPECT_EQ(OSTLayoutNumbers::twoDecimals(0.375), u"0.38"_s);
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(1.005), u"1.00"_s) << "1.005 is 1.00499999999999989... in binary";
+    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(1.005), u"1.00"_s)
+        << "1.005 is 1.00499999999999989... in binary";
     EXPECT_EQ(OSTLayoutNumbers::twoDecimals(-20), u"-20.00"_s);
     EXPECT_EQ(OSTLayoutNumbers::twoDecimals(1e20), u"100000000000000000000.00"_s);
     EXPECT_EQ(OSTLayoutNumbers::twoDecimals(std::numeric_limits<double>::infinity()), u"inf"_s);
@@ -112,8 +115,15 @@ TEST(LayoutNumbers, TwoDecimalsIsPrintfInTheCLocale)
 
 TEST(LayoutNumbers, IntegersAndReadings)
 {
-    EXPECT_EQ(OSTLayoutNumbers::integer(187), u"187"_s);
-    EXPECT_EQ(OSTLayoutNumbers::integer(-10), u"-10"_s);
+    const auto integer = [](qint64 value) {
+        char16_t digits[24];
+        const qsizetype length = OSTLayoutNumbers::writeInteger(value, digits);
+        return QString(reinterpret_cast<const QChar *>(digits), length);
+    };
+    EXPECT_EQ(integer(187), u"187"_s);
+    EXPECT_EQ(integer(-10), u"-10"_s);
+    EXPECT_EQ(integer(0), u"0"_s);
+    EXPECT_EQ(integer(std::numeric_limits<qint64>::min()), u"-9223372036854775808"_s);
     EXPECT_EQ(OSTLayoutNumbers::decimalValue(u"33.5"), 33.5);
     EXPECT_EQ(OSTLayoutNumbers::decimalValue(u""), 0.0);
     EXPECT_EQ(OSTLayoutNumbers::decimalValue(u"."), 0.0);

@@ -39,7 +39,8 @@ TEST(LayoutManagerBuilding, BaseElementIsTheScreenWithTwoDecimals)
     EXPECT_TRUE(manager.elements().isEmpty());
 
     const OSTLayoutManager odd = layoutManager("{}", 320.125, 568.5);
-    EXPECT_EQ(odd.baseElement()->valueOfAttribute(u"width"_s), u"320.12"_s) << "printf rounds the tie to even";
+    EXPECT_EQ(odd.baseElement()->valueOfAttribute(u"width"_s), u"320.12"_s)
+        << "printf rounds the tie to even";
     EXPECT_EQ(odd.baseElement()->valueOfAttribute(u"height"_s), u"568.50"_s);
 }
 
@@ -126,7 +127,8 @@ TEST(LayoutManagerBuilding, GroupsBecomeParentsOfTheirListedElements)
     EXPECT_EQ(box->zLayer(), 400);
     EXPECT_EQ(card->zLayer(), 450);
     EXPECT_EQ(box->parent(), manager.baseElement());
-    EXPECT_EQ(elements.value(u"a"_s)->parent(), box) << "unknown and non-string members are skipped";
+    EXPECT_EQ(elements.value(u"a"_s)->parent(), box)
+        << "unknown and non-string members are skipped";
     EXPECT_EQ(elements.value(u"b"_s)->parent(), card) << "the group processed last wins";
     EXPECT_EQ(elements.value(u"c"_s)->parent(), card);
     EXPECT_EQ(elements.value(u"plain"_s)->parent(), manager.baseElement());
@@ -151,13 +153,17 @@ TEST(LayoutManagerBuilding, ScreenBoundsArePortraitOrdered)
 
 TEST(LayoutManagerUpdate, ReplacesTheFrameOfAnUnresolvedElement)
 {
-    OSTLayoutManager manager = layoutManager(R"({"labels": {"errorMessage": {"y": "50%", "height": "40"}}})");
-    manager.updateLayout(layoutJson(R"({"y": "100", "width": 80, "anchored": "no"})"), u"errorMessage"_s);
+    OSTLayoutManager manager =
+        layoutManager(R"({"labels": {"errorMessage": {"y": "50%", "height": "40"}}})");
+    manager.updateLayout(layoutJson(R"({"y": "100", "width": 80, "anchored": "no"})"),
+                         u"errorMessage"_s);
     EXPECT_EQ(value(manager, "errorMessage", "x"), u"0"_s);
     EXPECT_EQ(value(manager, "errorMessage", "y"), u"100"_s);
-    EXPECT_EQ(value(manager, "errorMessage", "width"), u"100%"_s) << "a number is not a frame value";
+    EXPECT_EQ(value(manager, "errorMessage", "width"), u"100%"_s)
+        << "a number is not a frame value";
     EXPECT_EQ(value(manager, "errorMessage", "height"), u"100%"_s);
-    EXPECT_TRUE(manager.elements().value(u"errorMessage"_s)->isAnchored()) << "only the frame changes";
+    EXPECT_TRUE(manager.elements().value(u"errorMessage"_s)->isAnchored())
+        << "only the frame changes";
     ASSERT_TRUE(manager.resolveLayout());
     EXPECT_EQ(manager.frameForKey(u"errorMessage"_s), QRectF(0, 100, 375, 667));
 }
@@ -206,9 +212,12 @@ TEST(LayoutResolution, PercentagesAreWrittenAsProductsOfTheParentsText)
     EXPECT_FALSE(manager.resolveLayout());
     EXPECT_EQ(value(manager, "a", "x"), u"(0.50 * 375.00) + {stuck.x}"_s);
     EXPECT_EQ(value(manager, "a", "y"), u"(0.50 * 667.00) + {stuck.x}"_s) << "y is of the height";
-    EXPECT_EQ(value(manager, "a", "width"), u"(0.34 * 375.00) + {stuck.x}"_s) << "rounded up to a whole percent";
-    EXPECT_EQ(value(manager, "a", "height"), u"667.00 + {stuck.x}"_s) << "100% copies the parent's text";
-    EXPECT_EQ(value(manager, "b", "x"), u"(1.50 * 375.00) + {stuck.x}"_s) << "one greedy percentage";
+    EXPECT_EQ(value(manager, "a", "width"), u"(0.34 * 375.00) + {stuck.x}"_s)
+        << "rounded up to a whole percent";
+    EXPECT_EQ(value(manager, "a", "height"), u"667.00 + {stuck.x}"_s)
+        << "100% copies the parent's text";
+    EXPECT_EQ(value(manager, "b", "x"), u"(1.50 * 375.00) + {stuck.x}"_s)
+        << "one greedy percentage";
     EXPECT_EQ(value(manager, "b", "y"), u"(0.00 * 667.00) + {stuck.x}"_s) << "a bare % matches too";
     EXPECT_EQ(value(manager, "b", "width"), u" + {stuck.x}"_s) << "0% becomes nothing";
     EXPECT_EQ(value(manager, "b", "height"), u"(1.00 * 667.00) + {stuck.x}"_s);
@@ -216,7 +225,8 @@ TEST(LayoutResolution, PercentagesAreWrittenAsProductsOfTheParentsText)
 
 TEST(LayoutResolution, FractionalPercentOfA320ScreenRoundsUpThenTruncates)
 {
-    OSTLayoutManager manager = layoutManager(R"({"shapes": {"card": {"width": "33.5%"}}})", 320, 568);
+    OSTLayoutManager manager =
+        layoutManager(R"({"shapes": {"card": {"width": "33.5%"}}})", 320, 568);
     ASSERT_TRUE(manager.resolveLayout());
     EXPECT_EQ(value(manager, "card", "width"), u"108"_s) << "(0.34 * 320.00) is 108.8";
 }
@@ -255,7 +265,7 @@ TEST(LayoutResolution, AReferenceResolvesInALaterPass)
         "labels": {"title": {"y": "10% + 33", "height": "{title.width} / 10", "width": "80%"}},
         "inputs": {"field": {"y": "{title.y} + {title.height} + 10", "x": "{title.x}"}}})");
     ASSERT_TRUE(manager.resolveLayout());
-    EXPECT_EQ(value(manager, "title", "y"), u"99"_s);    // (0.10 * 667.00) + 33 = 99.7
+    EXPECT_EQ(value(manager, "title", "y"), u"99"_s); // (0.10 * 667.00) + 33 = 99.7
     EXPECT_EQ(value(manager, "title", "width"), u"300"_s);
     EXPECT_EQ(value(manager, "title", "height"), u"30"_s);
     EXPECT_EQ(value(manager, "field", "y"), u"139"_s);
@@ -313,7 +323,8 @@ TEST(LayoutResolution, ArithmeticFollowsPrecedenceAndTruncatesTowardZero)
     EXPECT_EQ(value(manager, "a", "x"), u"11"_s);
     EXPECT_EQ(value(manager, "a", "y"), u"6"_s);
     EXPECT_EQ(value(manager, "a", "width"), u"10"_s);
-    EXPECT_EQ(value(manager, "a", "height"), u"28"_s) << "0.29 * 100 is 28.999999999999996 in doubles";
+    EXPECT_EQ(value(manager, "a", "height"), u"28"_s)
+        << "0.29 * 100 is 28.999999999999996 in doubles";
 }
 
 // --- Resolution that full passes would never end ----------------------------------------------

@@ -27,16 +27,19 @@ std::unique_ptr<icu::RegexPattern> compilePattern(const QString &pattern)
     UErrorCode status = U_ZERO_ERROR;
     UParseError parseError;
     std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(
-        icu::UnicodeString(false, reinterpret_cast<const UChar *>(pattern.utf16()), int32_t(pattern.size())),
+        icu::UnicodeString(false, reinterpret_cast<const UChar *>(pattern.utf16()),
+                           int32_t(pattern.size())),
         0, parseError, status));
     EXPECT_TRUE(U_SUCCESS(status)) << pattern.toStdString();
     return compiled;
 }
 
 // Every match of `pattern` in `text` from `from` on, as ICU finds them.
-std::vector<Match> icuMatches(const icu::RegexPattern &pattern, const QString &text, qsizetype from = 0)
+std::vector<Match> icuMatches(const icu::RegexPattern &pattern, const QString &text,
+                              qsizetype from = 0)
 {
-    const icu::UnicodeString input(false, reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()));
+    const icu::UnicodeString input(false, reinterpret_cast<const UChar *>(text.utf16()),
+                                   int32_t(text.size()));
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::RegexMatcher> matcher(pattern.matcher(input, status));
     std::vector<Match> matches;
@@ -73,11 +76,15 @@ TEST(LayoutPatterns, PercentageSearchIsIcusSearchOfTheFormatsPattern)
         Match match;
         const auto search = OSTLayoutPatterns::findPercentage(text, from, match);
         if (expected.empty()) {
-            ASSERT_EQ(search, OSTLayoutPatterns::Search::NotFound) << text.toStdString() << " from " << from;
+            ASSERT_EQ(search, OSTLayoutPatterns::Search::NotFound)
+                << text.toStdString() << " from " << from;
         } else {
-            ASSERT_EQ(search, OSTLayoutPatterns::Search::Found) << text.toStdString() << " from " << from;
-            ASSERT_EQ(match.start, expected.front().start) << text.toStdString() << " from " << from;
-            ASSERT_EQ(match.length, expected.front().length) << text.toStdString() << " from " << from;
+            ASSERT_EQ(search, OSTLayoutPatterns::Search::Found)
+                << text.toStdString() << " from " << from;
+            ASSERT_EQ(match.start, expected.front().start)
+                << text.toStdString() << " from " << from;
+            ASSERT_EQ(match.length, expected.front().length)
+                << text.toStdString() << " from " << from;
         }
     }
 }
@@ -105,14 +112,16 @@ TEST(LayoutPatterns, ReferenceSearchFindsWhatTheNestedPatternFinds)
 TEST(LayoutPatterns, TheClassAToZIncludesThePunctuationBetweenTheAlphabets)
 {
     std::vector<Match> matches;
-    ASSERT_TRUE(OSTLayoutPatterns::findReferences(u"{a[b].x} {a`^\\_.y} {a@.x} {a|.x} {a-1.b.c}", matches));
+    ASSERT_TRUE(
+        OSTLayoutPatterns::findReferences(u"{a[b].x} {a`^\\_.y} {a@.x} {a|.x} {a-1.b.c}", matches));
     ASSERT_EQ(matches.size(), 3u);
     EXPECT_EQ(matches[0].start, 0);
     EXPECT_EQ(matches[0].length, 8);
     EXPECT_EQ(matches[1].start, 9);
     EXPECT_EQ(matches[2].start, 33);
 
-    OSTLayoutManager manager = layoutManager(R"({"shapes": {"a[1]": {"x": "12"}, "b": {"x": "{a[1].x} + 1"}}})");
+    OSTLayoutManager manager =
+        layoutManager(R"({"shapes": {"a[1]": {"x": "12"}, "b": {"x": "{a[1].x} + 1"}}})");
     ASSERT_TRUE(manager.resolveLayout());
     EXPECT_EQ(layoutValue(manager, u"b"_s, u"x"_s), u"13"_s);
 }
@@ -128,12 +137,16 @@ TEST(LayoutPatterns, HostileFormulasResolveWithoutBacktrackingForever)
     QString references;
     for (int reference = 0; reference < 20000; ++reference)
         references += QStringLiteral("{z%1.x}").arg(reference);
-    const QVariantMap screen{{u"shapes"_s, QVariantMap{
-        {u"a"_s, QVariantMap{{u"x"_s, unterminated}, {u"y"_s, digits + u" + 1%"_s}}},
-        {u"b"_s, QVariantMap{{u"x"_s, digits + u".5.5%"_s}, {u"y"_s, digits + u"%"_s}}},
-        {u"c"_s, QVariantMap{{u"x"_s, QString(100000, u'%')}, {u"y"_s, QString(50000, u'{') + u"zz.x}"_s}}},
-        {u"d"_s, QVariantMap{{u"x"_s, references}, {u"y"_s, u'{' + references}}}}}};
+    const QVariantMap screen{
+        {u"shapes"_s,
+         QVariantMap{
+             {u"a"_s, QVariantMap{{u"x"_s, unterminated}, {u"y"_s, digits + u" + 1%"_s}}},
+             {u"b"_s, QVariantMap{{u"x"_s, digits + u".5.5%"_s}, {u"y"_s, digits + u"%"_s}}},
+             {u"c"_s,
+              QVariantMap{{u"x"_s, QString(100000, u'%')},
+                          {u"y"_s, QString(50000, u'{') + u"zz.x}"_s}}},
+             {u"d"_s, QVariantMap{{u"x"_s, references}, {u"y"_s, u'{' + references}}}}}};
     OSTLayoutManager manager(screen, QRectF(0, 0, 375, 667), 20);
     EXPECT_FALSE(manager.resolveLayout());
-    EXPECT_EQ(layoutValue(manager, u"c"_s, u"y"_s), QString(49999, u'{') + u"0"_s) ;
+    EXPECT_EQ(layoutValue(manager, u"c"_s, u"y"_s), QString(49999, u'{') + u"0"_s);
 }

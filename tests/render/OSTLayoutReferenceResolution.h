@@ -53,8 +53,8 @@ public:
             Element element;
             element.key = entry.key();
             for (int index = 0; index < 4; ++index)
-                element.values[size_t(index)] =
-                    entry.value()->valueOfAttribute(OSTLayoutElement::attributeName(OSTLayoutElement::Attribute(index)));
+                element.values[size_t(index)] = entry.value()->valueOfAttribute(
+                    OSTLayoutElement::attributeName(OSTLayoutElement::Attribute(index)));
             const auto parent = entry.value()->parent();
             if (parent == manager.baseElement())
                 element.parent = -1;
@@ -63,16 +63,18 @@ public:
             m_index.insert(element.key, int(m_elements.size()));
             m_elements.push_back(element);
         }
-        m_baseWidth = manager.baseElement()->valueOfAttribute(QStringLiteral("width")).value_or(QString());
-        m_baseHeight = manager.baseElement()->valueOfAttribute(QStringLiteral("height")).value_or(QString());
+        m_baseWidth =
+            manager.baseElement()->valueOfAttribute(QStringLiteral("width")).value_or(QString());
+        m_baseHeight =
+            manager.baseElement()->valueOfAttribute(QStringLiteral("height")).value_or(QString());
         UErrorCode status = U_ZERO_ERROR;
         UParseError parseError;
         m_percentage.reset(icu::RegexPattern::compile(
             icu::UnicodeString(u"[0-1]{0,1}[0-9]{0,2}[\\.]{0,1}[0-9]*%"), 0, parseError, status));
         m_reference.reset(icu::RegexPattern::compile(
             icu::UnicodeString(u"\\{([A-z0-9-_]+(\\.[A-z0-9-_]+)+)+\\}"), 0, parseError, status));
-        m_numeric.reset(icu::RegexPattern::compile(icu::UnicodeString(u"^[0-9]+(?:\\.[0-9]+)?$"),
-                                                   0, parseError, status));
+        m_numeric.reset(icu::RegexPattern::compile(icu::UnicodeString(u"^[0-9]+(?:\\.[0-9]+)?$"), 0,
+                                                   parseError, status));
         m_failed = U_FAILURE(status);
     }
 
@@ -201,9 +203,10 @@ private:
             else if (number == u"0")
                 replacement = QString();
             else
-                replacement = QStringLiteral("(%1 * %2)").arg(
-                    OSTLayoutNumbers::twoDecimals(std::ceil(OSTLayoutNumbers::decimalValue(number)) / 100),
-                    parent);
+                replacement = QStringLiteral("(%1 * %2)")
+                                  .arg(OSTLayoutNumbers::twoDecimals(
+                                           std::ceil(OSTLayoutNumbers::decimalValue(number)) / 100),
+                                       parent);
             value.replace(start, end - start, replacement);
         }
         element.values[size_t(attribute)] = value;
@@ -239,7 +242,8 @@ private:
                 open = 0;
             }
         }
-        if (nested && qint64(matches.size()) * original.size() > OSTLayoutManager::maximumReplacementWork)
+        if (nested
+            && qint64(matches.size()) * original.size() > OSTLayoutManager::maximumReplacementWork)
             return false;
         bool allAvailable = true;
         for (const QString &match : matches) {
@@ -291,7 +295,8 @@ private:
         for (; index < text.size() && text.at(index) >= u'0' && text.at(index) <= u'9'; ++index) {
             const int digit = text.at(index).unicode() - u'0';
             if (value > (std::numeric_limits<qint64>::max() - digit) / 10)
-                return negative ? std::numeric_limits<qint64>::min() : std::numeric_limits<qint64>::max();
+                return negative ? std::numeric_limits<qint64>::min()
+                                : std::numeric_limits<qint64>::max();
             value = value * 10 + digit;
         }
         return negative ? -value : value;

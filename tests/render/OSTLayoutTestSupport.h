@@ -22,7 +22,8 @@ inline OSTLayoutManager layoutManager(const char *json, double width = 375, doub
     return OSTLayoutManager(layoutJson(json), QRectF(0, 0, width, height), statusBar);
 }
 
-inline QString layoutValue(const OSTLayoutManager &manager, const QString &key, const QString &attribute)
+inline QString layoutValue(const OSTLayoutManager &manager, const QString &key,
+                           const QString &attribute)
 {
     const auto element = manager.elements().value(key);
     if (!element)
