@@ -2,7 +2,7 @@
 PRESET ?= dev
 JOBS ?= $(shell nproc)
 
-.PHONY: bootstrap configure build test clean
+.PHONY: bootstrap configure build test fuzz clean
 
 bootstrap:
 	./scripts/bootstrap
@@ -15,6 +15,14 @@ build: configure
 
 test: build
 	ctest --preset $(PRESET) -j $(JOBS)
+
+# The libFuzzer targets (clang, sanitizers); see fuzz/README.md for running them.
+fuzz:
+	./scripts/bootstrap --fuzz
+	cmake -S . -B build/fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DOSTREL_FUZZ=ON \
+	      -DOSTREL_BUILD_TESTS=OFF -DOSTREL_BUILD_BENCHMARKS=OFF -DOSTREL_BUILD_TOOLS=OFF \
+	      -DOSTREL_BUILD_EXAMPLES=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build build/fuzz -j $(JOBS)
 
 clean:
 	rm -rf build
