@@ -45,16 +45,29 @@ OSTRequestManager::OSTRequestManager()
 {
 }
 
+namespace {
+
+// A body completion that decodes the body with `decode` and hands the result to `completion`.
+template <typename Decode, typename Completion>
+OSTRequestManager::BodyCompletion decodingCompletion(const QString &endpoint, Decode decode,
+                                                     const Completion &completion)
+{
+    return [endpoint, decode, completion](const auto &body, const auto &error) {
+        const auto decoded = decode(endpoint, body, error);
+        if (completion)
+            completion(decoded.value, decoded.error);
+    };
+}
+
+} // namespace
+
 OSTRequestManager::Task OSTRequestManager::apiRequestWithEndpoint(const QString &endpoint,
                                                                   const QVariantMap &parameters,
                                                                   const Completion &completion)
 {
-    Task task = apiRequestWithEndpoint(endpoint, parameters, m_dataSession,
-                                       [endpoint, completion](const auto &body, const auto &error) {
-        const auto decoded = OSTResponseDecoder::dictionaryFromBody(endpoint, body, error);
-        if (completion)
-            completion(decoded.value, decoded.error);
-    });
+    Task task = apiRequestWithEndpoint(
+        endpoint, parameters, m_dataSession,
+        decodingCompletion(endpoint, &OSTResponseDecoder::dictionaryFromBody, completion));
     task->resume();
     return task;
 }
@@ -74,12 +87,12 @@ OSTRequestManager::Task OSTRequestManager::apiRequestWithEndpoint(const QString 
             u"com.ostrelhq.requestManager.session.%1"_s.arg(++m_customSessionSerial), timeout);
     }
     auto identifier = std::make_shared<quint64>(0);
+    const BodyCompletion decodeAndComplete =
+        decodingCompletion(endpoint, &OSTResponseDecoder::dictionaryFromBody, completion);
     Task task = apiRequestWithEndpoint(endpoint, parameters, session,
-                                       [this, endpoint, completion, identifier](const auto &body, const auto &error) {
+                                       [this, decodeAndComplete, identifier](const auto &body, const auto &error) {
         std::shared_ptr<OSTURLSession> finished = takeCustomSession(*identifier);
-        const auto decoded = OSTResponseDecoder::dictionaryFromBody(endpoint, body, error);
-        if (completion)
-            completion(decoded.value, decoded.error);
+        decodeAndComplete(body, error);
         // Moved, so that the last reference is the one dropped on the release queue.
         m_sessionReleaseQueue.async([session = std::move(finished)]() mutable { session.reset(); });
     });
@@ -96,12 +109,9 @@ OSTRequestManager::Task OSTRequestManager::apiStringRequestWithEndpoint(const QS
                                                                         const QVariantMap &parameters,
                                                                         const StringCompletion &completion)
 {
-    Task task = apiRequestWithEndpoint(endpoint, parameters, m_dataSession,
-                                       [endpoint, completion](const auto &body, const auto &error) {
-        const auto decoded = OSTResponseDecoder::stringFromBody(endpoint, body, error);
-        if (completion)
-            completion(decoded.value, decoded.error);
-    });
+    Task task = apiRequestWithEndpoint(
+        endpoint, parameters, m_dataSession,
+        decodingCompletion(endpoint, &OSTResponseDecoder::stringFromBody, completion));
     task->resume();
     return task;
 }
