@@ -1,6 +1,7 @@
 #include "AdminRoute.h"
 
 #include "FaultSwitches.h"
+#include "HttpStatus.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -14,10 +15,6 @@ using namespace Qt::StringLiterals;
 namespace ostrel::devserver {
 
 namespace {
-
-constexpr int httpOK = 200;
-constexpr int httpBadRequest = 400;
-constexpr int httpForbidden = 403;
 
 QJsonObject errorBody(const QString &message)
 {

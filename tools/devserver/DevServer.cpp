@@ -1,5 +1,6 @@
 #include "DevServer.h"
 
+#include "HttpStatus.h"
 #include "ResponseWriter.h"
 
 #include <QFile>
@@ -17,9 +18,6 @@ namespace ostrel::devserver {
 
 namespace {
 
-constexpr int httpOK = 200;
-constexpr int httpBadRequest = 400;
-constexpr int httpNotFound = 404;
 constexpr qsizetype oversizedLength = 17 * 1024 * 1024;
 
 const QString imagesFaultKey = u"images"_s;

@@ -1,6 +1,7 @@
 #include "Endpoints.h"
 
 #include "ExperienceLoader.h"
+#include "HttpStatus.h"
 #include "ServiceDatabase.h"
 
 #include <QCryptographicHash>
@@ -18,7 +19,6 @@ namespace ostrel::devserver {
 
 namespace {
 
-constexpr int httpBadRequest = 400;
 const QByteArray okText = "OK";
 
 double now()

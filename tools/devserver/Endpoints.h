@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HttpStatus.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QJsonObject>
@@ -14,7 +16,7 @@ class ServiceDatabase;
 
 // The plaintext answer of an endpoint, encrypted by the caller when the status is 200.
 struct EndpointAnswer {
-    int status = 200;
+    int status = httpOK;
     QByteArray body;
 };
 

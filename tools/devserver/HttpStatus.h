@@ -1,0 +1,13 @@
+#pragma once
+
+namespace ostrel::devserver {
+
+// The HTTP status codes the service answers with.
+enum HttpStatus : int {
+    httpOK = 200,
+    httpBadRequest = 400,
+    httpForbidden = 403,
+    httpNotFound = 404,
+};
+
+} // namespace ostrel::devserver
