@@ -6,6 +6,7 @@
 // backing store receives it, so paths are antialiased and the shadow is blurred at device
 // resolution.
 
+#include "OSTBenchmarkRunner.h"
 #include "render/OSTView.h"
 
 #include <QApplication>
@@ -99,10 +100,5 @@ int main(int argc, char **argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return ostrel::bench::runRegisteredBenchmarks(argc, argv);
 }

@@ -2,6 +2,7 @@
 // base64 the three members) for 1 KB, 100 KB and 1 MB parameter dictionaries, set beside raw
 // AES-256-CBC of the same number of bytes with the same OpenSSL in the same run.
 
+#include "OSTBenchmarkRunner.h"
 #include "network/OSTEncryption.h"
 #include "network/OSTRequestEnvelope.h"
 #include "platform/OSTBundle.h"
@@ -137,10 +138,5 @@ int main(int argc, char **argv)
     if (!OSTEncryption::encryptedAESKey())
         return 1;
 
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return ostrel::bench::runRegisteredBenchmarks(argc, argv);
 }
