@@ -23,6 +23,8 @@ class OSTLayoutElement {
 public:
     enum Attribute : int { X = 0, Y = 1, Width = 2, Height = 3 };
     static constexpr int attributeCount = 4;
+    // The four in the order in which they are resolved.
+    static constexpr Attribute allAttributes[attributeCount] = {X, Y, Width, Height};
 
     // The exported name of an attribute (OSTLayoutElementXAttributeKey...), and back; -1 for a
     // name that is not one of the four.

@@ -71,6 +71,9 @@ public:
 
 private:
     void build(const QVariantMap &layout, const QRectF &screenBounds);
+    int stuckElementPosition() const;
+    void logStuckElement(int position) const;
+    static bool waitsForParent(const OSTLayoutElement &element);
 
     std::shared_ptr<OSTLayoutElement> m_baseElement;
     ElementTable m_elements;

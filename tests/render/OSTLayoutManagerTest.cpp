@@ -373,6 +373,14 @@ TEST(LayoutResolutionFailure, LogsOneDebugLineNamingAnUnresolvedElement)
         << output.toStdString();
     EXPECT_TRUE(output.contains(u"\"x\" is \"-1\""_s)) << output.toStdString();
 
+    OSTLayoutManager ownParent =
+        layoutManager(R"({"shapes": {"a": {}}, "groups": {"g": {"elements": ["g"]}}})");
+    const QString waiting =
+        captureStandardError([&] { EXPECT_FALSE(ownParent.resolveLayout()); });
+    EXPECT_TRUE(waiting.startsWith(u"Ostrel Debug: Layout not resolved: element \"g\""_s))
+        << waiting.toStdString();
+    EXPECT_TRUE(waiting.contains(u"(its parent stayed unresolved)"_s)) << waiting.toStdString();
+
     OSTLayoutManager fine = layoutManager(R"({"shapes": {"fine": {}}})");
     EXPECT_TRUE(captureStandardError([&] { EXPECT_TRUE(fine.resolveLayout()); }).isEmpty());
 }

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "render/OSTLayoutElement.h"
+#include "render/OSTLayoutResolver.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <queue>
+#include <vector>
+
+namespace ostrel {
+
+// The resolution passes over the layout table. Resolution is defined as full passes over the
+// table until a pass changes nothing. A chain of n references that the table visits last to
+// first then takes n passes of n elements. Here each pass visits, in table order, only the
+// elements whose next visit could change something:
+//
+//  - every unresolved element in the first pass;
+//  - an element whose strings changed in a pass, again in the next pass;
+//  - an element that found an attribute it needed unresolved (a referenced element's, or its
+//    parent unresolved), when that element resolves an attribute: still in the same pass when
+//    it comes later in the table, as in a full pass, otherwise in the next pass.
+//
+// Any other visit would repeat a visit that changed nothing, with the same strings of its own
+// and the same inputs (resolved attributes never change again), so it would change nothing
+// again. The passes therefore make the same changes in the same order as full passes, and end
+// with the same strings.
+//
+// Internal to the layout engine; used on the GUI thread only.
+class OSTLayoutPassScheduler {
+public:
+    // The table, its keys and the status bar text must outlive the scheduler.
+    OSTLayoutPassScheduler(const std::vector<OSTLayoutElement *> &table, const QStringList &keys,
+                           const QString &statusBarText,
+                           const std::shared_ptr<OSTLayoutElement> &baseElement);
+
+    // Runs passes until one changes nothing.
+    void run();
+
+private:
+    struct Node {
+        std::shared_ptr<OSTLayoutElement> parent;
+        int parentPosition = -1; // -1: the base element, or an element outside the table
+        std::vector<int> waiters;
+        int currentPass = 0;
+        int nextPass = 0;
+    };
+
+    void locateParents(const std::shared_ptr<OSTLayoutElement> &baseElement);
+    void runPass();
+    void visit(int position);
+    void wakeWaiters(Node &node, int position);
+    void scheduleInCurrentPass(int position);
+    void scheduleInNextPass(int position);
+    void startNextPass();
+    void await(int awaited, int waiter);
+
+    const std::vector<OSTLayoutElement *> &m_table;
+    std::vector<Node> m_nodes;
+    OSTLayoutResolver m_resolver;
+    int m_pass = 1;
+    std::priority_queue<int, std::vector<int>, std::greater<int>> m_current;
+    std::vector<int> m_next;
+};
+
+} // namespace ostrel
