@@ -50,17 +50,6 @@ OSTLayoutFormula::Traits OSTLayoutFormula::traits() const
     return traits;
 }
 
-qsizetype OSTLayoutFormula::find(QStringView needle, qsizetype from) const
-{
-    const qsizetype last = m_text.size() - needle.size();
-    const char16_t first = needle.front().unicode();
-    for (; from <= last; ++from) {
-        if (m_text[from] == first && view().sliced(from, needle.size()) == needle)
-            return from;
-    }
-    return -1;
-}
-
 void OSTLayoutFormula::replaceAll(QStringView needle, QStringView with)
 {
     qsizetype found = find(needle);

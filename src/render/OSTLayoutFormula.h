@@ -7,8 +7,8 @@ namespace ostrel {
 
 // The value of an attribute while one resolution step after another rewrites it: a local
 // buffer, so that the rewriting costs no allocation; the result is stored as a string once.
-// Internal to the layout engine; used on the GUI thread only.
-class OSTLayoutFormula {
+// Internal to the layout engine (not exported); used on the GUI thread only.
+class Q_DECL_HIDDEN OSTLayoutFormula {
 public:
     // What one look at a formula tells the steps: which of the characters they act on occur at
     // all. The steps only remove such characters or add digits, points, operators and the
@@ -48,7 +48,16 @@ public:
     // The first occurrence of `needle` at or after `from`, or -1. Occurrences of a text that
     // begins with a character it does not contain again cannot overlap, so for the brace
     // texts of references this costs at most one comparison per character.
-    qsizetype find(QStringView needle, qsizetype from = 0) const;
+    qsizetype find(QStringView needle, qsizetype from = 0) const
+    {
+        const qsizetype last = m_text.size() - needle.size();
+        const char16_t first = needle.front().unicode();
+        for (; from <= last; ++from) {
+            if (m_text[from] == first && view().sliced(from, needle.size()) == needle)
+                return from;
+        }
+        return -1;
+    }
 
     // Every occurrence of `needle`, left to right without overlap, as QString::replace and
     // the platform's replacing of occurrences do, in one pass. `with` must not be a view of

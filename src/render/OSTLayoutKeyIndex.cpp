@@ -1,7 +1,5 @@
 #include "render/OSTLayoutKeyIndex.h"
 
-#include <cstdint>
-
 namespace ostrel {
 
 OSTLayoutKeyIndex::OSTLayoutKeyIndex(const QStringList &keys)
@@ -17,27 +15,6 @@ OSTLayoutKeyIndex::OSTLayoutKeyIndex(const QStringList &keys)
             slot = (slot + 1) & (slotCount - 1);
         m_slots[slot] = int(position);
     }
-}
-
-int OSTLayoutKeyIndex::positionOf(QStringView key) const
-{
-    const size_t mask = m_slots.size() - 1;
-    for (size_t slot = hashOf(key) & mask; m_slots[slot] >= 0; slot = (slot + 1) & mask) {
-        if (QStringView(m_keys.at(m_slots[slot])) == key)
-            return m_slots[slot];
-    }
-    return -1;
-}
-
-// FNV-1a over the UTF-16 code units: keys are short, and the index lives for one resolution.
-size_t OSTLayoutKeyIndex::hashOf(QStringView key)
-{
-    std::uint64_t hash = 14695981039346656037ull;
-    for (const QChar c : key) {
-        hash ^= c.unicode();
-        hash *= 1099511628211ull;
-    }
-    return size_t(hash);
 }
 
 } // namespace ostrel

