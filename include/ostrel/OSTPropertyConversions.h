@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ostrel/OSTExport.h>
+
 // The words of screen JSON that name a text, keyboard or control setting, turned into numbers.
 // Every enumeration keeps the numeric values of the platform the screen descriptions were first
 // written for: those numbers are the contract between the screen JSON, the element views and a
@@ -24,7 +26,7 @@ enum NSTextAlignment : int {
     NSTextAlignmentNatural = 4,
 };
 // "left", "center", "right", "justified", "natural"; default NSTextAlignmentCenter.
-NSTextAlignment NSTextAlignmentFromString(const std::optional<QString> &string);
+OSTREL_EXPORT NSTextAlignment NSTextAlignmentFromString(const std::optional<QString> &string);
 
 // "contentMode" of images. Value 3 (redraw) has no word on purpose.
 enum UIViewContentMode : int {
@@ -44,7 +46,7 @@ enum UIViewContentMode : int {
 };
 // "scaleFill", "aspectFit", "aspectFill", "center", "top", "bottom", "left", "right", "topLeft",
 // "topRight", "bottomLeft", "bottomRight"; default UIViewContentModeScaleAspectFill.
-UIViewContentMode UIViewContentModeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT UIViewContentMode UIViewContentModeFromString(const std::optional<QString> &string);
 
 // "horizontalAlignment" of text fields.
 enum UIControlContentHorizontalAlignment : int {
@@ -54,7 +56,7 @@ enum UIControlContentHorizontalAlignment : int {
     UIControlContentHorizontalAlignmentFill = 3,
 };
 // "left", "right", "fill"; default (and the only way to get) the centre.
-UIControlContentHorizontalAlignment
+OSTREL_EXPORT UIControlContentHorizontalAlignment
 UIControlContentHorizontalAlignmentFromString(const std::optional<QString> &string);
 
 // "verticalAlignment" of text fields.
@@ -65,7 +67,7 @@ enum UIControlContentVerticalAlignment : int {
     UIControlContentVerticalAlignmentFill = 3,
 };
 // "top", "bottom", "fill"; default the centre.
-UIControlContentVerticalAlignment
+OSTREL_EXPORT UIControlContentVerticalAlignment
 UIControlContentVerticalAlignmentFromString(const std::optional<QString> &string);
 
 // "pickerMode" of date pickers.
@@ -76,7 +78,7 @@ enum UIDatePickerMode : int {
     UIDatePickerModeCountDownTimer = 3,
 };
 // "time", "dateAndTime", "countDownTimer"; default (and the only way to get) the date mode.
-UIDatePickerMode UIDatePickerModeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT UIDatePickerMode UIDatePickerModeFromString(const std::optional<QString> &string);
 
 // "keyboardAppearance" of text fields.
 enum UIKeyboardAppearance : int {
@@ -85,7 +87,7 @@ enum UIKeyboardAppearance : int {
     UIKeyboardAppearanceLight = 2,
 };
 // "dark", "light"; default UIKeyboardAppearanceDefault.
-UIKeyboardAppearance UIKeyboardAppearanceFromString(const std::optional<QString> &string);
+OSTREL_EXPORT UIKeyboardAppearance UIKeyboardAppearanceFromString(const std::optional<QString> &string);
 
 // "keyboardType" of text fields.
 enum UIKeyboardType : int {
@@ -103,7 +105,7 @@ enum UIKeyboardType : int {
 };
 // "ASCIICapable", "numbersAndPunctuation", "URL", "numberPad", "phonePad", "namePhonePad",
 // "emailAddress", "decimalPad", "twitter", "webSearch"; default UIKeyboardTypeDefault.
-UIKeyboardType UIKeyboardTypeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT UIKeyboardType UIKeyboardTypeFromString(const std::optional<QString> &string);
 
 // "returnKeyType" of text fields.
 enum UIReturnKeyType : int {
@@ -121,7 +123,7 @@ enum UIReturnKeyType : int {
 };
 // "go", "google", "join", "next", "route", "search", "send", "yahoo", "done", "emergencyCall";
 // default UIReturnKeyDefault.
-UIReturnKeyType UIReturnKeyTypeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT UIReturnKeyType UIReturnKeyTypeFromString(const std::optional<QString> &string);
 
 // "autocapitalizationType" of text fields.
 enum UITextAutocapitalizationType : int {
@@ -131,7 +133,7 @@ enum UITextAutocapitalizationType : int {
     UITextAutocapitalizationTypeAllCharacters = 3,
 };
 // "words", "sentences", "allCharacters"; default UITextAutocapitalizationTypeNone.
-UITextAutocapitalizationType
+OSTREL_EXPORT UITextAutocapitalizationType
 UITextAutocapitalizationTypeFromString(const std::optional<QString> &string);
 
 // "autocorrectionType" of text fields.
@@ -141,7 +143,7 @@ enum UITextAutocorrectionType : int {
     UITextAutocorrectionTypeYes = 2,
 };
 // "no", "yes"; default UITextAutocorrectionTypeDefault.
-UITextAutocorrectionType UITextAutocorrectionTypeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT UITextAutocorrectionType UITextAutocorrectionTypeFromString(const std::optional<QString> &string);
 
 // "spellCheckingType" of text fields.
 enum UITextSpellCheckingType : int {
@@ -150,7 +152,7 @@ enum UITextSpellCheckingType : int {
     UITextSpellCheckingTypeYes = 2,
 };
 // "no", "yes"; default UITextSpellCheckingTypeDefault.
-UITextSpellCheckingType UITextSpellCheckingTypeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT UITextSpellCheckingType UITextSpellCheckingTypeFromString(const std::optional<QString> &string);
 
 // "clearButtonMode" of text fields: when the field shows its clear button.
 enum UITextFieldViewMode : int {
@@ -160,7 +162,7 @@ enum UITextFieldViewMode : int {
     UITextFieldViewModeAlways = 3,
 };
 // "whileEditing", "unlessEditing", "always"; default UITextFieldViewModeNever.
-UITextFieldViewMode UITextFieldViewModeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT UITextFieldViewMode UITextFieldViewModeFromString(const std::optional<QString> &string);
 
 // "pickerType" of pickers: what the picker's wheel offers.
 enum OSTPickerType : int {
@@ -169,7 +171,7 @@ enum OSTPickerType : int {
     OSTPickerTypeDate = 2,
 };
 // "countryCode", "date"; default OSTPickerTypeCustomData.
-OSTPickerType OSTPickerTypeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT OSTPickerType OSTPickerTypeFromString(const std::optional<QString> &string);
 
 // "textType" of text fields: what kind of text the field takes.
 enum OSTTextFieldType : int {
@@ -181,6 +183,6 @@ enum OSTTextFieldType : int {
 };
 // "password", "phoneNumber", "phoneNumberValidated", "phoneNumberPin"; default
 // OSTTextFieldTypePlain.
-OSTTextFieldType OSTTextFieldTypeFromString(const std::optional<QString> &string);
+OSTREL_EXPORT OSTTextFieldType OSTTextFieldTypeFromString(const std::optional<QString> &string);
 
 } // namespace ostrel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ostrel/OSTExport.h>
+
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -18,7 +20,7 @@ namespace ostrel {
 //     OSTValidationResult result;
 //     result.invalidateField(u"email"_s, u"This address is already registered."_s);
 //     completion(result);
-class OSTValidationResult {
+class OSTREL_EXPORT OSTValidationResult {
 public:
     OSTValidationResult() = default;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ostrel/OSTExport.h>
+
 #include <ostrel/OSTConstants.h>
 #include <ostrel/OSTLoggingLevel.h>
 
@@ -11,9 +13,13 @@ namespace ostrel {
 
 // The SDK's public entry point. Static functions only; each forwards to the manager that owns
 // the work, so the facade itself keeps no state. Call from the GUI thread.
-class Ostrel {
+class OSTREL_EXPORT Ostrel {
 public:
     Ostrel() = delete;
+
+    // Names the folder that holds the host's Info.json and resources (the main bundle). Without
+    // it, the folder of the host executable is used. Call before start().
+    static void setMainBundlePath(const QString &path);
 
     // Starts the SDK with the token in the main bundle's Info.json ("OstrelToken"). Call once,
     // before QApplication::exec(): the launch request is sent when the application has finished
@@ -32,7 +38,7 @@ public:
 };
 
 // The framework's version symbols. The SDK itself reports Ostrel::version().
-extern const double OstrelVersionNumber;
-extern const unsigned char OstrelVersionString[];
+OSTREL_EXPORT extern const double OstrelVersionNumber;
+OSTREL_EXPORT extern const unsigned char OstrelVersionString[];
 
 } // namespace ostrel

@@ -1,9 +1,8 @@
 #include "network/OSTRequestManager.h"
 
 #include "core/OSTLogging.h"
-#include "events/OSTEventHook.h"
-#include "events/OSTStatisticalEvent.h"
 #include "network/OSTEncryption.h"
+#include "network/OSTNetworkStatistics.h"
 #include "network/OSTRequestEnvelope.h"
 #include "network/OSTResponseDecoder.h"
 #include "network/OSTServiceConfiguration.h"
@@ -171,7 +170,7 @@ void OSTRequestManager::completeAPIRequest(const QString &endpoint, const OSTURL
     const int status = *result.statusCode;
     if (!result.data || status != httpOK) {
         if (status == httpInternalServerError)
-            OSTEventHook::sendEvent(OSTStatisticalEvent::internalServerErrorEvent(result.url));
+            OSTNetworkStatistics::reportInternalServerError(result.url);
         const OSTError error = !result.error || status == httpUnauthorized
             ? OSTURLErrorTable::errorForHTTPStatus(status)
             : *result.error;
@@ -199,13 +198,13 @@ void OSTRequestManager::completeImageRequest(const OSTURLTaskResult &result, dou
                                              const ImageCompletion &completion) const
 {
     const bool downloaded = result.statusCode == httpOK && result.data;
-    int type = OSTStatisticalEvent::Failure;
+    using Outcome = OSTNetworkStatistics::Outcome;
+    Outcome outcome = Outcome::Failure;
     if (downloaded)
-        type = OSTStatisticalEvent::Success;
+        outcome = Outcome::Success;
     else if (result.error && result.error->is(NSURLErrorDomain, OSTURLErrorTimedOut))
-        type = OSTStatisticalEvent::Timeout;
-    OSTEventHook::sendEvent(OSTStatisticalEvent::imageDownloadEvent(
-        result.url, OSTClock::current().monotonicNow() - startTime, type));
+        outcome = Outcome::Timeout;
+    OSTNetworkStatistics::reportImageDownload(result.url, OSTClock::current().monotonicNow() - startTime, outcome);
 
     if (!downloaded) {
         const OSTError error = result.error ? *result.error

@@ -8,7 +8,7 @@ namespace ostrel {
 // The value of an attribute while one resolution step after another rewrites it: a local
 // buffer, so that the rewriting costs no allocation; the result is stored as a string once.
 // Internal to the layout engine (not exported); used on the GUI thread only.
-class Q_DECL_HIDDEN OSTLayoutFormula {
+class OSTLayoutFormula {
 public:
     // What one look at a formula tells the steps: which of the characters they act on occur at
     // all. The steps only remove such characters or add digits, points, operators and the

@@ -11,7 +11,7 @@ namespace ostrel {
 // An open-addressing hash index of the keys of the layout table, so that a reference's key is
 // found from a view of the formula, without making a string of it.
 // Internal to the layout engine (not exported); used on the GUI thread only.
-class Q_DECL_HIDDEN OSTLayoutKeyIndex {
+class OSTLayoutKeyIndex {
 public:
     // `keys` must outlive the index.
     explicit OSTLayoutKeyIndex(const QStringList &keys);

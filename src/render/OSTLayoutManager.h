@@ -63,12 +63,6 @@ public:
 
     double statusBarHeight() const { return m_statusBarHeight; }
 
-    // A safety limit against hostile formulas. When a formula holds nested braces, the
-    // references of the reference step are replaced one after the other over the whole text; a
-    // formula whose matches times length exceeds this stays unresolved. Formulas without nested
-    // braces are rewritten in one pass, whatever their size.
-    static constexpr qint64 maximumReplacementWork = 50'000'000;
-
 private:
     void build(const QVariantMap &layout, const QRectF &screenBounds);
     int stuckElementPosition() const;

@@ -30,7 +30,7 @@ namespace ostrel {
 // with the same strings.
 //
 // Internal to the layout engine (not exported); used on the GUI thread only.
-class Q_DECL_HIDDEN OSTLayoutPassScheduler {
+class OSTLayoutPassScheduler {
 public:
     // The table, its keys and the status bar text must outlive the scheduler.
     OSTLayoutPassScheduler(const std::vector<OSTLayoutElement *> &table, const QStringList &keys,

@@ -1,7 +1,6 @@
 #include "render/OSTLayoutResolver.h"
 
 #include "render/OSTLayoutExpression.h"
-#include "render/OSTLayoutManager.h"
 #include "render/OSTLayoutNumbers.h"
 
 #include <cmath>
@@ -194,7 +193,7 @@ bool OSTLayoutResolver::replaceElementReferences(OSTLayoutFormula &working, bool
     // real formula comes near.
     if (!nestedBraces)
         return replaceReferencesInOnePass(working, original);
-    if (qint64(m_matches.size()) * original.size() > OSTLayoutManager::maximumReplacementWork)
+    if (qint64(m_matches.size()) * original.size() > maximumReplacementWork)
         return false;
     return replaceReferencesInTurn(working, original);
 }

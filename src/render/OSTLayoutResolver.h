@@ -20,8 +20,14 @@ namespace ostrel {
 // string changed and which elements' attributes it found unresolved, which is what
 // OSTLayoutPassScheduler needs.
 // Internal to the layout engine (not exported); used on the GUI thread only.
-class Q_DECL_HIDDEN OSTLayoutResolver {
+class OSTLayoutResolver {
 public:
+    // A safety limit against hostile formulas. When a formula holds nested braces, the
+    // references of the reference step are replaced one after the other over the whole text; a
+    // formula whose matches times length exceeds this stays unresolved. Formulas without nested
+    // braces are rewritten in one pass, whatever their size.
+    static constexpr qint64 maximumReplacementWork = 50'000'000;
+
     // The table, its keys and the status bar text must outlive the resolver.
     OSTLayoutResolver(const std::vector<OSTLayoutElement *> &table, const QStringList &keys,
                       const QString &statusBarText);

@@ -13,6 +13,7 @@
 #include "render/OSTLayoutElement.h"
 #include "render/OSTLayoutExpression.h"
 #include "render/OSTLayoutManager.h"
+#include "render/OSTLayoutResolver.h"
 #include "render/OSTLayoutNumbers.h"
 
 #include <QHash>
@@ -243,7 +244,7 @@ private:
             }
         }
         if (nested
-            && qint64(matches.size()) * original.size() > OSTLayoutManager::maximumReplacementWork)
+            && qint64(matches.size()) * original.size() > OSTLayoutResolver::maximumReplacementWork)
             return false;
         bool allAvailable = true;
         for (const QString &match : matches) {

@@ -1,6 +1,7 @@
 #include "support/OSTEventRecorder.h"
 
 #include "events/OSTEventHook.h"
+#include "launch/OSTStartup.h"
 
 #include <QMutexLocker>
 
@@ -8,6 +9,7 @@ namespace ostrel::test {
 
 OSTEventRecorder::OSTEventRecorder()
 {
+    OSTStartup::prepareProcess();
     OSTEventHook::connectReceiver([this](const std::shared_ptr<const OSTEvent> &event) {
         QMutexLocker locker(&m_mutex);
         m_events.push_back(event);

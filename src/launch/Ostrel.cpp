@@ -1,32 +1,19 @@
 #include <ostrel/Ostrel.h>
 
 #include "core/OSTLogging.h"
-#include "core/OSTServiceManager.h"
+#include "launch/OSTServiceManager.h"
+#include "launch/OSTStartup.h"
 #include "platform/OSTBundle.h"
-
-#include <mutex>
-
-using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
 const double OstrelVersionNumber = 1.0;
 const unsigned char OstrelVersionString[] = "@(#)PROGRAM:Ostrel  PROJECT:Ostrel-1\n";
 
-namespace {
-
-// Work that runs once per process before the first token is taken, where a framework would do
-// it when loaded.
-void prepareProcessOnce()
+void Ostrel::setMainBundlePath(const QString &path)
 {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        if (const QString problem = OSTBundle::mainBundle()->infoDictionaryError(); !problem.isEmpty())
-            OSTLogging::logError(u"The main bundle's Info.json could not be read: %1"_s, problem);
-    });
+    OSTBundle::setMainBundlePath(path);
 }
-
-} // namespace
 
 void Ostrel::start()
 {
@@ -35,7 +22,7 @@ void Ostrel::start()
 
 void Ostrel::startWithToken(const QString &token)
 {
-    prepareProcessOnce();
+    OSTStartup::prepareProcess();
     OSTServiceManager::sharedManager().startWithToken(token);
 }
 

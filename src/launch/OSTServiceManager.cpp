@@ -1,4 +1,4 @@
-#include "core/OSTServiceManager.h"
+#include "launch/OSTServiceManager.h"
 
 #include <ostrel/OSTConstants.h>
 

@@ -3,7 +3,7 @@
 
 #include <ostrel/Ostrel.h>
 
-#include "core/OSTServiceManager.h"
+#include "launch/OSTServiceManager.h"
 #include "core/OSTUserDefaultsManager.h"
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
