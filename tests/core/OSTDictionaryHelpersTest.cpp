@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <utility>
+
 using namespace ostrel;
 using namespace Qt::StringLiterals;
 
@@ -39,22 +42,14 @@ TEST(DictionaryHelpers, TypedReadsTreatWrongTypesAsAbsent)
 
 TEST(DictionaryHelpers, NumbersAcceptNumericStringsReadTheUnitedStatesWay)
 {
-    const QVariantMap values{{u"int"_s, 12}, {u"double"_s, 2.5}, {u"string"_s, u"12"_s},
-                             {u"grouped"_s, u"1,234.5"_s}, {u"european"_s, u"1.234,5"_s},
-                             {u"word"_s, u"abc"_s}, {u"yes"_s, true}, {u"no"_s, false},
-                             {u"list"_s, QVariantList{1}}, {u"empty"_s, u""_s}};
-
-    EXPECT_EQ(ost_numberForKey(values, u"int"_s), 12.0);
-    EXPECT_EQ(ost_numberForKey(values, u"double"_s), 2.5);
-    EXPECT_EQ(ost_numberForKey(values, u"string"_s), 12.0);
-    EXPECT_EQ(ost_numberForKey(values, u"grouped"_s), 1234.5);
-    EXPECT_FALSE(ost_numberForKey(values, u"european"_s));
-    EXPECT_FALSE(ost_numberForKey(values, u"word"_s));
-    EXPECT_FALSE(ost_numberForKey(values, u"empty"_s));
-    EXPECT_EQ(ost_numberForKey(values, u"yes"_s), 1.0);
-    EXPECT_EQ(ost_numberForKey(values, u"no"_s), 0.0);
-    EXPECT_FALSE(ost_numberForKey(values, u"list"_s));
-    EXPECT_FALSE(ost_numberForKey(values, u"missing"_s));
+    const std::pair<QVariant, std::optional<double>> cases[] = {
+        {12, 12.0},          {2.5, 2.5},          {u"12"_s, 12.0},  {u"1,234.5"_s, 1234.5}, {u"1.234,5"_s, std::nullopt},
+        {u"abc"_s, std::nullopt}, {u""_s, std::nullopt}, {true, 1.0}, {false, 0.0}, {QVariantList{1}, std::nullopt},
+        {QVariant(), std::nullopt},
+    };
+    for (const auto &[value, expected] : cases)
+        EXPECT_EQ(ost_numberForKey(QVariantMap{{u"k"_s, value}}, u"k"_s), expected) << value.toString().toStdString();
+    EXPECT_FALSE(ost_numberForKey(QVariantMap(), u"missing"_s));
 }
 
 TEST(DictionaryHelpers, MergeLaysReceiverOverOtherToAnyDepth)

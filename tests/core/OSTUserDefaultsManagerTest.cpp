@@ -43,7 +43,7 @@ const bool writerChildRegistered = test::OSTChildProcess::registerMode(u"write-t
 
 } // namespace
 
-TEST(UserDefaultsManager, ValuesAreWrittenThroughAndReadBackByANewManager)
+TEST(UserDefaultsManager, ValuesAreWrittenThroughAndReadBackByANewManagerAsTheirOwnTypesOrAsBooleans)
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(u"store.sqlite"_s);
@@ -61,6 +61,10 @@ TEST(UserDefaultsManager, ValuesAreWrittenThroughAndReadBackByANewManager)
         manager.setObject(QVariant(), u"removed"_s);
         manager.setObject(u"also gone"_s, u"removedToo"_s);
         manager.removeObjectForKey(u"removedToo"_s);
+        manager.setNumber(0, u"zero"_s);
+        manager.setObject(u"YES"_s, u"yesText"_s);
+        manager.setObject(u"no"_s, u"noText"_s);
+        manager.setObject(QVariantList{1}, u"list"_s);
     }
     OSTDefaultsStore store(path);
     OSTUserDefaultsManager manager(store, domain);
@@ -73,19 +77,7 @@ TEST(UserDefaultsManager, ValuesAreWrittenThroughAndReadBackByANewManager)
     EXPECT_FALSE(manager.objectForKey(u"removed"_s).isValid());
     EXPECT_FALSE(manager.objectForKey(u"removedToo"_s).isValid());
     EXPECT_FALSE(manager.boolForKey(u"absent"_s));
-}
-
-TEST(UserDefaultsManager, BoolReadingOfStoredValues)
-{
-    QTemporaryDir folder;
-    OSTDefaultsStore store(folder.filePath(u"store.sqlite"_s));
-    OSTUserDefaultsManager manager(store, domain);
-    manager.setNumber(2, u"two"_s);
-    manager.setNumber(0, u"zero"_s);
-    manager.setObject(u"YES"_s, u"yesText"_s);
-    manager.setObject(u"no"_s, u"noText"_s);
-    manager.setObject(QVariantList{1}, u"list"_s);
-    EXPECT_TRUE(manager.boolForKey(u"two"_s));
+    EXPECT_TRUE(manager.boolForKey(u"session_delay_start"_s));
     EXPECT_FALSE(manager.boolForKey(u"zero"_s));
     EXPECT_TRUE(manager.boolForKey(u"yesText"_s));
     EXPECT_FALSE(manager.boolForKey(u"noText"_s));

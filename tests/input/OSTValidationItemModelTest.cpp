@@ -62,35 +62,6 @@ TEST(ValidationItemModel, SetValidTellsTheInputOfChangesAndDropsResultMessagesOn
     EXPECT_EQ(item->errorMessage(), u"Own."_s);
 }
 
-TEST(ValidationItemModel, AsksTheBoundInputForItsValueAndWhetherItsErrorMayShow)
-{
-    auto item = std::make_shared<OSTValidationItemModel>(u"name"_s, QVariantMap());
-    EXPECT_FALSE(item->shouldShowErrorMessage()) << "no input, nothing to show";
-    item->valueChanged();
-    EXPECT_TRUE(item->value().isNull());
-
-    FakeTextInput input;
-    item->setItem(&input);
-    input.setModel(item);
-    EXPECT_EQ(item->item(), &input);
-    EXPECT_EQ(input.model(), item);
-
-    input.type(u"Ada"_s);
-    EXPECT_TRUE(item->isValid());
-    EXPECT_EQ(item->value(), QVariant(u"Ada"_s));
-
-    input.showsErrorMessage = true;
-    EXPECT_TRUE(item->shouldShowErrorMessage());
-
-    input.type(QString());
-    EXPECT_FALSE(item->isValid());
-    EXPECT_TRUE(item->value().isNull()) << "an emptied input has no value";
-
-    item->setItem(nullptr);
-    EXPECT_EQ(item->item(), nullptr);
-    EXPECT_FALSE(item->shouldShowErrorMessage());
-}
-
 TEST(ValidationItemModel, ModelsInputsAndViewsOutliveEachOtherSafely)
 {
     auto item = std::make_shared<OSTValidationItemModel>(u"email"_s, QVariantMap());

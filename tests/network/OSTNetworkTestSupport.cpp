@@ -52,10 +52,7 @@ OSTRequestManager::Completion RequestOutcome::completion()
 {
     return [this](const std::optional<QVariantMap> &receivedResponse, const std::optional<OSTError> &receivedError) {
         response = receivedResponse;
-        error = receivedError;
-        thread = QThread::currentThread();
-        threadName = QThread::currentThread()->objectName();
-        done = true;
+        record(receivedError);
     };
 }
 
@@ -63,11 +60,16 @@ OSTRequestManager::StringCompletion RequestOutcome::stringCompletion()
 {
     return [this](const std::optional<QString> &receivedText, const std::optional<OSTError> &receivedError) {
         text = receivedText;
-        error = receivedError;
-        thread = QThread::currentThread();
-        threadName = QThread::currentThread()->objectName();
-        done = true;
+        record(receivedError);
     };
+}
+
+void RequestOutcome::record(const std::optional<OSTError> &receivedError)
+{
+    error = receivedError;
+    thread = QThread::currentThread();
+    threadName = QThread::currentThread()->objectName();
+    done = true;
 }
 
 bool RequestOutcome::wait()

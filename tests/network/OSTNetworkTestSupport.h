@@ -41,6 +41,10 @@ struct RequestOutcome {
     // Runs the main loop until the completion ran (real-time safety net).
     bool wait();
     int errorCode() const { return error ? error->code : 0; }
+
+private:
+    // What every completion records besides its answer; `done` last, as the waiter's signal.
+    void record(const std::optional<OSTError> &receivedError);
 };
 
 // A loopback port that nothing listens on.

@@ -82,18 +82,6 @@ TEST(DefaultsStore, UndecodableRowsAreSkippedAndReported)
     EXPECT_TRUE(store.takeProblems().isEmpty());
 }
 
-TEST(DefaultsStore, AFileThatIsNotADatabaseIsMovedAside)
-{
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"store.sqlite"_s);
-    test::writeFile(path, "SQLite format 3\0 but then garbage follows, lots of it ........................................");
-    OSTDefaultsStore store(path);
-    EXPECT_TRUE(store.isOpen());
-    EXPECT_EQ(store.takeProblems().size(), 1);
-    EXPECT_TRUE(store.setValue(u"d"_s, u"k"_s, 1));
-    EXPECT_EQ(QDir(folder.path()).entryList({u"store.sqlite.corrupt-*"_s}).size(), 1);
-}
-
 TEST(DefaultsStore, AStoreThatCannotBeCreatedFailsEveryWrite)
 {
     QTemporaryDir folder;

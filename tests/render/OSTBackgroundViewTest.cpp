@@ -179,28 +179,6 @@ TEST(BackgroundView, EdgesAreSharpAtDevicePixelRatioTwo)
     EXPECT_EQ(image.pixelColor(40, 3), white);
 }
 
-TEST(BackgroundView, GradientStopsUseIntegerDivisionAndRgbaColours)
-{
-    const auto locations = [](qsizetype count) {
-        QList<qreal> result;
-        for (const auto &stop : OSTBackgroundView::gradientStops(QList<QColor>(count, Qt::red)))
-            result.append(stop.first);
-        return result;
-    };
-    EXPECT_EQ(locations(0), QList<qreal>());
-    EXPECT_EQ(locations(1), QList<qreal>({0}));
-    EXPECT_EQ(locations(2), QList<qreal>({0, 1}));
-    EXPECT_EQ(locations(3), QList<qreal>({0, 0, 1}));
-    EXPECT_EQ(locations(5), QList<qreal>({0, 0, 0, 0, 1}));
-
-    const QGradientStops stops = OSTBackgroundView::gradientStops(
-        {QColor::fromHsv(240, 255, 255), QColor(), QColor(Qt::transparent)});
-    for (const auto &stop : stops)
-        EXPECT_EQ(stop.second.spec(), QColor::Rgb);
-    EXPECT_EQ(stops.at(0).second, QColor(0, 0, 255));
-    EXPECT_EQ(stops.at(1).second.alpha(), 0) << "an invalid colour is a clear stop";
-}
-
 TEST(BackgroundView, CornerRadiusFollowsTheSizeForCircles)
 {
     OSTBackgroundView circle(QRect(0, 0, 40, 40), jsonObject(R"({"cornerRadius": "circle"})"));

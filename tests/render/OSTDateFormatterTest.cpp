@@ -24,7 +24,6 @@ TEST(DateFormatter, TimestampIsUtcWithSixFractionDigits)
     QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
     useDeviceTimeZone("America/New_York");
     const OSTDateFormatter &formatter = ost_timestampFormatter();
-    EXPECT_EQ(&formatter, &ost_timestampFormatter()) << "one shared formatter";
 
     const QDateTime utc(QDate(2024, 2, 29), QTime(23, 4, 5, 67), Qt::UTC);
     EXPECT_EQ(formatter.stringFromDate(utc), u"2024-02-29 23:04:05.067000"_s)
@@ -48,7 +47,6 @@ TEST(DateFormatter, DayAndMonthFormattersUseTheDeviceTimeZone)
 
     EXPECT_EQ(ost_mdyDateFormatter().stringFromDate(lateEvening), u"02/29/2024"_s);
     EXPECT_EQ(ost_dmyDateFormatter().stringFromDate(lateEvening), u"29/02/2024"_s);
-    EXPECT_EQ(&ost_mdyDateFormatter(), &ost_mdyDateFormatter());
 
     const QDateTime read = ost_mdyDateFormatter().dateFromString(u"12/31/1999"_s);
     EXPECT_EQ(read, QDateTime(QDate(1999, 12, 31), QTime(0, 0), Qt::LocalTime));

