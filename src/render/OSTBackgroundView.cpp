@@ -3,7 +3,9 @@
 #include "core/OSTDictionaryHelpers.h"
 #include "render/OSTColorHelpers.h"
 #include "render/OSTPropertyValues.h"
+#include "render/OSTRoundedClipEffect.h"
 
+#include <QChildEvent>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
@@ -67,6 +69,7 @@ void OSTBackgroundView::customizeWithProperties(const QVariantMap &properties)
     readBorder(properties);
     readCorners(properties);
     readFill(properties);
+    updateChildClipping();
     update();
 }
 
@@ -150,8 +153,31 @@ void OSTBackgroundView::paintEvent(QPaintEvent *)
         paintGradient(painter, shape);
     else if (!ost_isClear(m_fillColor))
         painter.fillPath(shape, m_fillColor);
-    if (m_borderWidth > 0)
+    // With children, the border is drawn above them by the clip effect.
+    if (!clipsChildren())
         paintBorder(painter);
+}
+
+bool OSTBackgroundView::clipsChildren() const
+{
+    return qobject_cast<OSTRoundedClipEffect *>(graphicsEffect()) != nullptr;
+}
+
+void OSTBackgroundView::childEvent(QChildEvent *event)
+{
+    QWidget::childEvent(event);
+    if (event->added() || event->removed())
+        updateChildClipping();
+}
+
+void OSTBackgroundView::updateChildClipping()
+{
+    const bool hasChildren = !findChildren<QWidget *>(Qt::FindDirectChildrenOnly).isEmpty();
+    const bool rounded = m_cornerStyle == CornerStyle::Circle || m_cornerRadius > 0;
+    const bool needsClipping = hasChildren && (m_borderWidth > 0 || rounded);
+    if (needsClipping == clipsChildren())
+        return;
+    setGraphicsEffect(needsClipping ? new OSTRoundedClipEffect(this) : nullptr);
 }
 
 void OSTBackgroundView::paintGradient(QPainter &painter, const QPainterPath &shape) const
@@ -188,6 +214,8 @@ void OSTBackgroundView::paintGradient(QPainter &painter, const QPainterPath &sha
 
 void OSTBackgroundView::paintBorder(QPainter &painter) const
 {
+    if (m_borderWidth <= 0)
+        return;
     // The border lies inside the box along its rounded outline; a border wider than half the
     // box fills it.
     const QRectF bounds(rect());

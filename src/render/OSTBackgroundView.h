@@ -25,8 +25,8 @@ namespace ostrel {
 //                        a circle, a wide box a capsule)
 //
 // Every element view carries one as its container, filling it; the views of a group's members
-// are its children. Children are clipped to the box's rectangle, not to its rounded corners, and
-// they paint over the border.
+// are its children. Children are clipped to the box's rounded outline and the border is drawn
+// above them (through OSTRoundedClipEffect, set only while there are children to clip).
 //
 // Lives on the GUI thread and is owned by its parent widget.
 class OSTBackgroundView final : public QWidget {
@@ -49,8 +49,14 @@ public:
     // show; a single colour is one stop at 0.
     static QGradientStops gradientStops(const QList<QColor> &colors);
 
+    // The box's rounded outline in its own coordinates.
+    QPainterPath outline() const;
+    // Draws the border (when there is one) along the outline.
+    void paintBorder(QPainter &painter) const;
+
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void childEvent(QChildEvent *event) override;
 
 private:
     enum class CornerStyle { Radius, Circle };
@@ -66,9 +72,9 @@ private:
     void readCorners(const QVariantMap &properties);
     void readFill(const QVariantMap &properties);
 
-    QPainterPath outline() const;
     void paintGradient(QPainter &painter, const QPainterPath &outline) const;
-    void paintBorder(QPainter &painter) const;
+    bool clipsChildren() const;
+    void updateChildClipping();
 
     QColor m_fillColor;
     std::optional<Gradient> m_gradient;

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "input/OSTValidationItem.h"
+#include "render/OSTView.h"
+
+namespace ostrel {
+
+class OSTSwitchControl;
+
+// The "toggleSwitch" button element: an on/off switch that takes part in validation like a
+// toggle button. It reads the box keys of OSTView and
+//
+//   "defaultState"    "pressed" starts it on; anything else off
+//   "onTintColor"     track colour when on
+//   "tintColor"       outline colour
+//   "thumbTintColor"  thumb colour
+//   "accessibilityLabel"  the name accessibility reads; the element key otherwise
+//
+// The element shrinks to the switch's natural size around the centre the layout gave it.
+// A required switch is valid while on; an optional one always.
+//
+// Lives on the GUI thread; owned by its parent widget.
+class OSTSwitch final : public OSTView, public OSTValidationItem {
+    Q_OBJECT
+
+public:
+    OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name,
+              QWidget *parent = nullptr);
+
+    void customizeWithProperties(const QVariantMap &properties) override;
+
+    OSTSwitchControl *internalSwitch() const { return m_internalSwitch; }
+    bool isOn() const;
+
+    // A boolean of the on state.
+    QVariant value() const override;
+    // Sets the on state without animation; the model is deliberately not told.
+    void setValue(const QVariant &value) override;
+    bool shouldShowErrorMessage() const override { return true; }
+
+signals:
+    // The user turned the switch (touch or keyboard), after the model was updated.
+    void tapped();
+
+protected:
+    void modelDidChange() override;
+
+private:
+    void userChangedValue();
+    void updateModelValidity();
+
+    OSTSwitchControl *const m_internalSwitch; // child of the container
+};
+
+} // namespace ostrel

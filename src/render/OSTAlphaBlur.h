@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+
+namespace ostrel {
+
+// Soft shadows: a Gaussian blur of a coverage mask, and the mask turned into colour. Used by the
+// drop shadow of element boxes and by text shadows.
+class OSTAlphaBlur {
+public:
+    OSTAlphaBlur() = delete;
+
+    // Blurs `alphaMask` (Format_Alpha8) in place as a Gaussian of standard deviation `sigma`
+    // pixels, approximated by three box blurs. Coverage beyond the edges counts as none.
+    static void blur(QImage &alphaMask, qreal sigma);
+
+    // How far, in pixels, the blur of standard deviation `sigma` spreads coverage.
+    static int reach(qreal sigma);
+
+    // An ARGB32 premultiplied image of `color` whose opacity is the mask's coverage.
+    static QImage colorized(const QImage &alphaMask, const QColor &color);
+};
+
+} // namespace ostrel

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "render/OSTView.h"
+
+namespace ostrel {
+
+class OSTTextLabel;
+
+// The "labels" element: multi-line styled text in an element box. Besides the box keys of
+// OSTView it reads the text attributes of OSTTextAttributes, "text", and "minimumScaleFactor"
+// (a numeric string: how far the font may shrink when the text does not fit). Taps pass through
+// to what lies below. Accessibility reads it as static text named by its text.
+//
+// Lives on the GUI thread; owned by its parent widget.
+class OSTLabel : public OSTView {
+    Q_OBJECT
+
+public:
+    OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
+
+    void customizeWithProperties(const QVariantMap &properties) override;
+
+    QString text() const;
+    // A null or empty string clears the text.
+    void setText(const QString &text);
+    Qt::Alignment textAlignment() const;
+
+    OSTTextLabel *internalLabel() const { return m_internalLabel; }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    OSTTextLabel *const m_internalLabel; // child of the container
+};
+
+} // namespace ostrel

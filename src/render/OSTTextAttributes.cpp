@@ -1,0 +1,119 @@
+#include "render/OSTTextAttributes.h"
+
+#include "core/OSTDictionaryHelpers.h"
+#include "render/OSTAlphaBlur.h"
+#include "render/OSTColorHelpers.h"
+#include "render/OSTFontResolver.h"
+#include "render/OSTPropertyValues.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QPainter>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+OSTTextAttributes::OSTTextAttributes(const QVariantMap &properties)
+    : m_font(OSTFontResolver::fontWithProperties(properties)),
+      m_shadow(ost_shadowWithProperties(properties)),
+      m_underlined(ost_stringForKey(properties, u"style"_s) == u"underlined"_s),
+      m_alignment(NSTextAlignmentFromString(ost_stringForKey(properties, u"alignment"_s)))
+{
+    if (const auto color = ost_stringForKey(properties, u"textColor"_s))
+        m_textColor = ost_colorWithHexString(*color);
+    if (const auto spacing = ost_stringNumberForKey(properties, u"lineSpacing"_s); spacing && *spacing > 0)
+        m_lineSpacing = std::min<qreal>(*spacing, 1000);
+}
+
+Qt::Alignment OSTTextAttributes::horizontalAlignment() const
+{
+    switch (m_alignment) {
+    case NSTextAlignmentLeft:
+        return Qt::AlignLeft;
+    case NSTextAlignmentRight:
+        return Qt::AlignRight;
+    case NSTextAlignmentJustified:
+        return Qt::AlignJustify;
+    case NSTextAlignmentNatural:
+        return Qt::AlignLeading;
+    case NSTextAlignmentCenter:
+        break;
+    }
+    return Qt::AlignHCenter;
+}
+
+std::unique_ptr<QTextDocument> OSTTextAttributes::layOut(const QString &text, qreal width,
+                                                        const QFont &fallbackFont, qreal scale) const
+{
+    auto document = std::make_unique<QTextDocument>();
+    document->setDocumentMargin(0);
+    document->setUndoRedoEnabled(false);
+    QFont font = m_font.value_or(fallbackFont);
+    if (scale != 1 && font.pixelSize() > 0)
+        font.setPixelSize(std::max(1, int(std::lround(font.pixelSize() * scale))));
+    document->setDefaultFont(font);
+    document->setTextWidth(std::max<qreal>(width, 0));
+
+    QTextCursor cursor(document.get());
+    QTextBlockFormat block;
+    block.setAlignment(horizontalAlignment());
+    if (m_lineSpacing)
+        block.setLineHeight(*m_lineSpacing, QTextBlockFormat::LineDistanceHeight);
+    cursor.setBlockFormat(block);
+    QTextCharFormat characters;
+    characters.setForeground(m_textColor);
+    characters.setFontUnderline(m_underlined);
+    cursor.insertText(text, characters);
+    // Every paragraph of a multi-line text shares the first one's alignment and spacing.
+    for (QTextBlock each = document->begin(); each.isValid(); each = each.next())
+        QTextCursor(each).setBlockFormat(block);
+    return document;
+}
+
+void OSTTextAttributes::paint(QPainter &painter, QTextDocument &document, const QRectF &box) const
+{
+    const qreal height = document.size().height();
+    const QPointF origin(box.left(), box.top() + std::max<qreal>(0, (box.height() - height) / 2));
+    painter.save();
+    painter.setClipRect(box, Qt::IntersectClip);
+    if (m_shadow)
+        paintShadow(painter, document, origin);
+    painter.translate(origin);
+    document.drawContents(&painter);
+    painter.restore();
+}
+
+void OSTTextAttributes::paintShadow(QPainter &painter, QTextDocument &document,
+                                    const QPointF &origin) const
+{
+    // The text drawn as coverage only, blurred, then coloured: the same soft shadow as an
+    // element's drop shadow.
+    const qreal ratio = painter.device() ? painter.device()->devicePixelRatioF() : 1;
+    const qreal sigma = m_shadow->blurRadius / 2 * ratio;
+    const int margin = OSTAlphaBlur::reach(sigma) + 1;
+    const QSizeF size = document.size();
+    const QSize pixels(int(std::ceil(size.width() * ratio)) + 2 * margin,
+                       int(std::ceil(size.height() * ratio)) + 2 * margin);
+    if (pixels.width() <= 0 || pixels.height() <= 0 || qint64(pixels.width()) * pixels.height() > 64'000'000)
+        return;
+    QImage coverage(pixels, QImage::Format_ARGB32_Premultiplied);
+    coverage.fill(Qt::transparent);
+    {
+        QPainter textPainter(&coverage);
+        textPainter.translate(margin, margin);
+        textPainter.scale(ratio, ratio);
+        document.drawContents(&textPainter);
+    }
+    QImage mask = coverage.convertToFormat(QImage::Format_Alpha8);
+    OSTAlphaBlur::blur(mask, sigma);
+    QImage shadow = OSTAlphaBlur::colorized(mask, m_shadow->color);
+    shadow.setDevicePixelRatio(ratio);
+    painter.drawImage(origin + m_shadow->offset - QPointF(margin / ratio, margin / ratio), shadow);
+}
+
+} // namespace ostrel
