@@ -2,6 +2,8 @@
 
 #include <QJsonDocument>
 
+#include <vector>
+
 #include <gtest/gtest.h>
 
 using namespace ostrel;
@@ -37,24 +39,31 @@ TEST(DictionaryHelpers, TypedReadsTreatWrongTypesAsAbsent)
     EXPECT_FALSE(ost_objectForKey<QVariantList>(values, u"s"_s));
 }
 
-TEST(DictionaryHelpers, NumbersAcceptNumericStringsReadTheUnitedStatesWay)
+TEST(DictionaryHelpers, NumbersKeepTheirTypeAndAcceptNumericStringsReadTheUnitedStatesWay)
 {
+    constexpr qlonglong beyondDoublePrecision = 9007199254740993LL; // 2^53 + 1
     const QVariantMap values{{u"int"_s, 12}, {u"double"_s, 2.5}, {u"string"_s, u"12"_s},
                              {u"grouped"_s, u"1,234.5"_s}, {u"european"_s, u"1.234,5"_s},
                              {u"word"_s, u"abc"_s}, {u"yes"_s, true}, {u"no"_s, false},
-                             {u"list"_s, QVariantList{1}}, {u"empty"_s, u""_s}};
+                             {u"list"_s, QVariantList{1}}, {u"empty"_s, u""_s},
+                             {u"big"_s, beyondDoublePrecision}, {u"bigText"_s, u"9007199254740993"_s}};
 
-    EXPECT_EQ(ost_numberForKey(values, u"int"_s), 12.0);
-    EXPECT_EQ(ost_numberForKey(values, u"double"_s), 2.5);
-    EXPECT_EQ(ost_numberForKey(values, u"string"_s), 12.0);
-    EXPECT_EQ(ost_numberForKey(values, u"grouped"_s), 1234.5);
-    EXPECT_FALSE(ost_numberForKey(values, u"european"_s));
-    EXPECT_FALSE(ost_numberForKey(values, u"word"_s));
-    EXPECT_FALSE(ost_numberForKey(values, u"empty"_s));
-    EXPECT_EQ(ost_numberForKey(values, u"yes"_s), 1.0);
-    EXPECT_EQ(ost_numberForKey(values, u"no"_s), 0.0);
-    EXPECT_FALSE(ost_numberForKey(values, u"list"_s));
-    EXPECT_FALSE(ost_numberForKey(values, u"missing"_s));
+    const std::vector<std::pair<QString, QVariant>> expected{
+        {u"int"_s, 12}, {u"double"_s, 2.5}, {u"string"_s, 12LL}, {u"grouped"_s, 1234.5},
+        {u"yes"_s, true}, {u"no"_s, false}, {u"big"_s, beyondDoublePrecision},
+        {u"bigText"_s, beyondDoublePrecision}};
+    for (const auto &[key, number] : expected) {
+        const QVariant read = ost_numberForKey(values, key);
+        EXPECT_EQ(read, number) << key.toStdString();
+        EXPECT_EQ(read.metaType(), number.metaType()) << key.toStdString() << ": the value keeps its own type";
+    }
+    for (const QString &absent : {u"european"_s, u"word"_s, u"empty"_s, u"list"_s, u"missing"_s})
+        EXPECT_FALSE(ost_numberForKey(values, absent).isValid()) << absent.toStdString();
+
+    EXPECT_EQ(ost_numberForKey(values, u"big"_s).toLongLong() - 1, 9007199254740992LL) << "no digit lost";
+    EXPECT_EQ(ost_finiteDouble(ost_numberFromString(u"inf"_s)), std::nullopt);
+    EXPECT_EQ(ost_finiteDouble(ost_numberFromString(u"nan"_s)), std::nullopt);
+    EXPECT_EQ(ost_finiteDouble(QVariant(u"3"_s)), std::nullopt) << "a string is not a number";
 }
 
 TEST(DictionaryHelpers, MergeLaysReceiverOverOtherToAnyDepth)

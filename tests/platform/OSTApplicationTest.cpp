@@ -50,7 +50,7 @@ using Names = std::vector<QString>;
 
 TEST(Application, ExplicitStepsPostEveryTransitionOnTheWay)
 {
-    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual);
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
     OSTApplication &application = OSTApplication::sharedApplication();
     LifecycleRecorder recorder;
 
