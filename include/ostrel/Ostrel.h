@@ -3,6 +3,7 @@
 #include <ostrel/OSTExport.h>
 
 #include <ostrel/OSTConstants.h>
+#include <ostrel/OSTLifecycle.h>
 #include <ostrel/OSTLoggingLevel.h>
 
 #include <QString>
@@ -22,11 +23,26 @@ public:
     static void setMainBundlePath(const QString &path);
 
     // Starts the SDK with the token in the main bundle's Info.json ("OstrelToken"). Call once,
-    // before QApplication::exec(): the launch request is sent when the application has finished
-    // launching (the first turn of its event loop).
+    // before QCoreApplication::exec() (before the application object exists is fine too): the
+    // launch request is sent when the application has finished launching, the first turn of its
+    // event loop. Started later, the SDK launches at once. One launch is sent per process,
+    // however often this is called.
     static void start();
-    // Starts the SDK with `token`; an empty token falls back to the Info.json key.
+    // Starts the SDK with `token`; an empty token falls back to the Info.json key. Another token
+    // later replaces the token but sends no second launch.
     static void startWithToken(const QString &token);
+
+    // Chooses who reports the application's life cycle (see OSTLifecycleSource). Call before
+    // start(); the default is OSTLifecycleSource::Automatic.
+    static void setLifecycleSource(OSTLifecycleSource source);
+    // With OSTLifecycleSource::Host: the application has finished launching, opened with
+    // `options`. Only the first call counts.
+    static void applicationDidFinishLaunching(const OSTLaunchOptions &options = {});
+    // With OSTLifecycleSource::Host: the application is now in `state`; the steps in between
+    // (for example entering the foreground on the way from the background to active) are implied.
+    static void applicationDidChangeState(OSTApplicationState state);
+    // With OSTLifecycleSource::Host: the application is about to quit.
+    static void applicationWillTerminate();
     // Runs `block` once the SDK's launch has finished (at once if it already has), with whether
     // the SDK is started; false after the service refused the token.
     static void executeAfterLaunch(std::function<void(bool success)> block);

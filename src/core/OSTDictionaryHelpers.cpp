@@ -2,6 +2,8 @@
 
 #include <QLocale>
 
+#include <cmath>
+
 namespace ostrel {
 
 namespace {
@@ -49,25 +51,34 @@ bool ost_isNumber(const QVariant &value)
     }
 }
 
-std::optional<double> ost_numberFromString(const QString &text)
+QVariant ost_numberFromString(const QString &text)
 {
+    const QString trimmed = text.trimmed();
     bool ok = false;
-    const double number = unitedStatesLocale().toDouble(text.trimmed(), &ok);
-    if (!ok)
-        return std::nullopt;
-    return number;
+    const qlonglong integer = unitedStatesLocale().toLongLong(trimmed, &ok);
+    if (ok)
+        return integer;
+    const double number = unitedStatesLocale().toDouble(trimmed, &ok);
+    return ok ? QVariant(number) : QVariant();
 }
 
-std::optional<double> ost_numberForKey(const QVariantMap &dictionary, const QString &key)
+std::optional<double> ost_finiteDouble(const QVariant &number)
+{
+    if (!ost_isNumber(number) || !std::isfinite(number.toDouble()))
+        return std::nullopt;
+    return number.toDouble();
+}
+
+QVariant ost_numberForKey(const QVariantMap &dictionary, const QString &key)
 {
     const auto found = dictionary.constFind(key);
     if (found == dictionary.constEnd())
-        return std::nullopt;
+        return {};
     if (ost_isNumber(*found))
-        return found->toDouble();
+        return *found;
     if (found->typeId() == QMetaType::QString)
         return ost_numberFromString(found->toString());
-    return std::nullopt;
+    return {};
 }
 
 QVariantMap ost_mergeIntoDictionary(const QVariantMap &receiver, const QVariantMap &other)

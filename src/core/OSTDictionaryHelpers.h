@@ -26,12 +26,18 @@ std::optional<QVariantMap> ost_dictionaryForKey(const QVariantMap &dictionary, c
 std::optional<QVariantList> ost_arrayForKey(const QVariantMap &dictionary, const QString &key);
 // Strings only: a number is not turned into a string.
 std::optional<QString> ost_stringForKey(const QVariantMap &dictionary, const QString &key);
-// A number (booleans count as 1 and 0), or a string that the "en_US" decimal reading accepts
-// ("1,234.5" is 1234.5; "1.234,5" is absent).
-std::optional<double> ost_numberForKey(const QVariantMap &dictionary, const QString &key);
+// A number in its own type (an integer as qlonglong, a double, a bool), or a string that the
+// "en_US" decimal reading accepts ("1,234.5" is 1234.5; "12" is the integer 12; "1.234,5" is
+// absent). Absent is a null QVariant.
+QVariant ost_numberForKey(const QVariantMap &dictionary, const QString &key);
 
-// The "en_US" decimal reading of ost_numberForKey on its own.
-std::optional<double> ost_numberFromString(const QString &text);
+// The "en_US" decimal reading of ost_numberForKey on its own: an integer when the text is one
+// and fits 64 bits, else a double; null when it does not parse.
+QVariant ost_numberFromString(const QString &text);
+// The value of a number as a double when it is finite; nothing for NaN, infinity or a value
+// that is not a number (for readers that compute with it).
+std::optional<double> ost_finiteDouble(const QVariant &number);
+
 // Whether the value is a number (integer, floating point or boolean).
 bool ost_isNumber(const QVariant &value);
 

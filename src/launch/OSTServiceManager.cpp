@@ -15,6 +15,7 @@
 #include "platform/OSTClock.h"
 #include "platform/OSTMainQueue.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -50,6 +51,12 @@ OSTServiceManager &OSTServiceManager::sharedManager()
     return *manager;
 }
 
+OSTServiceManager::OSTServiceManager() : m_timerContext(std::make_unique<QObject>())
+{
+    if (const QCoreApplication *application = QCoreApplication::instance())
+        m_timerContext->moveToThread(application->thread());
+}
+
 // --- Start-up ---------------------------------------------------------------------------------
 
 void OSTServiceManager::startWithToken(const QString &token)
@@ -60,14 +67,31 @@ void OSTServiceManager::startWithToken(const QString &token)
                              u"as a parameter!"_s);
         return;
     }
-    if (chosen == m_token) {
-        OSTLogging::logWarning(u"The SDK is already initialized."_s);
-        return;
+    {
+        QMutexLocker locker(&m_tokenMutex);
+        if (chosen == m_token) {
+            locker.unlock();
+            OSTLogging::logWarning(u"The SDK is already initialized."_s);
+            return;
+        }
+        m_token = chosen;
     }
-    m_token = chosen;
     OSTLogging::logInfo(u"The SDK is initialized. Current version is: %1"_s, version());
-    // A second start with another token registers the observers a second time, as it always has.
-    observeLifecycle();
+    // Another token later only replaces the token: observing twice would launch twice.
+    if (!std::exchange(m_observingLifecycle, true))
+        observeLifecycle();
+}
+
+std::optional<QString> OSTServiceManager::token() const
+{
+    QMutexLocker locker(&m_tokenMutex);
+    return m_token;
+}
+
+bool OSTServiceManager::isInitialized() const
+{
+    QMutexLocker locker(&m_tokenMutex);
+    return m_token.has_value();
 }
 
 std::optional<QString> OSTServiceManager::getTokenFromInfoPlist()
@@ -97,10 +121,11 @@ void OSTServiceManager::observeLifecycle()
                        [this](const OSTNotification &) { didBecomeActive(); });
     // Creating the application object is what makes Qt's life cycle reach the observers. A host
     // that starts the SDK after launching has finished still gets its launch.
-    if (OSTApplication::sharedApplication().hasFinishedLaunching()) {
+    const OSTApplication &application = OSTApplication::sharedApplication();
+    if (application.hasFinishedLaunching()) {
         OSTLogging::logInfo(u"The SDK was started after the application finished launching; launching now."_s);
         center.removeObserver(std::exchange(m_didFinishLaunchingObserver, 0));
-        launch();
+        launchUnlessALinkWill(application.launchOptions());
     }
 }
 
@@ -108,6 +133,10 @@ void OSTServiceManager::observeLifecycle()
 
 void OSTServiceManager::launch()
 {
+    if (std::exchange(m_firstLaunchSent, true)) {
+        OSTLogging::logDebug(u"The launch of this process was already sent."_s);
+        return;
+    }
     QString launchType = u"install"_s;
     if (launchedLifetime()) {
         const bool loggedIn = m_sources.isLoggedIn && m_sources.isLoggedIn();
@@ -118,9 +147,14 @@ void OSTServiceManager::launch()
 
 void OSTServiceManager::launchWithType(const QString &launchType, Delivery delivery)
 {
-    OSTEventHook::sendEvent(OSTInternalEvent::sessionStartedEvent(
-        sessionDifference(), OSTInternalEvent::SessionKind::Launch));
-    clearSessionDelayStart();
+    // Retrying a failed launch repeats its request, not its session: only the first resend
+    // reports a session start, as the single resend on reachability always did.
+    const bool reportsSession = delivery == Delivery::FirstSend || !std::exchange(m_resendReportedSession, true);
+    if (reportsSession) {
+        OSTEventHook::sendEvent(OSTInternalEvent::sessionStartedEvent(
+            sessionDifference(), OSTInternalEvent::SessionKind::Launch));
+        clearSessionDelayStart();
+    }
 
     const QVariantMap parameters = launchParameters(launchType, delivery);
     OSTLogging::logInfo(u"Sending launch request."_s);
@@ -145,7 +179,7 @@ QVariantMap OSTServiceManager::launchParameters(const QString &launchType, Deliv
     // Until the device fingerprint is connected the service still needs the token to know us.
     const QVariantMap fingerprint = m_sources.deviceFingerprint
         ? m_sources.deviceFingerprint()
-        : QVariantMap{{u"token"_s, m_token.value_or(QString())}};
+        : QVariantMap{{u"token"_s, token().value_or(QString())}};
     parameters.insert(fingerprint);
     if (m_sources.facebookAppID) {
         if (const auto facebookAppID = m_sources.facebookAppID())
@@ -153,7 +187,7 @@ QVariantMap OSTServiceManager::launchParameters(const QString &launchType, Deliv
     }
     parameters.insert(u"user_id"_s, m_sources.currentUserID ? m_sources.currentUserID() : QString());
     parameters.insert(u"cached_versions"_s,
-                      m_sources.cachedVersions ? m_sources.cachedVersions() : QVariant(QVariantMap()));
+                      m_sources.cachedVersions ? m_sources.cachedVersions() : QVariantList());
     parameters.insert(u"logged_in_lifetime"_s, m_sources.isLoggedInLifetime && m_sources.isLoggedInLifetime());
     parameters.insert(u"ost_resend"_s, delivery == Delivery::Resend);
     parameters.insert(u"requires_login"_s, m_sources.requiresLogin && m_sources.requiresLogin());
@@ -165,20 +199,22 @@ void OSTServiceManager::launchDidComplete(const QString &launchType, double star
 {
     const double elapsed = OSTClock::current().monotonicNow() - startTime;
     if (error && shouldResendLaunchAfterError(*error))
-        observeReachabilityForResend(launchType);
+        scheduleResend(launchType);
+    else if (!m_resendLaunchType)
+        forgetResendAttempts();
     OSTEventHook::sendEvent(OSTStatisticalEvent::launchEvent(elapsed, timingTypeFor(error)));
 
     if (error && error->is(NSURLErrorDomain, 401)) {
         invalidateLaunch();
         return;
     }
-    distributeLaunchResponse(error ? LaunchResponse() : response);
+    handOutLaunchResponse(error ? LaunchResponse() : response);
     // A launch that failed for lack of network still releases the waiting work: the experience
     // then comes from the cache or the local default.
     finishLaunch(true);
 }
 
-void OSTServiceManager::distributeLaunchResponse(const LaunchResponse &response)
+void OSTServiceManager::handOutLaunchResponse(const LaunchResponse &response)
 {
     processLaunchResponse(response);
     for (const auto &receiver : m_responseReceivers) {
@@ -191,8 +227,9 @@ void OSTServiceManager::processLaunchResponse(const LaunchResponse &response)
 {
     if (!response)
         return;
-    m_launchDelay = ost_numberForKey(*response, u"session_delay_cap"_s).value_or(defaultLaunchDelay);
-    m_sessionDelay = ost_numberForKey(*response, u"session_delay"_s).value_or(defaultSessionDelay);
+    // "nan" or "inf" from the service would make every comparison with the delays false.
+    m_launchDelay = ost_finiteDouble(ost_numberForKey(*response, u"session_delay_cap"_s)).value_or(defaultLaunchDelay);
+    m_sessionDelay = ost_finiteDouble(ost_numberForKey(*response, u"session_delay"_s)).value_or(defaultSessionDelay);
 }
 
 void OSTServiceManager::sessionLaunch()
@@ -216,7 +253,10 @@ void OSTServiceManager::invalidateLaunch()
     if (launched())
         return;
     OSTLogging::logError(u"Invalid token. Aborting launch sequence."_s);
-    m_token.reset();
+    {
+        QMutexLocker locker(&m_tokenMutex);
+        m_token.reset();
+    }
     finishLaunch(false);
 }
 
@@ -279,21 +319,62 @@ void OSTServiceManager::connectLaunchResponseReceiver(LaunchResponseReceiver rec
     m_responseReceivers.at(static_cast<size_t>(receiver)) = std::move(handler);
 }
 
-// --- Resend on reachability --------------------------------------------------------------------
+// --- Resend --------------------------------------------------------------------------------------
 
-void OSTServiceManager::observeReachabilityForResend(const QString &launchType)
+void OSTServiceManager::scheduleResend(const QString &launchType)
 {
     m_resendLaunchType = launchType;
-    if (m_reachabilityObserver)
+    if (!m_reachabilityObserver) {
+        m_reachabilityObserver = OSTNotificationCenter::defaultCenter().addObserver(
+            OSTReachabilityDidChangeNotification, [this](const OSTNotification &) { reachabilityDidChange(); });
+    }
+    // A change of reachability may never come: the network was fine and the service was not, or
+    // nothing reports the network at all. The timer covers both.
+    if (OSTReachability::status() != OSTReachabilityStatusNotReachable)
+        scheduleResendTimer();
+}
+
+void OSTServiceManager::forgetResendAttempts()
+{
+    m_resendBackoff.reset();
+    m_resendReportedSession = false;
+}
+
+void OSTServiceManager::scheduleResendTimer()
+{
+    if (m_resendTimer)
         return;
-    m_reachabilityObserver = OSTNotificationCenter::defaultCenter().addObserver(
-        OSTReachabilityDidChangeNotification, [this](const OSTNotification &) { reachabilityDidChange(); });
+    const double wait = m_resendBackoff.nextWait();
+    OSTLogging::logDebug(u"The launch will be sent again in %1 seconds."_s, wait);
+    m_resendTimer = OSTClock::current().schedule(wait, m_timerContext.get(), [this] { resendTimerDidFire(); });
+}
+
+void OSTServiceManager::cancelResendTimer()
+{
+    if (const OSTTimerId timer = std::exchange(m_resendTimer, 0))
+        OSTClock::current().cancel(timer);
+}
+
+void OSTServiceManager::resendTimerDidFire()
+{
+    m_resendTimer = 0;
+    // Without a network the change to reachable sends it; there is no point in trying before.
+    if (OSTReachability::status() != OSTReachabilityStatusNotReachable)
+        resendPendingLaunch();
 }
 
 void OSTServiceManager::reachabilityDidChange()
 {
-    if (OSTReachability::status() == OSTReachabilityStatusNotReachable)
+    if (OSTReachability::status() == OSTReachabilityStatusNotReachable) {
+        cancelResendTimer();
         return;
+    }
+    resendPendingLaunch();
+}
+
+void OSTServiceManager::resendPendingLaunch()
+{
+    cancelResendTimer();
     OSTNotificationCenter::defaultCenter().removeObserver(std::exchange(m_reachabilityObserver, 0));
     if (const auto launchType = std::exchange(m_resendLaunchType, std::nullopt))
         launchWithType(*launchType, Delivery::Resend);
@@ -321,10 +402,15 @@ void OSTServiceManager::clearSessionDelayStart()
 void OSTServiceManager::didFinishLaunching(const OSTNotification &notification)
 {
     OSTNotificationCenter::defaultCenter().removeObserver(std::exchange(m_didFinishLaunchingObserver, 0));
+    launchUnlessALinkWill(notification.userInfo);
+}
+
+void OSTServiceManager::launchUnlessALinkWill(const QVariantMap &launchOptions)
+{
     const QVariantMap activityOptions =
-        ost_dictionaryForKey(notification.userInfo, OSTApplicationLaunchOptionsUserActivityDictionaryKey)
+        ost_dictionaryForKey(launchOptions, OSTApplicationLaunchOptionsUserActivityDictionaryKey)
             .value_or(QVariantMap());
-    const QVariant userActivity = activityOptions.value(u"UIApplicationLaunchOptionsUserActivityKey"_s);
+    const QVariant userActivity = activityOptions.value(OSTApplicationLaunchOptionsUserActivityKey);
     if (userActivity.isValid() && m_sources.canHandleUserActivity
         && m_sources.canHandleUserActivity(userActivity))
         return; // the link's own request launches the SDK

@@ -2,14 +2,18 @@
 
 #include <ostrel/OSTError.h>
 
+#include "platform/OSTClock.h"
 #include "platform/OSTNotificationCenter.h"
+#include "platform/OSTRetryBackoff.h"
 
 #include <QMutex>
+#include <QObject>
 #include <QString>
 #include <QVariantMap>
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -19,9 +23,14 @@ namespace ostrel {
 // launching, hands the launch response to the other managers in a fixed order, keeps the work
 // that waits for the launch, and turns the application's life cycle into sessions.
 //
+// One launch per process: whatever the host calls, "launch_v3" goes out once for the start of the
+// process (later ones only for new sessions and resends). A launch that failed for the network
+// is sent again when reachability turns reachable and, while reachability is unknown or already
+// reachable, on a timer (5 s doubling to 5 min, spread ±20 %) until a request gets through.
+//
 // Lives for the whole process. Its state belongs to the GUI thread: start-up, life-cycle and
 // reachability notifications arrive there, and launch completions are brought back there before
-// they touch anything. executeAfterLaunch() may be called from any thread.
+// they touch anything. executeAfterLaunch() and isInitialized() may be called from any thread.
 class OSTServiceManager {
 public:
     using LaunchBlock = std::function<void(bool success)>;
@@ -38,7 +47,7 @@ public:
         std::function<QVariantMap()> deviceFingerprint;   // default {"token": the SDK token}
         std::function<std::optional<QString>()> facebookAppID; // default: key left out
         std::function<QString()> currentUserID;           // default ""
-        std::function<QVariant()> cachedVersions;         // default: an empty dictionary
+        std::function<QVariantList()> cachedVersions;     // default: an empty array
         std::function<bool()> isLoggedIn;                 // default false
         std::function<bool()> isLoggedInLifetime;         // default false
         std::function<bool()> requiresLogin;              // default false
@@ -59,8 +68,8 @@ public:
     // application's life cycle. The launch request itself is sent on did-finish-launching.
     void startWithToken(const QString &token = {});
     static std::optional<QString> getTokenFromInfoPlist();
-    std::optional<QString> token() const { return m_token; }
-    bool isInitialized() const { return m_token.has_value(); }
+    std::optional<QString> token() const;
+    bool isInitialized() const;
     // The SDK's own version.
     static QString version();
 
@@ -74,6 +83,9 @@ public:
     void cancelLaunch();
     void invalidateLaunch();
     void processLaunchResponse(const LaunchResponse &response);
+    // Hands a launch response (nothing after a failure) to the service manager itself, then to
+    // every connected receiver in the order of LaunchResponseReceiver.
+    void handOutLaunchResponse(const LaunchResponse &response);
     bool launched() const;
     bool launchedLifetime() const;
     // Runs `block` once the launch has finished, with whether the SDK is initialised; at once
@@ -97,24 +109,34 @@ public:
     static const std::optional<QVariantMap> &localDefault();
 
 private:
-    OSTServiceManager() = default;
+    OSTServiceManager();
 
     void observeLifecycle();
     void didFinishLaunching(const OSTNotification &notification);
+    // Launches now, unless the application was opened by a link whose own request will.
+    void launchUnlessALinkWill(const QVariantMap &launchOptions);
     void didEnterBackground();
     void willEnterForeground();
     void didBecomeActive();
     void reachabilityDidChange();
-    void observeReachabilityForResend(const QString &launchType);
+    void scheduleResend(const QString &launchType);
+    void scheduleResendTimer();
+    void cancelResendTimer();
+    void resendTimerDidFire();
+    void resendPendingLaunch();
+    void forgetResendAttempts();
 
     QVariantMap launchParameters(const QString &launchType, Delivery delivery) const;
     void launchDidComplete(const QString &launchType, double startTime, const LaunchResponse &response,
                            const std::optional<OSTError> &error);
-    void distributeLaunchResponse(const LaunchResponse &response);
     void finishLaunch(bool success);
     void fireLaunchBlocksWithSuccess(bool success);
 
+    // Guards the token, which isInitialized() reads from any thread.
+    mutable QMutex m_tokenMutex;
     std::optional<QString> m_token;
+    bool m_observingLifecycle = false;
+    bool m_firstLaunchSent = false;
     double m_launchDelay = defaultLaunchDelay;
     double m_sessionDelay = defaultSessionDelay;
     std::optional<QString> m_resendLaunchType;
@@ -131,6 +153,12 @@ private:
 
     OSTObserverToken m_didFinishLaunchingObserver = 0;
     OSTObserverToken m_reachabilityObserver = 0;
+
+    OSTRetryBackoff m_resendBackoff;
+    bool m_resendReportedSession = false;
+    OSTTimerId m_resendTimer = 0;
+    // Context of the resend timer: the GUI thread, where the launch state lives.
+    std::unique_ptr<QObject> m_timerContext;
 };
 
 } // namespace ostrel

@@ -3,8 +3,13 @@
 #include "core/OSTLogging.h"
 #include "events/OSTEventHook.h"
 #include "events/OSTStatisticalEvent.h"
+#include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
+#include "network/OSTRequestManager.h"
+#include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
+
+#include <QCoreApplication>
 
 #include <mutex>
 
@@ -33,9 +38,21 @@ void OSTStartup::prepareProcess()
 {
     static std::once_flag once;
     std::call_once(once, [] {
-        connectNetworkStatistics();
         reportBundleProblems();
+        connectNetworkStatistics();
+        // Managers own threads and timers, which need the application object: a host that
+        // starts the SDK before making it gets them from its constructor.
+        qAddPreRoutine(&OSTStartup::connectManagers);
     });
+}
+
+void OSTStartup::connectManagers()
+{
+    OSTApplication::sharedApplication();
+    OSTRequestManager::sharedManager();
+    // The launch response goes to the service manager itself first, then to each receiver below,
+    // in the order of OSTServiceManager::LaunchResponseReceiver.
+    OSTServiceManager::sharedManager();
 }
 
 void OSTStartup::reportBundleProblems()

@@ -2,19 +2,25 @@
 
 namespace ostrel {
 
-// The one place that knows every manager. Lower layers report upwards only through seams they
-// declare themselves (see src/LAYERS); this class connects those seams to the managers above
-// them, once per process, before the first token is taken.
+// The one place that knows every manager. Before the first token is taken (and so before the
+// launch request can leave), it creates every manager and connects it: the seams that lower
+// layers declare (see src/LAYERS), the launch parameter sources, and the receivers of the launch
+// response, in the order the response is handed out. A manager made later, on first use, would
+// miss a launch response that arrived before anybody touched it.
+//
+// Adding a manager: create it and connect its receiver in connectManagers().
 class OSTStartup {
 public:
     OSTStartup() = delete;
 
-    // Runs once per process; later calls return at once. Safe from any thread.
+    // Runs once per process; later calls return at once. Call from the GUI thread (the managers
+    // made here belong to it).
     static void prepareProcess();
 
 private:
     static void reportBundleProblems();
     static void connectNetworkStatistics();
+    static void connectManagers();
 };
 
 } // namespace ostrel

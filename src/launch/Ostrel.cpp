@@ -3,6 +3,7 @@
 #include "core/OSTLogging.h"
 #include "launch/OSTServiceManager.h"
 #include "launch/OSTStartup.h"
+#include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
 
 namespace ostrel {
@@ -24,6 +25,26 @@ void Ostrel::startWithToken(const QString &token)
 {
     OSTStartup::prepareProcess();
     OSTServiceManager::sharedManager().startWithToken(token);
+}
+
+void Ostrel::setLifecycleSource(OSTLifecycleSource source)
+{
+    OSTApplication::setLifecycleSource(source);
+}
+
+void Ostrel::applicationDidFinishLaunching(const OSTLaunchOptions &options)
+{
+    OSTApplication::sharedApplication().finishLaunching(OSTApplication::launchOptionsUserInfo(options));
+}
+
+void Ostrel::applicationDidChangeState(OSTApplicationState state)
+{
+    OSTApplication::sharedApplication().moveTo(state);
+}
+
+void Ostrel::applicationWillTerminate()
+{
+    OSTApplication::sharedApplication().terminate();
 }
 
 void Ostrel::executeAfterLaunch(std::function<void(bool success)> block)

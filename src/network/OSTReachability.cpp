@@ -2,6 +2,7 @@
 
 #include <ostrel/OSTConstants.h>
 
+#include "core/OSTLogging.h"
 #include "platform/OSTMainQueue.h"
 #include "platform/OSTNotificationCenter.h"
 
@@ -39,11 +40,26 @@ std::optional<std::uint32_t> flagsOfNetworkInformation(const QNetworkInformation
                                                  portal);
 }
 
+// NetworkManager knows the most; glib's monitor is there on most machines without it.
+QNetworkInformation *loadBackend()
+{
+    for (const QString &backend : OSTReachability::preferredBackends()) {
+        if (QNetworkInformation::loadBackendByName(backend))
+            return QNetworkInformation::instance();
+    }
+    return nullptr;
+}
+
 void watchNetworkInformation()
 {
-    if (!QNetworkInformation::loadDefaultBackend())
-        return; // no backend: the reading stays unknown
-    QNetworkInformation *information = QNetworkInformation::instance();
+    QNetworkInformation *information = loadBackend();
+    if (!information) {
+        OSTLogging::logInfo(QStringLiteral("Reachability source: none (no network information backend loads); "
+                                           "the status stays unknown."));
+        return;
+    }
+    OSTLogging::logInfo(QStringLiteral("Reachability source: the %1 network information backend."),
+                        information->backendName());
     const auto refresh = [information] { OSTReachability::updateFlags(flagsOfNetworkInformation(information)); };
     QObject::connect(information, &QNetworkInformation::reachabilityChanged, information, refresh);
     QObject::connect(information, &QNetworkInformation::transportMediumChanged, information, refresh);
@@ -67,6 +83,11 @@ void OSTReachability::load()
     if (!OSTMainQueue::isCurrent())
         return;
     std::call_once(loadOnce, watchNetworkInformation);
+}
+
+QStringList OSTReachability::preferredBackends()
+{
+    return {QStringLiteral("networkmanager"), QStringLiteral("glib")};
 }
 
 OSTReachabilityStatus OSTReachability::status()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QNetworkInformation>
+#include <QStringList>
 
 #include <cstdint>
 #include <optional>
@@ -26,7 +27,8 @@ enum OSTReachabilityStatus : int {
     OSTReachabilityStatusReachableViaWiFi = 3,
 };
 
-// General internet reachability of the device, read from QNetworkInformation's default backend.
+// General internet reachability of the device, read from the first QNetworkInformation backend
+// that loads among preferredBackends(); which one (or none) is logged once at info level.
 // Watching starts once per process: queued on the main thread when the application object is
 // made, or at the first status() call on the main thread if that comes sooner. Without a backend
 // the status is 0. Every change of the reading posts OSTReachabilityDidChangeNotification (no
@@ -37,6 +39,8 @@ public:
 
     // Loads the backend and starts watching; later calls do nothing. Main thread only.
     static void load();
+    // The backends tried, in order.
+    static QStringList preferredBackends();
     static OSTReachabilityStatus status();
     // The current reading, or nothing when there is none.
     static std::optional<std::uint32_t> flags();

@@ -155,7 +155,7 @@ QNetworkRequest OSTRequestManager::requestWithURL(const QUrl &url)
 {
     QNetworkRequest request(url);
     if (url.scheme() == u"https"_s)
-        request.setSslConfiguration(OSTServiceConfiguration::sharedConfiguration().sslConfiguration());
+        request.setSslConfiguration(OSTServiceConfiguration::sharedConfiguration().sslConfigurationForURL(url));
     return request;
 }
 

@@ -85,6 +85,20 @@ void OSTServiceConfiguration::splitCertificate(const QString &base64)
     m_thirdPart = text.mid(firstPartLength + secondPartLength);
 }
 
+QSslConfiguration OSTServiceConfiguration::sslConfigurationForURL(const QUrl &url) const
+{
+    if (isServiceHost(url))
+        return m_sslConfiguration;
+    QSslConfiguration systemTrust = QSslConfiguration::defaultConfiguration();
+    systemTrust.setPeerVerifyMode(QSslSocket::VerifyPeer);
+    return systemTrust;
+}
+
+bool OSTServiceConfiguration::isServiceHost(const QUrl &url) const
+{
+    return m_serviceURL.isValid() && url.host().compare(m_serviceURL.host(), Qt::CaseInsensitive) == 0;
+}
+
 QSslConfiguration OSTServiceConfiguration::makeSslConfiguration() const
 {
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();

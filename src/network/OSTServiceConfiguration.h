@@ -32,9 +32,13 @@ public:
     // not base64.
     QByteArray certificateData() const;
 
-    // TLS settings for https requests: peer verification on, trusting the system's authorities
-    // and, in addition, the service certificate itself (so a service may present it directly).
-    QSslConfiguration sslConfiguration() const { return m_sslConfiguration; }
+    // TLS settings for an https request to `url`, peer verification on. Connections to the
+    // service's own host trust the system's authorities and, in addition, the service
+    // certificate (so the service may present it directly); every other host (image servers)
+    // is checked against the system's authorities only, so the service key cannot vouch for
+    // anybody else.
+    QSslConfiguration sslConfigurationForURL(const QUrl &url) const;
+    bool isServiceHost(const QUrl &url) const;
 
 private:
     void splitCertificate(const QString &base64);

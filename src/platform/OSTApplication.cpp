@@ -2,9 +2,12 @@
 
 #include "platform/OSTNotificationCenter.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QTimer>
+#include <QWindow>
 
+#include <algorithm>
 #include <atomic>
 
 namespace ostrel {
@@ -13,18 +16,44 @@ namespace {
 
 std::atomic<OSTApplication::LifecycleSource> requestedSource{OSTApplication::LifecycleSource::Automatic};
 
+// Desktop platforms report Inactive for what a phone calls the background (no focus, minimised,
+// no window shown), so only Active counts as being in the foreground.
 OSTApplication::State stateFromQt(Qt::ApplicationState state)
 {
-    switch (state) {
-    case Qt::ApplicationActive:
+    return state == Qt::ApplicationActive ? OSTApplication::State::Active : OSTApplication::State::Background;
+}
+
+bool isShown(const QWindow *window)
+{
+    return window->isVisible() && !(window->windowStates() & Qt::WindowMinimized);
+}
+
+bool hasShownWindow()
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    return std::any_of(windows.begin(), windows.end(), isShown);
+}
+
+// A QCoreApplication has no windows: once launched it is always active.
+OSTApplication::State qtState(Qt::ApplicationState state)
+{
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
         return OSTApplication::State::Active;
-    case Qt::ApplicationInactive:
-        return OSTApplication::State::Inactive;
-    case Qt::ApplicationHidden:
-    case Qt::ApplicationSuspended:
-        break;
-    }
-    return OSTApplication::State::Background;
+    return hasShownWindow() ? stateFromQt(state) : OSTApplication::State::Background;
+}
+
+OSTApplication::State currentQtState()
+{
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+        return OSTApplication::State::Active;
+    return qtState(QGuiApplication::applicationState());
+}
+
+bool changesWindowVisibility(const QObject *watched, const QEvent *event)
+{
+    const QEvent::Type type = event->type();
+    return (type == QEvent::Show || type == QEvent::Hide || type == QEvent::WindowStateChange)
+        && watched->isWindowType();
 }
 
 } // namespace
@@ -42,28 +71,62 @@ void OSTApplication::setLifecycleSource(LifecycleSource source)
 
 OSTApplication::OSTApplication(LifecycleSource source)
 {
-    if (QCoreApplication *qtApplication = QCoreApplication::instance())
-        moveToThread(qtApplication->thread());
-    if (source == LifecycleSource::Automatic)
+    if (source != LifecycleSource::Automatic)
+        return;
+    if (QCoreApplication::instance())
         followQtApplication();
+    else // a host that starts the SDK before making its application object
+        qAddPreRoutine(&OSTApplication::attachToQtApplication);
+}
+
+QVariantMap OSTApplication::launchOptionsUserInfo(const OSTLaunchOptions &options)
+{
+    if (!options.openedURL.isValid())
+        return {};
+    return {{OSTApplicationLaunchOptionsUserActivityDictionaryKey,
+             QVariantMap{{OSTApplicationLaunchOptionsUserActivityKey, options.openedURL}}}};
+}
+
+void OSTApplication::attachToQtApplication()
+{
+    sharedApplication().followQtApplication();
 }
 
 void OSTApplication::followQtApplication()
 {
-    auto *guiApplication = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
-    if (!guiApplication)
-        return;
+    QCoreApplication *application = QCoreApplication::instance();
+    moveToThread(application->thread());
     // The first turn of the event loop is when the host has finished launching.
     QTimer::singleShot(0, this, [this] {
         finishLaunching();
-        moveTo(stateFromQt(QGuiApplication::applicationState()));
+        followQtState();
     });
-    connect(guiApplication, &QGuiApplication::applicationStateChanged, this,
-            [this](Qt::ApplicationState state) {
-                if (m_finishedLaunching)
-                    moveTo(stateFromQt(state));
-            });
-    connect(guiApplication, &QCoreApplication::aboutToQuit, this, &OSTApplication::terminate);
+    connect(application, &QCoreApplication::aboutToQuit, this, &OSTApplication::terminate);
+    if (auto *guiApplication = qobject_cast<QGuiApplication *>(application))
+        followGuiApplication(guiApplication);
+}
+
+void OSTApplication::followGuiApplication(QGuiApplication *application)
+{
+    connect(application, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (m_finishedLaunching)
+            moveTo(qtState(state));
+    });
+    application->installEventFilter(this);
+}
+
+void OSTApplication::followQtState()
+{
+    if (m_finishedLaunching)
+        moveTo(currentQtState());
+}
+
+bool OSTApplication::eventFilter(QObject *watched, QEvent *event)
+{
+    // Looked at once the change has settled: a window being hidden may still count as visible.
+    if (changesWindowVisibility(watched, event))
+        QMetaObject::invokeMethod(this, &OSTApplication::followQtState, Qt::QueuedConnection);
+    return false;
 }
 
 void OSTApplication::finishLaunching(const QVariantMap &launchOptions)
@@ -71,6 +134,7 @@ void OSTApplication::finishLaunching(const QVariantMap &launchOptions)
     if (m_finishedLaunching)
         return;
     m_finishedLaunching = true;
+    m_launchOptions = launchOptions;
     post(OSTApplicationDidFinishLaunchingNotification, launchOptions);
 }
 

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <ostrel/OSTLifecycle.h>
+
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
+
+class QGuiApplication;
 
 namespace ostrel {
 
@@ -21,20 +25,29 @@ inline const QString OSTApplicationWillEnterForegroundNotification =
 inline const QString OSTApplicationWillTerminateNotification =
     QStringLiteral("UIApplicationWillTerminateNotification");
 
-// User-info key of did-finish-launching under which a host passes its launch options.
+// User-info key of did-finish-launching under which a host passes its launch options, and the
+// key inside that dictionary that holds the activity (here: the URL that opened the application).
 inline const QString OSTApplicationLaunchOptionsUserActivityDictionaryKey =
     QStringLiteral("UIApplicationLaunchOptionsUserActivityDictionaryKey");
+inline const QString OSTApplicationLaunchOptionsUserActivityKey =
+    QStringLiteral("UIApplicationLaunchOptionsUserActivityKey");
 
 // The application's life cycle as the SDK sees it. In automatic mode it follows Qt: the first
 // turn of the event loop finishes launching, QGuiApplication::applicationStateChanged moves
-// between active, inactive and background, and aboutToQuit terminates. A host (or a test) may
-// also drive every step itself. Lives on, and must be driven from, the GUI thread.
+// between active and background, and aboutToQuit terminates. Desktop platforms report only
+// Active and Inactive, so anything but Active (no focus, minimised, every window hidden) is
+// "resign active, then enter the background"; a brief focus change thus stays inside the session
+// by the session delay. A QCoreApplication has no windows and is active once launched. The SDK
+// may be started before the application object exists: following Qt then begins when it is made.
+// No window shown (none visible, or all minimised) is the background whatever Qt reports.
+// A host (or a test) may instead drive every step itself. Lives on, and must be driven from, the
+// GUI thread.
 class OSTApplication : public QObject {
     Q_OBJECT
 
 public:
-    enum class State { Active, Inactive, Background };
-    enum class LifecycleSource { Automatic, Manual };
+    using State = OSTApplicationState;
+    using LifecycleSource = OSTLifecycleSource;
 
     // The one instance, created on first use.
     static OSTApplication &sharedApplication();
@@ -44,9 +57,13 @@ public:
 
     State applicationState() const { return m_state; }
     bool hasFinishedLaunching() const { return m_finishedLaunching; }
+    // The options did-finish-launching carried.
+    const QVariantMap &launchOptions() const { return m_launchOptions; }
 
     // Posts did-finish-launching once; later calls do nothing.
     void finishLaunching(const QVariantMap &launchOptions = {});
+    // The user info of did-finish-launching for the host's launch options.
+    static QVariantMap launchOptionsUserInfo(const OSTLaunchOptions &options);
     // Each moves to the named state, posting the notifications of every step on the way
     // (becoming active from the background first enters the foreground, for example).
     void becomeActive();
@@ -55,17 +72,27 @@ public:
     void enterForeground();
     // Posts will-terminate once.
     void terminate();
+    // Moves to `state` with every step on the way.
+    void moveTo(State target);
 
 private:
     explicit OSTApplication(LifecycleSource source);
 
+    // Called from the constructor of an application object made after the SDK was started.
+    static void attachToQtApplication();
     void followQtApplication();
-    void moveTo(State target);
+    void followGuiApplication(QGuiApplication *application);
+    // Moves to the state Qt's application and its windows describe now.
+    void followQtState();
+    // Watches windows being shown, hidden and minimised, which the platform may not report as
+    // an application state change.
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void post(const QString &name, const QVariantMap &userInfo = {});
 
     State m_state = State::Inactive;
     bool m_finishedLaunching = false;
     bool m_terminated = false;
+    QVariantMap m_launchOptions;
 };
 
 } // namespace ostrel

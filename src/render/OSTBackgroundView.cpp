@@ -110,9 +110,7 @@ void OSTBackgroundView::readFill(const QVariantMap &properties)
     Gradient fill;
     for (const QVariant &entry : ost_arrayForKey(*gradient, u"colors"_s).value_or(QVariantList()))
         fill.colors.append(colorFromEntry(entry));
-    fill.radius = ost_numberForKey(*gradient, u"radius"_s);
-    if (fill.radius && !std::isfinite(*fill.radius))
-        fill.radius.reset();
+    fill.radius = ost_finiteDouble(ost_numberForKey(*gradient, u"radius"_s));
     if (!fill.radius && ost_stringForKey(*gradient, u"style"_s) == u"horizontal"_s)
         fill.direction = GradientDirection::Horizontal;
     m_gradient = fill;

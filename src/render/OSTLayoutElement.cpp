@@ -70,7 +70,7 @@ OSTLayoutElement::OSTLayoutElement(const QVariantMap &layout)
     const std::optional<QString> anchored = ost_stringForKey(layout, QStringLiteral("anchored"));
     m_anchored = anchored ? ost_boolValue(*anchored) : true;
 
-    const std::optional<double> zLayer = ost_numberForKey(layout, QStringLiteral("zLayer"));
+    const std::optional<double> zLayer = ost_finiteDouble(ost_numberForKey(layout, QStringLiteral("zLayer")));
     m_zLayer = zLayer ? zLayerFromNumber(*zLayer) : -1;
 }
 

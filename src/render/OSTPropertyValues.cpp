@@ -14,8 +14,8 @@ std::optional<double> ost_stringNumberForKey(const QVariantMap &properties, cons
     const auto text = ost_stringForKey(properties, key);
     if (!text)
         return std::nullopt;
-    const auto number = ost_numberFromString(*text);
-    if (!number || !std::isfinite(*number)) {
+    const auto number = ost_finiteDouble(ost_numberFromString(*text));
+    if (!number) {
         OSTLogging::logWarning(u"Ignoring \"%1\": \"%2\" is not a number."_s, key, *text);
         return std::nullopt;
     }

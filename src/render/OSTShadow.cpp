@@ -16,11 +16,10 @@ constexpr qsizetype shadowEntryCount = 4;
 
 qreal shadowNumber(const QVariant &entry)
 {
-    if (ost_isNumber(entry) && std::isfinite(entry.toDouble()))
-        return entry.toDouble();
+    if (const auto number = ost_finiteDouble(entry))
+        return *number;
     if (entry.typeId() == QMetaType::QString) {
-        const auto number = ost_numberFromString(entry.toString());
-        if (number && std::isfinite(*number))
+        if (const auto number = ost_finiteDouble(ost_numberFromString(entry.toString())))
             return *number;
     }
     OSTLogging::logWarning(u"Shadow value %1 is not a number; using 0."_s, entry);

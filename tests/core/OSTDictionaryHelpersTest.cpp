@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 using namespace ostrel;
 using namespace Qt::StringLiterals;
@@ -40,16 +41,31 @@ TEST(DictionaryHelpers, TypedReadsTreatWrongTypesAsAbsent)
     EXPECT_FALSE(ost_objectForKey<QVariantList>(values, u"s"_s));
 }
 
-TEST(DictionaryHelpers, NumbersAcceptNumericStringsReadTheUnitedStatesWay)
+TEST(DictionaryHelpers, NumbersKeepTheirTypeAndAcceptNumericStringsReadTheUnitedStatesWay)
 {
-    const std::pair<QVariant, std::optional<double>> cases[] = {
-        {12, 12.0},          {2.5, 2.5},          {u"12"_s, 12.0},  {u"1,234.5"_s, 1234.5}, {u"1.234,5"_s, std::nullopt},
-        {u"abc"_s, std::nullopt}, {u""_s, std::nullopt}, {true, 1.0}, {false, 0.0}, {QVariantList{1}, std::nullopt},
-        {QVariant(), std::nullopt},
-    };
-    for (const auto &[value, expected] : cases)
-        EXPECT_EQ(ost_numberForKey(QVariantMap{{u"k"_s, value}}, u"k"_s), expected) << value.toString().toStdString();
-    EXPECT_FALSE(ost_numberForKey(QVariantMap(), u"missing"_s));
+    constexpr qlonglong beyondDoublePrecision = 9007199254740993LL; // 2^53 + 1
+    const QVariantMap values{{u"int"_s, 12}, {u"double"_s, 2.5}, {u"string"_s, u"12"_s},
+                             {u"grouped"_s, u"1,234.5"_s}, {u"european"_s, u"1.234,5"_s},
+                             {u"word"_s, u"abc"_s}, {u"yes"_s, true}, {u"no"_s, false},
+                             {u"list"_s, QVariantList{1}}, {u"empty"_s, u""_s},
+                             {u"big"_s, beyondDoublePrecision}, {u"bigText"_s, u"9007199254740993"_s}};
+
+    const std::vector<std::pair<QString, QVariant>> expected{
+        {u"int"_s, 12}, {u"double"_s, 2.5}, {u"string"_s, 12LL}, {u"grouped"_s, 1234.5},
+        {u"yes"_s, true}, {u"no"_s, false}, {u"big"_s, beyondDoublePrecision},
+        {u"bigText"_s, beyondDoublePrecision}};
+    for (const auto &[key, number] : expected) {
+        const QVariant read = ost_numberForKey(values, key);
+        EXPECT_EQ(read, number) << key.toStdString();
+        EXPECT_EQ(read.metaType(), number.metaType()) << key.toStdString() << ": the value keeps its own type";
+    }
+    for (const QString &absent : {u"european"_s, u"word"_s, u"empty"_s, u"list"_s, u"missing"_s})
+        EXPECT_FALSE(ost_numberForKey(values, absent).isValid()) << absent.toStdString();
+
+    EXPECT_EQ(ost_numberForKey(values, u"big"_s).toLongLong() - 1, 9007199254740992LL) << "no digit lost";
+    EXPECT_EQ(ost_finiteDouble(ost_numberFromString(u"inf"_s)), std::nullopt);
+    EXPECT_EQ(ost_finiteDouble(ost_numberFromString(u"nan"_s)), std::nullopt);
+    EXPECT_EQ(ost_finiteDouble(QVariant(u"3"_s)), std::nullopt) << "a string is not a number";
 }
 
 TEST(DictionaryHelpers, MergeLaysReceiverOverOtherToAnyDepth)

@@ -48,7 +48,7 @@ struct LaunchBlockRecorder {
 const bool firstRunRegistered = test::OSTChildProcess::registerMode(u"first-run"_s, [](const QStringList &arguments) {
     qputenv("XDG_DATA_HOME", arguments.at(arguments.size() - 2).toLocal8Bit());
     OSTBundle::setMainBundlePath(arguments.last());
-    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual);
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
     Ostrel::start();
     bool finished = false;
     Ostrel::executeAfterLaunch([&](bool) { finished = true; });
@@ -58,7 +58,7 @@ const bool firstRunRegistered = test::OSTChildProcess::registerMode(u"first-run"
 
 class LaunchSequence : public ::testing::Test {
 protected:
-    void SetUp() override { OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual); }
+    void SetUp() override { OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host); }
 
     // Starts the service (with `faults`) and makes the main bundle name it and a token.
     void startService(const QStringList &faults = {})

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 TEST(ServiceManager, AMissingOrEmptyTokenLeavesTheSdkUnstarted)
 {
-    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual);
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
     QTemporaryDir bundle;
     OSTBundle::setMainBundlePath(test::writeBundle(bundle.path(), {{u"OstrelToken"_s, u""_s}}));
     const QString missing = test::captureStandardError([] { Ostrel::start(); });

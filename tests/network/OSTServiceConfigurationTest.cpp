@@ -45,7 +45,7 @@ TEST(ServiceConfiguration, TheSharedConfigurationComesFromTheMainBundle)
     const OSTServiceConfiguration &configuration = OSTServiceConfiguration::sharedConfiguration();
     EXPECT_EQ(configuration.urlForEndpoint(u"tracking_link"_s), QUrl(u"http://localhost:9/base/tracking_link"_s));
     EXPECT_EQ(configuration.certificateData(), QByteArray("ABC"));
-    EXPECT_EQ(configuration.sslConfiguration().peerVerifyMode(), QSslSocket::VerifyPeer);
+    EXPECT_EQ(configuration.sslConfigurationForURL(configuration.serviceURL()).peerVerifyMode(), QSslSocket::VerifyPeer);
     // Read once: a later bundle does not change the process's configuration.
     OSTBundle::setMainBundlePath(test::writeBundle(folder.filePath(u"other"_s), {}));
     EXPECT_EQ(OSTServiceConfiguration::sharedConfiguration().serviceURL(), QUrl(u"http://localhost:9/base"_s));

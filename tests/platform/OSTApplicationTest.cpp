@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QTimer>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -50,7 +51,7 @@ using Names = std::vector<QString>;
 
 TEST(Application, ExplicitStepsPostEveryTransitionOnTheWay)
 {
-    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual);
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
     OSTApplication &application = OSTApplication::sharedApplication();
     LifecycleRecorder recorder;
 
@@ -77,6 +78,8 @@ TEST(Application, ExplicitStepsPostEveryTransitionOnTheWay)
 TEST(Application, AutomaticModeFinishesLaunchingOnTheFirstLoopTurnAndFollowsQt)
 {
     OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Automatic);
+    QWindow window; // without a window shown, a GUI application is in the background
+    window.show();
     LifecycleRecorder recorder;
     OSTApplication &application = OSTApplication::sharedApplication();
     EXPECT_FALSE(application.hasFinishedLaunching());
