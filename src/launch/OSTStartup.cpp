@@ -2,7 +2,10 @@
 
 #include "core/OSTLogging.h"
 #include "events/OSTEventHook.h"
+#include "events/OSTEventManager.h"
+#include "events/OSTEventSources.h"
 #include "events/OSTStatisticalEvent.h"
+#include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "platform/OSTBundle.h"
 
@@ -34,6 +37,7 @@ void OSTStartup::prepareProcess()
     static std::once_flag once;
     std::call_once(once, [] {
         connectNetworkStatistics();
+        connectEventManager();
         reportBundleProblems();
     });
 }
@@ -52,6 +56,17 @@ void OSTStartup::connectNetworkStatistics()
             OSTEventHook::sendEvent(OSTStatisticalEvent::imageDownloadEvent(url, seconds, timingTypeFor(outcome)));
         },
     });
+}
+
+void OSTStartup::connectEventManager()
+{
+    // The user, attribution and advertising sources join when their managers exist.
+    OSTEventSources::connect({.sdkToken = [] { return OSTServiceManager::sharedManager().token(); }});
+    OSTEventManager &events = OSTEventManager::sharedManager();
+    OSTEventHook::connectReceiver([&events](const std::shared_ptr<const OSTEvent> &event) { events.sendEvent(event); });
+    OSTServiceManager::sharedManager().connectLaunchResponseReceiver(
+        OSTServiceManager::LaunchResponseReceiver::Events,
+        [&events](const OSTServiceManager::LaunchResponse &response) { events.processLaunchResponse(response); });
 }
 
 } // namespace ostrel

@@ -15,6 +15,7 @@ public:
 private:
     static void reportBundleProblems();
     static void connectNetworkStatistics();
+    static void connectEventManager();
 };
 
 } // namespace ostrel
