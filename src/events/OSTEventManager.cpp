@@ -418,6 +418,13 @@ size_t OSTEventManager::pendingEventCount() const
     return count;
 }
 
+size_t OSTEventManager::sendingEventCount() const
+{
+    size_t count = 0;
+    m_serialQueue.sync([&] { count = m_inFlightCount; });
+    return count;
+}
+
 void OSTEventManager::didEnterBackground()
 {
     m_inBackground = true;

@@ -69,8 +69,9 @@ public:
     void setEventsEnabled(bool enabled);
     bool eventsEnabled() const { return m_enabled.load(); }
 
-    // The number of events waiting to be sent (not counting requests on the wire).
+    // The number of events waiting to be sent, and of those on the wire now.
     size_t pendingEventCount() const;
+    size_t sendingEventCount() const;
     const OSTSerialQueue &serialQueue() const { return m_serialQueue; }
 
 private:

@@ -46,10 +46,12 @@ protected:
         Ostrel::startWithToken(u"test-token"_s);
     }
 
+    // Takes in the events and waits until the queue has seen them (and started its timer).
     static void track(int first, int count, const QString &name = u"host event"_s)
     {
         for (int sequence = first; sequence < first + count; ++sequence)
             Ostrel::trackEventWithName(name, {{u"sequence"_s, sequence}});
+        manager().pendingEventCount();
     }
 
     QList<test::OSTRecordedRequest> eventRequests() const { return server.recordedRequests(u"event"_s); }
@@ -62,13 +64,17 @@ protected:
         return sequences;
     }
 
-    // Moves time on until the service holds `count` events (or the safety net gives up).
-    bool advanceUntilStored(int count, double step = OSTEventRetryPolicy::longestDelay * 1.25)
+    // Moves time on until the service holds `count` events or the safety net gives up. Requests
+    // time out on the same clock, so time moves only while none is on the wire, and in steps
+    // shorter than the time-out (a request may just be starting when a step is taken).
+    bool advanceUntilStored(int count)
     {
+        constexpr double step = OSTEventManager::requestTimeout - 1.0;
         return test::waitUntil([&] {
-            clock.advance(step);
+            if (manager().sendingEventCount() == 0)
+                clock.advance(step);
             return server.storedEventCount() >= count;
-        }, 60000);
+        }, 90000);
     }
 
     static OSTEventManager &manager() { return OSTEventManager::sharedManager(); }
@@ -145,14 +151,15 @@ TEST_F(EventQueue, AFailedBatchAndTwoNewEventsArriveLaterAsOneFlatList)
     start({u"event:status=503,times=1"_s});
     track(1, 1);
     clock.advance(60.0);
-    ASSERT_TRUE(test::waitUntil([&] { return server.faults().isEmpty() && manager().pendingEventCount() == 1; }));
+    ASSERT_TRUE(test::waitUntil([&] { return server.faults().isEmpty() && manager().pendingEventCount() == 1; }))
+        << server.faults().size() << " " << manager().pendingEventCount() << " " << eventRequests().size();
     EXPECT_EQ(server.storedEventCount(), 0);
 
     track(2, 2);
     // The next attempt waits at least 48 s (a minute less a fifth).
     clock.advance(47.0);
     EXPECT_EQ(manager().pendingEventCount(), 3u);
-    ASSERT_TRUE(advanceUntilStored(3, 30.0));
+    ASSERT_TRUE(advanceUntilStored(3));
     const QVariantMap last = server.recordedRequests(u"event"_s).last().parameters;
     EXPECT_EQ(sequencesOf(last.value(u"events"_s).toList()), (QList<int>{1, 2, 3}));
 }
@@ -196,7 +203,8 @@ TEST_F(EventQueue, WithHalfTheRequestsFailingAll10000EventsArrive)
 {
     start({u"event:status=503,share=0.5"_s});
     track(0, 10000);
-    ASSERT_TRUE(advanceUntilStored(10000));
+    ASSERT_TRUE(advanceUntilStored(10000)) << server.standardError().left(2000).toStdString() << server.storedEventCount() << " stored after " << eventRequests().size()
+                                           << " requests; " << manager().pendingEventCount() << " pending";
     EXPECT_EQ(server.storedEventCount(), 10000);
     EXPECT_GT(eventRequests().size(), 20) << "failures were retried";
     EXPECT_EQ(manager().pendingEventCount(), 0u);
