@@ -6,26 +6,17 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <openssl/evp.h>
-
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
 namespace {
 
-// Writes the base64 straight into the body: no intermediate copy of a megabyte-sized member.
 void appendMember(QByteArray &out, const char *key, const std::optional<QByteArray> &bytes)
 {
     out.append('"').append(key).append("\":\"");
-    if (bytes && !bytes->isEmpty()) {
-        const qsizetype start = out.size();
-        out.resize(start + 4 * ((bytes->size() + 2) / 3) + 1);
-        const int written = EVP_EncodeBlock(reinterpret_cast<unsigned char *>(out.data() + start),
-                                            reinterpret_cast<const unsigned char *>(bytes->constData()),
-                                            static_cast<int>(bytes->size()));
-        out.truncate(start + written);
-    }
+    if (bytes)
+        out.append(bytes->toBase64());
     out.append('"');
 }
 
