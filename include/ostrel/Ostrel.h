@@ -7,6 +7,7 @@
 #include <ostrel/OSTLoggingLevel.h>
 
 #include <QString>
+#include <QVariantMap>
 
 #include <functional>
 
@@ -46,6 +47,20 @@ public:
     // Runs `block` once the SDK's launch has finished (at once if it already has), with whether
     // the SDK is started; false after the service refused the token.
     static void executeAfterLaunch(std::function<void(bool success)> block);
+
+    // Records an event of the host's own, sent with the next batch (within about a minute, or
+    // when the application goes to the background). Returns once the event is stored, so it
+    // survives the process ending. Parameter values must be JSON values (strings, numbers,
+    // booleans, lists, maps); others are left out with a warning. "ost_event_id" and
+    // "event_type" are the SDK's own and replace the host's. Any thread.
+    static void trackEventWithName(const QString &name, const QVariantMap &parameters = {});
+    // Turns event reporting on or off, remembered across starts (default on). Off: nothing is
+    // recorded, stored or sent and what was waiting is deleted; the SDK's own events are still
+    // announced to the host (OSTEventFiredNotification, OSTEventEmitter).
+    static void setEventsEnabled(bool enabled);
+    static bool eventsEnabled();
+    // Sends the waiting events now, for hosts that end sessions themselves.
+    static void flushEvents();
 
     // Sets how much the SDK writes to standard error (see OSTLoggingLevel).
     static void setLoggingLevel(unsigned level);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "events/OSTEvent.h"
+#include "events/OSTTrackedItem.h"
 
 namespace ostrel {
 
@@ -19,7 +20,37 @@ public:
     enum class SessionKind { Foreground, Launch };
     static OSTInternalEvent sessionStartedEvent(double sessionDifference, SessionKind kind);
 
+    // Sign-up and log-in name the flow and screen on display when that screen belongs to a flow;
+    // `currentScreen` is null when nothing is on display.
+    static OSTInternalEvent signupEvent(const OSTTrackedItem *currentScreen);
+    static OSTInternalEvent loginEvent(const OSTTrackedItem *currentScreen);
+    static OSTInternalEvent logoutEvent();
+
+    static OSTInternalEvent flowStartedEvent(const OSTTrackedItem &flow);
+    static OSTInternalEvent flowCompletedEvent(const OSTTrackedItem &flow, const OSTTrackedItem &screen);
+    static OSTInternalEvent screenDisplayedEvent(const OSTTrackedItem &screen);
+
+    // Taps: a button (named `buttonName`, whose action is `actionName`), an element of a
+    // selection group, a switch, and the return keys of pickers and text fields.
+    static OSTInternalEvent actionTappedEventForButton(const QString &buttonName, const QString &actionName,
+                                                       const OSTTrackedItem &screen);
+    struct SelectionGroupTap {
+        QString groupName;
+        QString elementName;
+        QString value;
+        QString actionName;
+    };
+    static OSTInternalEvent actionTappedEventForSelectionGroup(const SelectionGroupTap &tap,
+                                                               const OSTTrackedItem &screen);
+    static OSTInternalEvent actionTappedEventForSwitch(const OSTTrackedItem &screen);
+    static OSTInternalEvent actionTappedEventForPickerReturn(const OSTTrackedItem &screen);
+    static OSTInternalEvent actionTappedEventForTextFieldReturn(const OSTTrackedItem &screen);
+    static OSTInternalEvent actionTappedEventForTextFieldPINMatch(const OSTTrackedItem &screen);
+
 private:
+    static OSTInternalEvent userEvent(const QString &name, const OSTTrackedItem *currentScreen);
+    static OSTInternalEvent actionTappedEvent(const OSTTrackedItem &screen, const QVariantMap &action);
+
     QString m_type;
 };
 

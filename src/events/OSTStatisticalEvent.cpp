@@ -37,4 +37,17 @@ OSTStatisticalEvent OSTStatisticalEvent::internalServerErrorEvent(const QUrl &ur
     return OSTStatisticalEvent({{u"event"_s, u"internal_server_error"_s}, {u"url"_s, url.toString()}});
 }
 
+OSTStatisticalEvent OSTStatisticalEvent::screenLoadEvent(double timing, int type, Loading loading)
+{
+    return OSTStatisticalEvent({{u"event"_s, u"screen_load"_s},
+                                {u"fully_loaded"_s, loading == Loading::Full},
+                                {u"timing"_s, timing},
+                                {u"type"_s, stringForEventType(type)}});
+}
+
+OSTStatisticalEvent OSTStatisticalEvent::sessionStartEvent(double timing)
+{
+    return OSTStatisticalEvent({{u"event"_s, u"session_started"_s}, {u"timing"_s, timing}});
+}
+
 } // namespace ostrel

@@ -21,6 +21,10 @@ public:
     static OSTStatisticalEvent launchEvent(double timing, int type);
     static OSTStatisticalEvent imageDownloadEvent(const QUrl &url, double timing, int type);
     static OSTStatisticalEvent internalServerErrorEvent(const QUrl &url);
+    enum class Loading { Partial, Full };
+    static OSTStatisticalEvent screenLoadEvent(double timing, int type, Loading loading);
+    // The time from sending the first session start to the service's "OK" for it.
+    static OSTStatisticalEvent sessionStartEvent(double timing);
 };
 
 } // namespace ostrel

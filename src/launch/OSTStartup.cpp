@@ -2,6 +2,8 @@
 
 #include "core/OSTLogging.h"
 #include "events/OSTEventHook.h"
+#include "events/OSTEventManager.h"
+#include "events/OSTEventSources.h"
 #include "events/OSTStatisticalEvent.h"
 #include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
@@ -53,6 +55,7 @@ void OSTStartup::connectManagers()
     // The launch response goes to the service manager itself first, then to each receiver below,
     // in the order of OSTServiceManager::LaunchResponseReceiver.
     OSTServiceManager::sharedManager();
+    connectEventManager();
 }
 
 void OSTStartup::reportBundleProblems()
@@ -69,6 +72,17 @@ void OSTStartup::connectNetworkStatistics()
             OSTEventHook::sendEvent(OSTStatisticalEvent::imageDownloadEvent(url, seconds, timingTypeFor(outcome)));
         },
     });
+}
+
+void OSTStartup::connectEventManager()
+{
+    // The user, attribution and advertising sources join when their managers exist.
+    OSTEventSources::connect({.sdkToken = [] { return OSTServiceManager::sharedManager().token(); }});
+    OSTEventManager &events = OSTEventManager::sharedManager();
+    OSTEventHook::connectReceiver([&events](const std::shared_ptr<const OSTEvent> &event) { events.sendEvent(event); });
+    OSTServiceManager::sharedManager().connectLaunchResponseReceiver(
+        OSTServiceManager::LaunchResponseReceiver::Events,
+        [&events](const OSTServiceManager::LaunchResponse &response) { events.processLaunchResponse(response); });
 }
 
 } // namespace ostrel

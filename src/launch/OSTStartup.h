@@ -21,6 +21,7 @@ private:
     static void reportBundleProblems();
     static void connectNetworkStatistics();
     static void connectManagers();
+    static void connectEventManager();
 };
 
 } // namespace ostrel

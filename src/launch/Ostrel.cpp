@@ -1,6 +1,7 @@
 #include <ostrel/Ostrel.h>
 
 #include "core/OSTLogging.h"
+#include "events/OSTEventManager.h"
 #include "launch/OSTServiceManager.h"
 #include "launch/OSTStartup.h"
 #include "platform/OSTApplication.h"
@@ -50,6 +51,27 @@ void Ostrel::applicationWillTerminate()
 void Ostrel::executeAfterLaunch(std::function<void(bool success)> block)
 {
     OSTServiceManager::sharedManager().executeAfterLaunch(std::move(block));
+}
+
+void Ostrel::trackEventWithName(const QString &name, const QVariantMap &parameters)
+{
+    OSTStartup::prepareProcess();
+    OSTEventManager::sharedManager().sendEventWithName(name, parameters);
+}
+
+void Ostrel::setEventsEnabled(bool enabled)
+{
+    OSTEventManager::sharedManager().setEventsEnabled(enabled);
+}
+
+bool Ostrel::eventsEnabled()
+{
+    return OSTEventManager::sharedManager().eventsEnabled();
+}
+
+void Ostrel::flushEvents()
+{
+    OSTEventManager::sharedManager().flush(OSTEventManager::FlushKind::Immediate);
 }
 
 void Ostrel::setLoggingLevel(unsigned level)

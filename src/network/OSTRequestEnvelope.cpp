@@ -1,5 +1,6 @@
 #include "network/OSTRequestEnvelope.h"
 
+#include "core/OSTJsonWriter.h"
 #include "network/OSTEncryption.h"
 
 #include <QJsonDocument>
@@ -11,26 +12,42 @@ namespace ostrel {
 
 namespace {
 
-QString base64OrEmpty(const std::optional<QByteArray> &bytes)
+void appendMember(QByteArray &out, const char *key, const std::optional<QByteArray> &bytes)
 {
-    return bytes ? QString::fromLatin1(bytes->toBase64()) : QString();
+    out.append('"').append(key).append("\":\"");
+    if (bytes)
+        out.append(bytes->toBase64());
+    out.append('"');
 }
 
 } // namespace
 
 QByteArray OSTRequestEnvelope::serializedParameters(const QVariantMap &parameters)
 {
+    if (std::optional<QByteArray> json = OSTJsonWriter::serialized(parameters))
+        return *std::move(json);
     return QJsonDocument(QJsonObject::fromVariantMap(parameters)).toJson(QJsonDocument::Compact);
 }
 
 QByteArray OSTRequestEnvelope::bodyForParameters(const QVariantMap &parameters)
 {
-    const QJsonObject envelope{
-        {u"iv"_s, base64OrEmpty(OSTEncryption::initializationVector())},
-        {u"encrypted_key"_s, base64OrEmpty(OSTEncryption::encryptedAESKey())},
-        {u"encrypted_data"_s, base64OrEmpty(OSTEncryption::encryptData(serializedParameters(parameters)))},
-    };
-    return QJsonDocument(envelope).toJson(QJsonDocument::Compact);
+    return bodyForSerializedParameters(serializedParameters(parameters));
+}
+
+QByteArray OSTRequestEnvelope::bodyForSerializedParameters(const QByteArray &json)
+{
+    const std::optional<QByteArray> encrypted = OSTEncryption::encryptData(json);
+    QByteArray body;
+    // Base64 grows by a third; the members never need escaping.
+    body.reserve((encrypted ? encrypted->size() : 0) * 4 / 3 + 512);
+    body.append('{');
+    appendMember(body, "iv", OSTEncryption::initializationVector());
+    body.append(',');
+    appendMember(body, "encrypted_key", OSTEncryption::encryptedAESKey());
+    body.append(',');
+    appendMember(body, "encrypted_data", encrypted);
+    body.append('}');
+    return body;
 }
 
 } // namespace ostrel

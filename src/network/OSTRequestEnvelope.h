@@ -12,9 +12,13 @@ class OSTRequestEnvelope {
 public:
     OSTRequestEnvelope() = delete;
 
-    // The parameters' compact JSON text.
+    // The parameters' compact JSON text. Values JSON cannot carry directly (dates, data) take
+    // QJsonValue's conversion.
     static QByteArray serializedParameters(const QVariantMap &parameters);
     static QByteArray bodyForParameters(const QVariantMap &parameters);
+    // The envelope of parameters that are already JSON text (a JSON object), as the event queue
+    // keeps them; the text is encrypted as it stands.
+    static QByteArray bodyForSerializedParameters(const QByteArray &json);
 };
 
 } // namespace ostrel

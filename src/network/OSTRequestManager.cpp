@@ -120,12 +120,30 @@ OSTRequestManager::Task OSTRequestManager::apiRequestWithEndpoint(const QString 
                                                                   const std::shared_ptr<OSTURLSession> &session,
                                                                   const BodyCompletion &completion)
 {
+    OSTLogging::logDebug(u"Sending API request to endpoint \"%1\" with parameters: %2"_s, endpoint, parameters);
+    return apiRequestWithBody(endpoint, OSTRequestEnvelope::bodyForParameters(parameters), session, completion);
+}
+
+OSTRequestManager::Task OSTRequestManager::apiStringRequestWithSerializedParameters(const QString &endpoint,
+                                                                                    const QByteArray &json,
+                                                                                    const StringCompletion &completion)
+{
+    if (OSTLogging::loggingLevel() >= OSTLoggingLevelDebug)
+        OSTLogging::logDebug(u"Sending API request to endpoint \"%1\" with parameters: %2"_s, endpoint, json);
+    Task task = apiRequestWithBody(endpoint, OSTRequestEnvelope::bodyForSerializedParameters(json), m_dataSession,
+                                   decodingCompletion(endpoint, &OSTResponseDecoder::stringFromBody, completion));
+    task->resume();
+    return task;
+}
+
+OSTRequestManager::Task OSTRequestManager::apiRequestWithBody(const QString &endpoint, const QByteArray &body,
+                                                              const std::shared_ptr<OSTURLSession> &session,
+                                                              const BodyCompletion &completion)
+{
     QNetworkRequest request = requestWithURL(OSTServiceConfiguration::sharedConfiguration().urlForEndpoint(endpoint));
     request.setRawHeader("Content-type", "application/json");
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    OSTLogging::logDebug(u"Sending API request to endpoint \"%1\" with parameters: %2"_s, endpoint, parameters);
-    return session->dataTask(request, OSTRequestEnvelope::bodyForParameters(parameters),
-                             [this, endpoint, completion](const OSTURLTaskResult &result) {
+    return session->dataTask(request, body, [this, endpoint, completion](const OSTURLTaskResult &result) {
         if (completion)
             completeAPIRequest(endpoint, result, completion);
     });

@@ -58,6 +58,10 @@ public:
     // The decrypted answer as UTF-8 text (the "event" and "verify_phone_number" endpoints).
     Task apiStringRequestWithEndpoint(const QString &endpoint, const QVariantMap &parameters,
                                       const StringCompletion &completion);
+    // The same for parameters that are already a JSON object's text (the event queue keeps its
+    // events as text, so a batch is never serialised twice).
+    Task apiStringRequestWithSerializedParameters(const QString &endpoint, const QByteArray &json,
+                                                  const StringCompletion &completion);
     // Builds the request on `session` without starting it; logs the parameters in clear at debug
     // level.
     Task apiRequestWithEndpoint(const QString &endpoint, const QVariantMap &parameters,
@@ -78,6 +82,8 @@ private:
     OSTRequestManager();
 
     static QNetworkRequest requestWithURL(const QUrl &url);
+    Task apiRequestWithBody(const QString &endpoint, const QByteArray &body,
+                            const std::shared_ptr<OSTURLSession> &session, const BodyCompletion &completion);
     void completeAPIRequest(const QString &endpoint, const OSTURLTaskResult &result,
                             const BodyCompletion &completion) const;
     void completeImageRequest(const OSTURLTaskResult &result, double startTime,

@@ -109,6 +109,17 @@ bool OSTDefaultsStore::isOpen() const
     return m_database;
 }
 
+std::optional<QString> OSTDefaultsStore::moveDamagedFileAside(const QString &databasePath)
+{
+    const QString aside = u"%1.corrupt-%2"_s.arg(databasePath).arg(QDateTime::currentMSecsSinceEpoch());
+    const bool moved = QFile::rename(databasePath, aside);
+    QFile::remove(databasePath + u"-wal"_s);
+    QFile::remove(databasePath + u"-shm"_s);
+    if (!moved)
+        return std::nullopt;
+    return aside;
+}
+
 QString OSTDefaultsStore::open()
 {
     const int result = sqlite3_open_v2(QFile::encodeName(m_path).constData(), &m_database,
@@ -132,14 +143,11 @@ QString OSTDefaultsStore::open()
 void OSTDefaultsStore::moveAsideAndReopen(const QString &reason)
 {
     closeDatabase();
-    const QString aside = u"%1.corrupt-%2"_s.arg(m_path).arg(QDateTime::currentMSecsSinceEpoch());
-    const bool moved = QFile::rename(m_path, aside);
-    QFile::remove(m_path + u"-wal"_s);
-    QFile::remove(m_path + u"-shm"_s);
-    noteProblem(moved ? u"the store %1 could not be used (%2); it was moved to %3 and the SDK starts "
-                        u"with empty settings"_s.arg(m_path, reason, aside)
+    const std::optional<QString> aside = moveDamagedFileAside(m_path);
+    noteProblem(aside ? u"the store %1 could not be used (%2); it was moved to %3 and the SDK starts "
+                        u"with empty settings"_s.arg(m_path, reason, *aside)
                       : u"the store %1 could not be used (%2) nor moved aside"_s.arg(m_path, reason));
-    if (!moved && QFile::exists(m_path))
+    if (!aside && QFile::exists(m_path))
         return;
     if (const QString failure = open(); !failure.isEmpty()) {
         noteProblem(u"a new store at %1 could not be created: %2"_s.arg(m_path, failure));

@@ -32,6 +32,10 @@ public:
     static OSTDefaultsStore &standardStore();
     static QString standardStorePath();
 
+    // Moves a damaged database file (and its write-ahead log) out of the way, to a name beside it
+    // that marks it corrupt; returns that name, or nothing when the file could not be moved.
+    static std::optional<QString> moveDamagedFileAside(const QString &databasePath);
+
     QString databasePath() const { return m_path; }
     // Whether a database is open; when false every write fails and reads find nothing.
     bool isOpen() const;

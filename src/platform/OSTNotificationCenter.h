@@ -16,6 +16,9 @@ struct OSTNotification {
     // The sender, compared by address only; never dereferenced by the center.
     const void *object = nullptr;
     QVariantMap userInfo;
+    // The object's contents when the object is a dictionary (as for the event notification), so
+    // that observers outside the SDK can read it without knowing the object's type.
+    QVariantMap objectDictionary = {};
 };
 
 using OSTObserverToken = std::uint64_t;

@@ -198,6 +198,12 @@ QList<QVariantMap> OSTDevServerProcess::storedEvents() const
     return events;
 }
 
+int OSTDevServerProcess::storedEventCount() const
+{
+    const QList<QVariantList> rows = query(u"SELECT COUNT(*) FROM events"_s);
+    return rows.isEmpty() ? 0 : rows.first().value(0).toInt();
+}
+
 std::optional<QString> OSTDevServerProcess::verificationPin(const QString &phoneNumber) const
 {
     const QList<QVariantList> rows =

@@ -90,6 +90,7 @@ public:
     QList<OSTRecordedRequest> recordedRequests(const QString &endpoint = {}) const;
     // The stored events (each once per "ost_event_id"), oldest first.
     QList<QVariantMap> storedEvents() const;
+    int storedEventCount() const;
     // The last PIN derived for `phoneNumber`.
     std::optional<QString> verificationPin(const QString &phoneNumber) const;
     // What the service holds for "user:<id>" or "device:<id>".

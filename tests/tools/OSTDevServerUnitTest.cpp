@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 using namespace ostrel::devserver;
 using namespace Qt::StringLiterals;
 
@@ -114,6 +116,19 @@ TEST(DevServerFaults, AnEndpointsOwnFaultWinsOverTheWildcardAndCountedFaultsRunO
     EXPECT_DOUBLE_EQ(switches.take(u"launch_v3"_s)->delaySeconds, 1.0);
     switches.clear();
     EXPECT_FALSE(switches.take(u"launch_v3"_s));
+}
+
+TEST(DevServerFaults, AShareFaultsThatPartOfTheAnswersEvenlyAndCountsOnlyFaultedOnes)
+{
+    FaultSwitches switches;
+    QString error;
+    switches.set(u"event"_s, *Fault::fromJson(objectOf(R"({"status": 500, "share": 0.5, "times": 3})"), error));
+    std::vector<bool> faulted;
+    for (int answer = 0; answer < 8; ++answer)
+        faulted.push_back(switches.take(u"event"_s).has_value());
+    EXPECT_EQ(faulted, (std::vector<bool>{false, true, false, true, false, true, false, false}));
+    for (const QString &bad : {u"event:share=0"_s, u"event:share=1.5"_s})
+        EXPECT_FALSE(Fault::fromCommandLine(bad, error)) << bad.toStdString();
 }
 
 TEST(DevServerAdmin, AnswersLoopbackOnlyAndAppliesAllOrNothing)

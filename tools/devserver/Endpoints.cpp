@@ -133,10 +133,13 @@ EndpointAnswer Endpoints::launch(const QJsonObject &parameters)
 EndpointAnswer Endpoints::event(const QJsonObject &parameters)
 {
     if (parameters.value(u"events"_s).isArray()) {
+        // One transaction per batch: a commit per event would make large batches slow to answer.
+        m_database.execute(u"BEGIN"_s);
         for (const QJsonValue &single : parameters.value(u"events"_s).toArray()) {
             if (single.isObject())
                 storeEvent(single.toObject());
         }
+        m_database.execute(u"COMMIT"_s);
     } else {
         storeEvent(parameters);
     }

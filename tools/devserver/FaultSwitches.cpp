@@ -69,6 +69,8 @@ QJsonObject Fault::toJson(const QString &endpoint) const
         object.insert(u"status"_s, *status);
     if (remaining)
         object.insert(u"times"_s, *remaining);
+    if (share)
+        object.insert(u"share"_s, *share);
     return object;
 }
 
@@ -90,6 +92,8 @@ std::optional<Fault> Fault::fromJson(const QJsonObject &object, QString &error)
             fault.connection = *valueNamed(connectionNames, value.toString());
         } else if (key == u"times"_s && isWholeNumber(value, 1, 1000000)) {
             fault.remaining = value.toInt();
+        } else if (key == u"share"_s && value.isDouble() && value.toDouble() > 0.0 && value.toDouble() <= 1.0) {
+            fault.share = value.toDouble();
         } else {
             error = u"unknown fault key or bad value: \"%1\""_s.arg(key);
             return std::nullopt;
@@ -138,6 +142,12 @@ std::optional<Fault> FaultSwitches::take(const QString &endpoint)
         entry = m_faults.find(anyEndpoint);
     if (entry == m_faults.end())
         return std::nullopt;
+    if (entry->share) {
+        entry->shareCredit += *entry->share;
+        if (entry->shareCredit < 1.0)
+            return std::nullopt;
+        entry->shareCredit -= 1.0;
+    }
     const Fault fault = entry.value();
     if (entry->remaining && --*entry->remaining <= 0)
         m_faults.erase(entry);

@@ -34,10 +34,16 @@ struct Fault {
     Connection connection = Connection::Normal;
     // How many more answers it applies to; unlimited when absent.
     std::optional<int> remaining;
+    // The share of answers it applies to (0 to 1), spread evenly: 0.5 is every other answer.
+    // Every answer when absent.
+    std::optional<double> share;
+    // Accumulates the share; an answer is faulted whenever it reaches 1.
+    double shareCredit = 0.0;
 
     // The fault written in the admin route's form, with "endpoint".
     QJsonObject toJson(const QString &endpoint) const;
-    // Reads {"status": 500, "delay": 2.5, "body": "garbage", "connection": "drop", "times": 1}.
+    // Reads {"status": 500, "delay": 2.5, "body": "garbage", "connection": "drop", "times": 1,
+    // "share": 0.5}.
     static std::optional<Fault> fromJson(const QJsonObject &object, QString &error);
     // Reads "endpoint:key=value,key=value" with the keys above, e.g. "launch_v3:status=500,times=1".
     static std::optional<std::pair<QString, Fault>> fromCommandLine(const QString &text, QString &error);

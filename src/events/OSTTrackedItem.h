@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QVariantMap>
+
+namespace ostrel {
+
+// What an event needs to know about a screen or a flow of the experience document: its key, its
+// name and the tracking parameters the document gives it. A screen also names the flow it
+// belongs to. The document's types implement it; events never hold on to one.
+class OSTTrackedItem {
+public:
+    virtual ~OSTTrackedItem() = default;
+
+    virtual QString key() const = 0;
+    virtual QString name() const = 0;
+    virtual QVariantMap trackingParameters() const = 0;
+    // The flow that holds this screen; null for a flow, or for a screen outside every flow.
+    virtual const OSTTrackedItem *flow() const { return nullptr; }
+};
+
+} // namespace ostrel
