@@ -17,9 +17,12 @@ public:
     // made here belong to it).
     static void prepareProcess();
 
+    // Turns the network's statistics into statistical events on the event hook. Part of
+    // prepareProcess(); also for code that records events without starting the SDK.
+    static void connectNetworkStatistics();
+
 private:
     static void reportBundleProblems();
-    static void connectNetworkStatistics();
     static void connectManagers();
     static void connectEventManager();
 };

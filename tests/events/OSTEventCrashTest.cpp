@@ -35,7 +35,7 @@ const bool writerRegistered = test::OSTChildProcess::registerMode(u"event-writer
     qputenv("XDG_DATA_HOME", arguments.at(arguments.size() - 3).toLocal8Bit());
     Ostrel::setMainBundlePath(arguments.at(arguments.size() - 2));
     const int run = arguments.last().toInt();
-    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual);
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
     Ostrel::startWithToken(u"crash-token"_s);
     std::atomic<bool> writing = true;
     std::thread sender([&] {
@@ -85,7 +85,7 @@ QList<int> runWriterAndKill(const QString &dataFolder, const QString &bundleFold
 
 TEST(EventCrash, EveryEventTakenInBeforeASIGKILLReachesTheServiceExactlyOnce)
 {
-    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual);
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
     test::OSTDevServerProcess server;
     ASSERT_TRUE(server.start());
     QTemporaryDir bundle;

@@ -34,7 +34,7 @@ namespace {
 
 class EventQueue : public ::testing::Test {
 protected:
-    void SetUp() override { OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual); }
+    void SetUp() override { OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host); }
 
     // Starts the service with `faults`, points the main bundle at it and starts the SDK.
     void start(const QStringList &faults = {})

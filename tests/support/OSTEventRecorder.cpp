@@ -9,7 +9,7 @@ namespace ostrel::test {
 
 OSTEventRecorder::OSTEventRecorder()
 {
-    OSTStartup::prepareProcess();
+    OSTStartup::connectNetworkStatistics();
     OSTEventHook::connectReceiver([this](const std::shared_ptr<const OSTEvent> &event) {
         QMutexLocker locker(&m_mutex);
         m_events.push_back(event);
