@@ -5,45 +5,61 @@
 #include <QMutex>
 #include <QMutexLocker>
 
+#include <utility>
+#include <vector>
+
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
 namespace {
 
-struct ReceiverSlot {
+struct Receivers {
     QMutex mutex;
-    OSTEventHook::Receiver receiver;
+    std::vector<std::pair<OSTEventHook::ReceiverId, OSTEventHook::Receiver>> list;
+    OSTEventHook::ReceiverId nextId = 1;
 };
 
-ReceiverSlot &receiverSlot()
+Receivers &receivers()
 {
-    static ReceiverSlot slot;
-    return slot;
+    static Receivers all;
+    return all;
 }
 
 } // namespace
 
-void OSTEventHook::connectReceiver(Receiver receiver)
+OSTEventHook::ReceiverId OSTEventHook::addReceiver(Receiver receiver)
 {
-    ReceiverSlot &slot = receiverSlot();
-    QMutexLocker locker(&slot.mutex);
-    slot.receiver = std::move(receiver);
+    Receivers &all = receivers();
+    QMutexLocker locker(&all.mutex);
+    const ReceiverId id = all.nextId++;
+    all.list.emplace_back(id, std::move(receiver));
+    return id;
+}
+
+void OSTEventHook::removeReceiver(ReceiverId id)
+{
+    Receivers &all = receivers();
+    QMutexLocker locker(&all.mutex);
+    std::erase_if(all.list, [id](const auto &entry) { return entry.first == id; });
 }
 
 void OSTEventHook::sendEvent(const std::shared_ptr<const OSTEvent> &event)
 {
-    Receiver receiver;
+    std::vector<Receiver> current;
     {
-        ReceiverSlot &slot = receiverSlot();
-        QMutexLocker locker(&slot.mutex);
-        receiver = slot.receiver;
+        Receivers &all = receivers();
+        QMutexLocker locker(&all.mutex);
+        for (const auto &entry : all.list)
+            current.push_back(entry.second);
     }
-    if (receiver)
-        receiver(event);
-    else
+    if (current.empty()) {
         OSTLogging::logDebug(u"No event manager yet; dropping event \"%1\": %2"_s, event->name(),
                              event->parameters());
+        return;
+    }
+    for (const Receiver &receiver : current)
+        receiver(event);
 }
 
 } // namespace ostrel

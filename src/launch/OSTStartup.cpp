@@ -79,7 +79,7 @@ void OSTStartup::connectEventManager()
     // The user, attribution and advertising sources join when their managers exist.
     OSTEventSources::connect({.sdkToken = [] { return OSTServiceManager::sharedManager().token(); }});
     OSTEventManager &events = OSTEventManager::sharedManager();
-    OSTEventHook::connectReceiver([&events](const std::shared_ptr<const OSTEvent> &event) { events.sendEvent(event); });
+    OSTEventHook::addReceiver([&events](const std::shared_ptr<const OSTEvent> &event) { events.sendEvent(event); });
     OSTServiceManager::sharedManager().connectLaunchResponseReceiver(
         OSTServiceManager::LaunchResponseReceiver::Events,
         [&events](const OSTServiceManager::LaunchResponse &response) { events.processLaunchResponse(response); });

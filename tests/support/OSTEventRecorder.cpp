@@ -10,7 +10,7 @@ namespace ostrel::test {
 OSTEventRecorder::OSTEventRecorder()
 {
     OSTStartup::connectNetworkStatistics();
-    OSTEventHook::connectReceiver([this](const std::shared_ptr<const OSTEvent> &event) {
+    m_receiver = OSTEventHook::addReceiver([this](const std::shared_ptr<const OSTEvent> &event) {
         QMutexLocker locker(&m_mutex);
         m_events.push_back(event);
     });
@@ -18,7 +18,7 @@ OSTEventRecorder::OSTEventRecorder()
 
 OSTEventRecorder::~OSTEventRecorder()
 {
-    OSTEventHook::connectReceiver({});
+    OSTEventHook::removeReceiver(m_receiver);
 }
 
 std::vector<QVariantMap> OSTEventRecorder::parametersOf(const QString &name, const QString &kind) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "events/OSTEvent.h"
+#include "events/OSTEventHook.h"
 
 #include <QMutex>
 #include <QString>
@@ -28,6 +29,7 @@ public:
 
 private:
     mutable QMutex m_mutex;
+    OSTEventHook::ReceiverId m_receiver = 0;
     std::vector<std::shared_ptr<const OSTEvent>> m_events;
 };
 
