@@ -7,6 +7,8 @@
 #include "OSTLayoutReferenceResolution.h"
 #include "OSTLayoutTestSupport.h"
 
+#include "render/OSTLayoutCompiledFormulas.h"
+#include "render/OSTLayoutKeyIndex.h"
 #include "render/OSTLayoutManager.h"
 
 #include <QJsonDocument>
@@ -42,6 +44,21 @@ void expectSameResolution(OSTLayoutManager &manager, double statusBar, const QSt
             ASSERT_EQ(actual->valueOfAttribute(name), element.values[size_t(index)])
                 << element.key.toStdString() << "." << name.toStdString() << " in "
                 << context.toStdString();
+        }
+    }
+}
+
+// Counts the formulas of the screen that compile and those left to the string path.
+void countFormulas(const QVariantMap &screen, int &compiled, int &textual)
+{
+    const OSTLayoutManager manager(screen, QRectF(0, 0, 375, 667), 20);
+    const QStringList keys = manager.elements().keys();
+    const OSTLayoutKeyIndex index(keys);
+    OSTLayoutCompiledFormulas formulas(index, u"20.00"_s);
+    for (const auto &element : manager.elements()) {
+        for (const OSTLayoutElement::Attribute attribute : OSTLayoutElement::allAttributes) {
+            if (!element->isAttributeResolved(attribute))
+                (formulas.compile(0, attribute, element->value(attribute)) ? compiled : textual)++;
         }
     }
 }
@@ -245,6 +262,8 @@ TEST(LayoutEquivalence, GeneratedScreensResolveAsPassByPassResolutionDoes)
     ScreenGenerator generator(20240501);
     int resolved = 0;
     int unresolved = 0;
+    int compiled = 0;
+    int textual = 0;
     for (int round = 0; round < 5000; ++round) {
         const QVariantMap screen = generator.screen(round % 2 == 0);
         const double statusBar = round % 3 ? 20.0 : 24.5;
@@ -259,7 +278,11 @@ TEST(LayoutEquivalence, GeneratedScreensResolveAsPassByPassResolutionDoes)
         for (const auto &element : manager.elements())
             all = all && element->isResolved();
         (all ? resolved : unresolved)++;
+        countFormulas(screen, compiled, textual);
     }
+    // Both ways of resolving an attribute must be exercised, the compiled one most.
+    EXPECT_GT(compiled, 20000);
+    EXPECT_GT(textual, 5000);
     // The generator must exercise both outcomes.
     EXPECT_GT(resolved, 600);
     EXPECT_GT(unresolved, 600);
