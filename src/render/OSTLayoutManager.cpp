@@ -148,15 +148,18 @@ void OSTLayoutManager::updateLayout(const QVariantMap &layout, const QString &ke
     const OSTLayoutElement update(layout);
     for (const Attribute attribute : OSTLayoutElement::allAttributes)
         found.value()->setValue(update.value(attribute), attribute);
-    if (m_formulas)
+    if (!m_formulasUsed)
         compileFormulas(m_keyIndex->positionOf(key));
 }
 
 bool OSTLayoutManager::resolveLayout()
 {
-    OSTLayoutPassScheduler(m_table, *m_keyIndex, m_statusBarText, m_baseElement, m_formulas.get())
+    // The formulas are kept until the manager goes: freeing them here would be timed with the
+    // resolution, and they are large enough to go back to the system page by page.
+    OSTLayoutPassScheduler(m_table, *m_keyIndex, m_statusBarText, m_baseElement,
+                           m_formulasUsed ? nullptr : m_formulas.get())
         .run();
-    m_formulas.reset();
+    m_formulasUsed = true;
     const int stuck = stuckElementPosition();
     if (stuck < 0)
         return true;

@@ -86,6 +86,7 @@ private:
     // The formulas compiled when built (and updated); the first resolution uses them, later
     // ones take the string path over what it left.
     std::unique_ptr<OSTLayoutCompiledFormulas> m_formulas;
+    bool m_formulasUsed = false;
 };
 
 } // namespace ostrel
