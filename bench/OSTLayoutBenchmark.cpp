@@ -1,6 +1,7 @@
 // Layout resolution, which runs on the GUI thread before a screen appears. Targets on the
-// project machine: a typical 40-element screen under 50 µs, 500 elements under 1 ms, and a
-// 2,000-element chain of references that the table visits last to first under 20 ms.
+// project machine: resolving a typical 40-element screen within 15 µs and 500 elements within
+// 200 µs, building and resolving 500 within 350 µs, and a 2,000-element chain of references
+// that the table visits last to first within 1.74 ms.
 //
 //   BM_Resolve/<n>              resolveLayout() alone, right after building the manager (the
 //                               building is not timed; the time is wall time)

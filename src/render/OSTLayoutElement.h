@@ -31,6 +31,12 @@ public:
     static const QString &attributeName(Attribute attribute);
     static int attributeIndex(QStringView name);
 
+    // The attribute of the parent that percentages of `attribute` are taken of.
+    static constexpr Attribute percentageBase(Attribute attribute)
+    {
+        return attribute == Height || attribute == Y ? Height : Width;
+    }
+
     // The nil layout: no attributes, not anchored, zLayer 0.
     OSTLayoutElement();
     // An element object of the screen JSON. Frame values are read only as strings: "x" and "y"

@@ -124,6 +124,20 @@ void OSTLayoutManager::build(const QVariantMap &layout, const QRectF &screenBoun
     m_elementKeysSortedByZLayer.reserve(m_tableKeys.size());
     for (const int position : order)
         m_elementKeysSortedByZLayer.append(m_tableKeys.at(position));
+
+    m_keyIndex = std::make_unique<OSTLayoutKeyIndex>(m_tableKeys);
+    m_formulas = std::make_unique<OSTLayoutCompiledFormulas>(*m_keyIndex, m_statusBarText);
+    for (size_t position = 0; position < m_table.size(); ++position)
+        compileFormulas(int(position));
+}
+
+void OSTLayoutManager::compileFormulas(int position)
+{
+    const OSTLayoutElement &element = *m_table[size_t(position)];
+    for (const Attribute attribute : OSTLayoutElement::allAttributes) {
+        if (element.hasAttribute(attribute) && !element.isAttributeResolved(attribute))
+            m_formulas->compile(position, attribute, element.value(attribute));
+    }
 }
 
 void OSTLayoutManager::updateLayout(const QVariantMap &layout, const QString &key)
@@ -134,11 +148,18 @@ void OSTLayoutManager::updateLayout(const QVariantMap &layout, const QString &ke
     const OSTLayoutElement update(layout);
     for (const Attribute attribute : OSTLayoutElement::allAttributes)
         found.value()->setValue(update.value(attribute), attribute);
+    if (!m_formulasUsed)
+        compileFormulas(m_keyIndex->positionOf(key));
 }
 
 bool OSTLayoutManager::resolveLayout()
 {
-    OSTLayoutPassScheduler(m_table, m_tableKeys, m_statusBarText, m_baseElement).run();
+    // The formulas are kept until the manager goes: freeing them here would be timed with the
+    // resolution, and they are large enough to go back to the system page by page.
+    OSTLayoutPassScheduler(m_table, *m_keyIndex, m_statusBarText, m_baseElement,
+                           m_formulasUsed ? nullptr : m_formulas.get())
+        .run();
+    m_formulasUsed = true;
     const int stuck = stuckElementPosition();
     if (stuck < 0)
         return true;

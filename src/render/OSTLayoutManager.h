@@ -1,6 +1,8 @@
 #pragma once
 
+#include "render/OSTLayoutCompiledFormulas.h"
 #include "render/OSTLayoutElement.h"
+#include "render/OSTLayoutKeyIndex.h"
 
 #include <QMap>
 #include <QRectF>
@@ -65,6 +67,7 @@ public:
 
 private:
     void build(const QVariantMap &layout, const QRectF &screenBounds);
+    void compileFormulas(int position);
     int stuckElementPosition() const;
     void logStuckElement(int position) const;
     static bool waitsForParent(const OSTLayoutElement &element);
@@ -79,6 +82,11 @@ private:
     // The table in iteration order (key order), and its keys.
     std::vector<OSTLayoutElement *> m_table;
     QStringList m_tableKeys;
+    std::unique_ptr<OSTLayoutKeyIndex> m_keyIndex;
+    // The formulas compiled when built (and updated); the first resolution uses them, later
+    // ones take the string path over what it left.
+    std::unique_ptr<OSTLayoutCompiledFormulas> m_formulas;
+    bool m_formulasUsed = false;
 };
 
 } // namespace ostrel

@@ -64,6 +64,31 @@ qsizetype OSTLayoutNumbers::writeInteger(qint64 value, char16_t *buffer)
     return length;
 }
 
+// For a whole percent below 10^12 the nearest double to percent / 100 lies far closer than half
+// a hundredth to it, so the digits are those of the integer itself.
+qsizetype OSTLayoutNumbers::writeHundredths(double wholePercent, char16_t *buffer)
+{
+    if (wholePercent >= 0 && wholePercent < 1e12) {
+        const auto whole = qint64(wholePercent);
+        qsizetype length = writeInteger(whole / 100, buffer);
+        buffer[length++] = u'.';
+        buffer[length++] = char16_t(u'0' + whole % 100 / 10);
+        buffer[length++] = char16_t(u'0' + whole % 10);
+        return length;
+    }
+    char digits[400];
+    const qsizetype length = writeTwoDecimals(wholePercent / 100.0, digits, sizeof digits);
+    std::copy(digits, digits + length, buffer);
+    return length;
+}
+
+std::optional<qint64> OSTLayoutNumbers::truncatedInteger(double value)
+{
+    if (!(value >= -9223372036854775808.0 && value < 9223372036854775808.0))
+        return std::nullopt;
+    return static_cast<qint64>(value);
+}
+
 double OSTLayoutNumbers::decimalValue(QStringView text)
 {
     qsizetype end = 0;

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringView>
 
+#include <optional>
+
 namespace ostrel {
 
 class OSTLayoutNumbers {
@@ -22,6 +24,14 @@ public:
     // "%ld" written into `buffer` (24 characters): the integer in decimal, a minus sign when
     // negative. Returns the length.
     static qsizetype writeInteger(qint64 value, char16_t *buffer);
+
+    // "%.2f" of `wholePercent` / 100 written into `buffer` (at least 400 characters), as
+    // percentages are written into formulas; returns the length.
+    static qsizetype writeHundredths(double wholePercent, char16_t *buffer);
+
+    // The integer part of a computed result, or nothing when it is not a number or does not fit
+    // in 64 bits.
+    static std::optional<qint64> truncatedInteger(double value);
 
     // The double value of the leading decimal number of `text` (digits, optionally a point and
     // digits; no sign, no exponent), as the platform's string-to-double reading gives it: 0 when

@@ -6,9 +6,11 @@
 namespace ostrel {
 
 OSTLayoutPassScheduler::OSTLayoutPassScheduler(
-    const std::vector<OSTLayoutElement *> &table, const QStringList &keys,
-    const QString &statusBarText, const std::shared_ptr<OSTLayoutElement> &baseElement)
-    : m_table(table), m_nodes(nodesOf(table, baseElement)), m_resolver(table, keys, statusBarText)
+    const std::vector<OSTLayoutElement *> &table, const OSTLayoutKeyIndex &keys,
+    const QString &statusBarText, const std::shared_ptr<OSTLayoutElement> &baseElement,
+    const OSTLayoutCompiledFormulas *formulas)
+    : m_table(table), m_nodes(nodesOf(table, baseElement)),
+      m_resolver(table, keys, statusBarText, formulas)
 {
 }
 
@@ -22,6 +24,7 @@ void OSTLayoutPassScheduler::run()
         runPass();
         startNextPass();
     }
+    m_resolver.writeUnresolvedFormulas();
 }
 
 // A node for each element of the table: its parent, and the parent's position when it is in
@@ -71,7 +74,7 @@ void OSTLayoutPassScheduler::visit(int position)
             await(node.parentPosition, position);
         return;
     }
-    const OSTLayoutResolver::Outcome outcome = m_resolver.resolveElement(element, *node.parent);
+    const OSTLayoutResolver::Outcome outcome = m_resolver.resolveElement(position, *node.parent);
     for (const int awaited : m_resolver.awaited())
         await(awaited, position);
     if (outcome.newlyResolved)

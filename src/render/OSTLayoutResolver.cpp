@@ -14,14 +14,6 @@ bool isDigitOrPoint(char16_t c)
     return (c >= u'0' && c <= u'9') || c == u'.';
 }
 
-// The attribute of the parent that a percentage of `attribute` is taken of.
-OSTLayoutElement::Attribute percentageBase(OSTLayoutElement::Attribute attribute)
-{
-    return (attribute == OSTLayoutElement::Height || attribute == OSTLayoutElement::Y)
-        ? OSTLayoutElement::Height
-        : OSTLayoutElement::Width;
-}
-
 // Where the search for the next percentage begins after a replacement made at `start`, given
 // the input that follows it: at the replacement, unless the two could continue a percentage.
 qsizetype nextPercentageSearchStart(qsizetype start, QStringView replacement,
@@ -36,24 +28,45 @@ qsizetype nextPercentageSearchStart(qsizetype start, QStringView replacement,
 } // namespace
 
 OSTLayoutResolver::OSTLayoutResolver(const std::vector<OSTLayoutElement *> &table,
-                                     const QStringList &keys, const QString &statusBarText)
+                                     const OSTLayoutKeyIndex &keys, const QString &statusBarText,
+                                     const OSTLayoutCompiledFormulas *formulas)
     : m_table(table), m_keyIndex(keys), m_statusBarText(statusBarText)
 {
+    if (formulas)
+        m_compiled.emplace(table, *formulas, statusBarText);
 }
 
-OSTLayoutResolver::Outcome OSTLayoutResolver::resolveElement(OSTLayoutElement &element,
+OSTLayoutResolver::Outcome OSTLayoutResolver::resolveElement(int position,
                                                              const OSTLayoutElement &parent)
 {
+    OSTLayoutElement &element = *m_table[size_t(position)];
     m_changed = false;
     m_awaited.clear();
     bool newlyResolved = false;
     for (const Attribute attribute : OSTLayoutElement::allAttributes) {
         if (!element.hasAttribute(attribute) || element.isAttributeResolved(attribute))
             continue;
-        resolveAttribute(element, attribute, parent);
+        resolveAttribute(position, attribute, parent);
         newlyResolved = newlyResolved || element.isAttributeResolved(attribute);
     }
     return Outcome{m_changed, newlyResolved};
+}
+
+void OSTLayoutResolver::writeUnresolvedFormulas()
+{
+    if (m_compiled)
+        m_compiled->writeUnresolvedFormulas();
+}
+
+void OSTLayoutResolver::resolveAttribute(int position, Attribute attribute,
+                                         const OSTLayoutElement &parent)
+{
+    const OSTLayoutCompiledFormulas::Formula *formula =
+        m_compiled ? m_compiled->formula(position, attribute) : nullptr;
+    if (!formula)
+        resolveText(*m_table[size_t(position)], attribute, parent);
+    else if (m_compiled->visit(position, attribute, *formula, parent, m_awaited))
+        m_changed = true;
 }
 
 // The steps rewrite a local copy of the value, which is stored once, after the last step
@@ -61,8 +74,8 @@ OSTLayoutResolver::Outcome OSTLayoutResolver::resolveElement(OSTLayoutElement &e
 // the stored value of its own attribute only to see whether it is resolved, and the value
 // of an attribute being resolved cannot be a number while it still holds a name or a
 // reference.)
-void OSTLayoutResolver::resolveAttribute(OSTLayoutElement &element, Attribute attribute,
-                                         const OSTLayoutElement &parent)
+void OSTLayoutResolver::resolveText(OSTLayoutElement &element, Attribute attribute,
+                                    const OSTLayoutElement &parent)
 {
     OSTLayoutFormula &value = m_value;
     value.assign(element.value(attribute));
@@ -89,7 +102,7 @@ bool OSTLayoutResolver::resolvePercentages(OSTLayoutFormula &value, Attribute at
                                            const OSTLayoutElement &parent)
 {
     const QStringView input = value.view();
-    const QString &parentValue = parent.value(percentageBase(attribute));
+    const QString &parentValue = parent.value(OSTLayoutElement::percentageBase(attribute));
 
     OSTLayoutFormula &output = m_scratch;
     output.clear();
@@ -139,26 +152,10 @@ QStringView OSTLayoutResolver::percentageReplacement(QStringView number,
     return QStringView(m_replacement.constData(), m_replacement.size());
 }
 
-// "%.2f" of percent / 100. For a whole percent below 10^12 the nearest double to
-// percent / 100 lies far closer than half a hundredth to it, so the digits are those of
-// the integer itself.
 void OSTLayoutResolver::appendHundredths(double percent)
 {
-    if (percent >= 0 && percent < 1e12) {
-        const auto whole = qint64(percent);
-        char16_t digits[24];
-        const qsizetype length = OSTLayoutNumbers::writeInteger(whole / 100, digits);
-        m_replacement.append(digits, length);
-        m_replacement.append(u'.');
-        m_replacement.append(char16_t(u'0' + whole % 100 / 10));
-        m_replacement.append(char16_t(u'0' + whole % 10));
-        return;
-    }
-    char digits[400];
-    const qsizetype length =
-        OSTLayoutNumbers::writeTwoDecimals(percent / 100.0, digits, sizeof digits);
-    for (qsizetype index = 0; index < length; ++index)
-        m_replacement.append(char16_t(digits[index]));
+    char16_t digits[400];
+    m_replacement.append(digits, OSTLayoutNumbers::writeHundredths(percent, digits));
 }
 
 // Step 2, with the own attributes and "statusBar". True when everything was available.
@@ -295,10 +292,12 @@ void OSTLayoutResolver::resolveExpression(OSTLayoutFormula &value)
     // Malformed arithmetic, division by zero and results beyond 64 bits leave the
     // attribute unresolved.
     const std::optional<double> result = OSTLayoutExpression::evaluate(value.view());
-    if (!result || !(*result >= -9223372036854775808.0 && *result < 9223372036854775808.0))
+    const std::optional<qint64> integer =
+        result ? OSTLayoutNumbers::truncatedInteger(*result) : std::nullopt;
+    if (!integer)
         return;
     char16_t digits[24];
-    const qsizetype length = OSTLayoutNumbers::writeInteger(static_cast<qint64>(*result), digits);
+    const qsizetype length = OSTLayoutNumbers::writeInteger(*integer, digits);
     value.assign(QStringView(digits, length));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "render/OSTLayoutCompiledResolution.h"
 #include "render/OSTLayoutElement.h"
 #include "render/OSTLayoutFormula.h"
 #include "render/OSTLayoutKeyIndex.h"
@@ -15,8 +16,9 @@
 
 namespace ostrel {
 
-// Resolution of one element: its attributes in the order x, y, width, height, each through the
-// percentage, reference and expression steps. Besides resolving, it reports whether any attribute
+// Resolution of one element: its attributes in the order x, y, width, height, each by its
+// compiled formula (OSTLayoutCompiledResolution) or, when it has none, through the percentage,
+// reference and expression steps on its text. Besides resolving, it reports whether any attribute
 // string changed and which elements' attributes it found unresolved, which is what
 // OSTLayoutPassScheduler needs.
 // Internal to the layout engine (not exported); used on the GUI thread only.
@@ -28,17 +30,22 @@ public:
     // braces are rewritten in one pass, whatever their size.
     static constexpr qint64 maximumReplacementWork = 50'000'000;
 
-    // The table, its keys and the status bar text must outlive the resolver.
-    OSTLayoutResolver(const std::vector<OSTLayoutElement *> &table, const QStringList &keys,
-                      const QString &statusBarText);
+    // The table, its key index, the status bar text and the formulas must outlive the
+    // resolver. Without formulas every attribute takes the string path.
+    OSTLayoutResolver(const std::vector<OSTLayoutElement *> &table, const OSTLayoutKeyIndex &keys,
+                      const QString &statusBarText, const OSTLayoutCompiledFormulas *formulas);
 
     struct Outcome {
         bool changed = false;       // some attribute string changed
         bool newlyResolved = false; // some attribute became resolved
     };
 
-    // Resolves the element's unresolved attributes in order; its parent is resolved.
-    Outcome resolveElement(OSTLayoutElement &element, const OSTLayoutElement &parent);
+    // Resolves the unresolved attributes of the element at `position` in order; its parent is
+    // resolved.
+    Outcome resolveElement(int position, const OSTLayoutElement &parent);
+
+    // At the end of resolution: the texts of the compiled formulas that stayed unresolved.
+    void writeUnresolvedFormulas();
 
     // Positions of the elements whose unresolved attributes the last resolveElement() needed.
     const std::vector<int> &awaited() const { return m_awaited; }
@@ -52,8 +59,9 @@ private:
         QStringView attributeName;
     };
 
-    void resolveAttribute(OSTLayoutElement &element, Attribute attribute,
-                          const OSTLayoutElement &parent);
+    void resolveAttribute(int position, Attribute attribute, const OSTLayoutElement &parent);
+    void resolveText(OSTLayoutElement &element, Attribute attribute,
+                     const OSTLayoutElement &parent);
 
     // Step 1: percentages of the parent.
     bool resolvePercentages(OSTLayoutFormula &value, Attribute attribute,
@@ -76,8 +84,9 @@ private:
     static void resolveExpression(OSTLayoutFormula &value);
 
     const std::vector<OSTLayoutElement *> &m_table;
-    const OSTLayoutKeyIndex m_keyIndex;
+    const OSTLayoutKeyIndex &m_keyIndex;
     const QString &m_statusBarText;
+    std::optional<OSTLayoutCompiledResolution> m_compiled;
     bool m_changed = false;
     std::vector<int> m_awaited;
     std::vector<OSTLayoutPatterns::Match> m_matches;

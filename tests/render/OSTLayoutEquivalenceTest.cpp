@@ -7,6 +7,8 @@
 #include "OSTLayoutReferenceResolution.h"
 #include "OSTLayoutTestSupport.h"
 
+#include "render/OSTLayoutCompiledFormulas.h"
+#include "render/OSTLayoutKeyIndex.h"
 #include "render/OSTLayoutManager.h"
 
 #include <QJsonDocument>
@@ -46,10 +48,27 @@ void expectSameResolution(OSTLayoutManager &manager, double statusBar, const QSt
     }
 }
 
+// Counts the formulas of the screen that compile and those left to the string path.
+void countFormulas(const QVariantMap &screen, int &compiled, int &textual)
+{
+    const OSTLayoutManager manager(screen, QRectF(0, 0, 375, 667), 20);
+    const QStringList keys = manager.elements().keys();
+    const OSTLayoutKeyIndex index(keys);
+    OSTLayoutCompiledFormulas formulas(index, u"20.00"_s);
+    for (const auto &element : manager.elements()) {
+        for (const OSTLayoutElement::Attribute attribute : OSTLayoutElement::allAttributes) {
+            if (!element->isAttributeResolved(attribute))
+                (formulas.compile(0, attribute, element->value(attribute)) ? compiled : textual)++;
+        }
+    }
+}
+
 // Random screens. A tidy screen refers only to elements generated before (in an order that
 // the table does not follow) and to own attributes that cannot form a loop, adds and
-// multiplies only, and so mostly resolves; an untidy one also has cycles, self-references,
-// unknown attribute names, negative numbers and broken formulas.
+// multiplies only (signs come in pairs), and so mostly resolves; an untidy one also has
+// cycles, self-references, unknown attribute names, negative numbers and broken formulas.
+// Both nest brackets, negate, compute with "statusBar" and own attributes, and chain through
+// groups: members stacked below each other inside a group, groups stacked below each other.
 class ScreenGenerator {
 public:
     explicit ScreenGenerator(unsigned seed) : m_random(seed) {}
@@ -62,6 +81,7 @@ public:
         static const QString categories[] = {u"shapes"_s, u"images"_s, u"labels"_s, u"inputs"_s,
                                              u"buttons"_s};
         QVariantMap screen;
+        m_lastGroup.clear();
         for (int index = 0; index < count; ++index) {
             const QString key =
                 pick(5) ? u"e%1"_s.arg(pick(40)) : QStringLiteral("group%1").arg(pick(4));
@@ -78,8 +98,12 @@ public:
             for (int member = pick(5); member > 0; --member)
                 members.append(pick(6) ? m_keys.at(pick(m_keys.size()))
                                        : QStringLiteral("group%1").arg(pick(4)));
+            const QString key = QStringLiteral("group%1").arg(pick(4));
+            if (pick(2))
+                chainThroughGroup(screen, object, members, key);
             object.insert(u"elements"_s, members);
-            groups.insert(QStringLiteral("group%1").arg(pick(4)), object);
+            groups.insert(key, object);
+            m_keys.append(key);
         }
         if (!groups.isEmpty())
             screen.insert(u"groups"_s, groups);
@@ -88,6 +112,36 @@ public:
 
 private:
     int pick(qsizetype bound) { return int(m_random() % quint32(bound)); }
+
+    // Members placed one below the other inside the group, and the group placed below the
+    // last member of the screen's previous such group.
+    void chainThroughGroup(QVariantMap &screen, QVariantMap &group, QVariantList &members,
+                           const QString &groupKey)
+    {
+        QString previous;
+        for (int member = 1 + pick(4); member > 0; --member) {
+            const QString key = QStringLiteral("%1m%2").arg(groupKey).arg(member);
+            const QString y = previous.isEmpty()
+                ? QStringLiteral("statusBar * %1 - %1 * statusBar").arg(pick(3))
+                : u"{"_s + previous + u".y} + {"_s + previous + u".height} + "_s
+                    + QString::number(pick(9));
+            QVariantMap object{{u"y"_s, y},
+                               {u"height"_s, pick(2) ? u"-(-(width / 4))"_s : u"10% + 2"_s},
+                               {u"x"_s, pick(2) ? u"(100% - width) / 2"_s : u"- -8"_s},
+                               {u"width"_s, pick(3) ? u"((90%))"_s : u"100% - (2 * 8)"_s}};
+            QVariantMap objects = screen.value(u"labels"_s).toMap();
+            objects.insert(key, object);
+            screen.insert(u"labels"_s, objects);
+            members.append(key);
+            previous = key;
+        }
+        group.insert(u"height"_s, u"(30% + statusBar)"_s);
+        if (!m_lastGroup.isEmpty() && m_lastGroup != groupKey)
+            group.insert(u"y"_s, u"{"_s + m_lastGroup + u".y} + {"_s + m_lastMember + u".y} + {"_s
+                                     + m_lastMember + u".height}"_s);
+        m_lastGroup = groupKey;
+        m_lastMember = previous;
+    }
 
     QVariantMap element()
     {
@@ -167,15 +221,29 @@ private:
         }
     }
 
+    // An operand, sometimes negated: twice (in all spellings) on a tidy screen.
+    QString signedOperand(int depth)
+    {
+        QString text = depth < 3 && !pick(4) ? u'(' + formula(depth + 1) + u')' : operand();
+        switch (pick(8)) {
+        case 0:
+            return u"-(-"_s + text + u')';
+        case 1:
+            return u"- -"_s + text;
+        case 2:
+            return m_tidy ? u"--"_s + text : u'-' + text;
+        default:
+            return text;
+        }
+    }
+
     QString formula(int depth)
     {
-        static const QString operators[] = {u" + "_s, u" * "_s, u" - "_s, u" / "_s, u"+"_s};
-        QString text = operand();
-        for (int more = pick(depth ? 2 : 4); more > 0; --more) {
-            const QString right =
-                depth < 2 && !pick(4) ? u'(' + formula(depth + 1) + u')' : operand();
-            text += operators[m_tidy ? pick(2) : pick(5)] + right;
-        }
+        static const QString operators[] = {u" + "_s, u" * "_s, u" - "_s, u" / "_s, u"+"_s,
+                                            u"*"_s,  u"-"_s};
+        QString text = signedOperand(depth);
+        for (int more = pick(depth ? 2 : 4); more > 0; --more)
+            text += operators[m_tidy ? (pick(2) ? pick(2) : 5) : pick(7)] + signedOperand(depth);
         return text;
     }
 
@@ -183,6 +251,8 @@ private:
     QStringList m_keys;
     bool m_tidy = false;
     int m_attribute = 0;
+    QString m_lastGroup;
+    QString m_lastMember;
 };
 
 } // namespace
@@ -192,7 +262,9 @@ TEST(LayoutEquivalence, GeneratedScreensResolveAsPassByPassResolutionDoes)
     ScreenGenerator generator(20240501);
     int resolved = 0;
     int unresolved = 0;
-    for (int round = 0; round < 1500; ++round) {
+    int compiled = 0;
+    int textual = 0;
+    for (int round = 0; round < 5000; ++round) {
         const QVariantMap screen = generator.screen(round % 2 == 0);
         const double statusBar = round % 3 ? 20.0 : 24.5;
         OSTLayoutManager manager(screen, QRectF(0, 0, round % 4 < 2 ? 375 : 320.5, 667), statusBar);
@@ -206,10 +278,14 @@ TEST(LayoutEquivalence, GeneratedScreensResolveAsPassByPassResolutionDoes)
         for (const auto &element : manager.elements())
             all = all && element->isResolved();
         (all ? resolved : unresolved)++;
+        countFormulas(screen, compiled, textual);
     }
+    // Both ways of resolving an attribute must be exercised, the compiled one most.
+    EXPECT_GT(compiled, 20000);
+    EXPECT_GT(textual, 5000);
     // The generator must exercise both outcomes.
-    EXPECT_GT(resolved, 300);
-    EXPECT_GT(unresolved, 300);
+    EXPECT_GT(resolved, 600);
+    EXPECT_GT(unresolved, 600);
 }
 
 TEST(LayoutEquivalence, AChainVisitedLastToFirstTakesOnePassPerLink)
