@@ -4,6 +4,7 @@
 #include "core/OSTLogging.h"
 #include "core/OSTUserDefaultsManager.h"
 #include "network/OSTImageManager.h"
+#include "platform/OSTApplication.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -62,17 +63,28 @@ std::optional<QVariantMap> localScreenMetadata(const QVariant &metadata, const Q
 
 OSTFlowManager &OSTFlowManager::sharedManager()
 {
-    static OSTFlowManager manager(OSTUserDefaultsManager::sharedManager());
-    return manager;
+    // Never destroyed: its queue cannot be stopped once the application object is gone. Pending
+    // writes are finished when the application leaves the foreground or terminates instead.
+    static OSTFlowManager *manager = new OSTFlowManager(OSTUserDefaultsManager::sharedManager());
+    return *manager;
 }
 
 OSTFlowManager::OSTFlowManager(OSTUserDefaultsManager &settings)
     : m_settings(settings), m_cacheQueue(u"com.ostrelhq.flowManagerCacheQueue"_s)
 {
     loadCachedFlowsAndScreens();
+    for (const QString &notification :
+         {OSTApplicationDidEnterBackgroundNotification, OSTApplicationWillTerminateNotification}) {
+        m_lifecycleObservers.push_back(OSTNotificationCenter::defaultCenter().addObserver(
+            notification, [this](const OSTNotification &) { synchronize(); }));
+    }
 }
 
-OSTFlowManager::~OSTFlowManager() = default;
+OSTFlowManager::~OSTFlowManager()
+{
+    for (const OSTObserverToken observer : m_lifecycleObservers)
+        OSTNotificationCenter::defaultCenter().removeObserver(observer);
+}
 
 void OSTFlowManager::loadCachedFlowsAndScreens()
 {

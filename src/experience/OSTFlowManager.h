@@ -2,6 +2,7 @@
 
 #include "experience/OSTFlow.h"
 #include "experience/OSTScreen.h"
+#include "platform/OSTNotificationCenter.h"
 #include "platform/OSTSerialQueue.h"
 
 #include <QMap>
@@ -11,6 +12,7 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <vector>
 
 namespace ostrel {
 
@@ -36,7 +38,8 @@ public:
 
     // Registers the delivery cached in `settings`, which must outlive the manager.
     explicit OSTFlowManager(OSTUserDefaultsManager &settings);
-    // Finishes writing the last delivery to the settings store.
+    // Finishes writing the last delivery to the settings store (as does the application's
+    // entering the background or terminating).
     ~OSTFlowManager();
 
     OSTFlowManager(const OSTFlowManager &) = delete;
@@ -104,6 +107,8 @@ private:
     mutable QMutex m_tableLock;
     Tables m_tables;
 
+    std::vector<OSTObserverToken> m_lifecycleObservers;
+    // Declared last: destroyed first, finishing the writes while the rest is still there.
     const OSTSerialQueue m_cacheQueue;
 };
 

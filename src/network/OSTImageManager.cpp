@@ -34,8 +34,9 @@ bool isSafeFileName(const QString &name)
 
 OSTImageManager &OSTImageManager::sharedManager()
 {
-    static OSTImageManager manager(OSTFileManager::sharedManager());
-    return manager;
+    // Never destroyed: downloads may still complete while the process exits.
+    static OSTImageManager *manager = new OSTImageManager(OSTFileManager::sharedManager());
+    return *manager;
 }
 
 OSTImageManager::OSTImageManager(const OSTFileManager &files) : m_downloads(std::make_shared<Downloads>(files)) {}
