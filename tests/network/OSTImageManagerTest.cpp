@@ -269,3 +269,23 @@ TEST_F(ImageManagerTest, HostileAddressesAndBodiesGiveNoImageAndWriteNothingOuts
     for (QDirIterator it(home, {u"escape.png"_s}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
         ADD_FAILURE() << "written outside the images folder: " << it.next().toStdString();
 }
+
+TEST_F(ImageManagerTest, CancelledDownloadsReachEveryWaitingCallerAsNoImage)
+{
+    if (!test::OSTDevServerProcess::isAvailable())
+        GTEST_SKIP() << "ostrel-devserver is not built";
+    server.writeImage(u"slow.png"_s, pngOfColor(Qt::red));
+    // The answer would come after half a minute; the cancel must not wait for it.
+    ASSERT_TRUE(server.start({.faults = {u"images:delay=30,times=1"_s}}));
+
+    LoadOutcome first;
+    LoadOutcome second;
+    manager().loadImageWithURL(imageURL(u"slow.png"_s), first.completion());
+    manager().loadImageWithURL(imageURL(u"slow.png"_s), second.completion());
+    manager().cancellAllDownloads();
+
+    ASSERT_TRUE(first.wait() && second.wait());
+    EXPECT_TRUE(first.image.isNull());
+    EXPECT_TRUE(second.image.isNull());
+    EXPECT_FALSE(isCached(u"slow.png"_s));
+}
