@@ -70,7 +70,7 @@ OSTFlowManager &OSTFlowManager::sharedManager()
 }
 
 OSTFlowManager::OSTFlowManager(OSTUserDefaultsManager &settings)
-    : m_settings(settings), m_cacheQueue(u"com.ostrelhq.flowManagerCacheQueue"_s)
+    : m_settings(settings), m_backgroundQueue(u"com.ostrelhq.flowManagerQueue"_s)
 {
     loadCachedFlowsAndScreens();
     for (const QString &notification :
@@ -199,23 +199,31 @@ void OSTFlowManager::preloadImagesForScreen(const OSTScreen &screen)
 
 void OSTFlowManager::synchronize() const
 {
-    m_cacheQueue.sync([] {});
+    m_backgroundQueue.sync([] {});
 }
 
 void OSTFlowManager::registerScreens(const QVariantMap &screens, OSTDocumentOrigin origin)
 {
     const bool local = origin == OSTDocumentOrigin::Local;
     ScreenTable table = local ? *tables().localScreens : *tables().screens;
+    std::vector<std::shared_ptr<OSTScreen>> registered;
     for (auto entry = screens.cbegin(); entry != screens.cend(); ++entry) {
         if (entry.value().typeId() != QMetaType::QVariantMap)
             continue;
         auto screen = std::make_shared<OSTScreen>(entry.key(), entry.value().toMap(), origin);
         table.insert(entry.key().toLower(), screen);
-        preloadImagesForScreen(*screen);
+        registered.push_back(std::move(screen));
     }
     auto published = std::make_shared<const ScreenTable>(std::move(table));
-    QMutexLocker locker(&m_tableLock);
-    (local ? m_tables.localScreens : m_tables.screens) = std::move(published);
+    {
+        QMutexLocker locker(&m_tableLock);
+        (local ? m_tables.localScreens : m_tables.screens) = std::move(published);
+    }
+    // Finding the images means parsing every screen's JSON: kept off the receiving thread.
+    m_backgroundQueue.async([registered] {
+        for (const auto &screen : registered)
+            preloadImagesForScreen(*screen);
+    });
 }
 
 void OSTFlowManager::registerFlows(const QVariantMap &flows, OSTDocumentOrigin origin)
@@ -281,7 +289,7 @@ QVariantMap OSTFlowManager::updatedScreensFromCache(const QVariantMap &screens) 
 void OSTFlowManager::cacheFlows(const QVariantMap &flows, const QVariantMap &screens)
 {
     m_storedScreens = screens;
-    m_cacheQueue.async([this, flows, screens] {
+    m_backgroundQueue.async([this, flows, screens] {
         m_settings.setObject(flows, flowsKey);
         m_settings.setObject(screens, screensKey);
     });

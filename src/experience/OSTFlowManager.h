@@ -26,8 +26,9 @@ class OSTUserDefaultsManager;
 //
 // Thread-safe. Each table is immutable and replaced whole, so a reader on any thread sees either
 // the table before a delivery or the one after it. Deliveries are registered one at a time on the
-// calling thread; writing the delivery to the settings store happens on a queue of its own, so
-// that a large delivery does not hold up the GUI thread.
+// calling thread; writing the delivery to the settings store and scanning the screens for images
+// to preload happen on a queue of their own, so that a large delivery does not hold up the GUI
+// thread.
 class OSTFlowManager {
 public:
     using FlowTable = QMap<QString, std::shared_ptr<const OSTFlow>>;
@@ -75,7 +76,8 @@ public:
     // address that cannot be made into a URL.
     static void preloadImagesForScreen(const OSTScreen &screen);
 
-    // Waits until the last delivery has been written to the settings store.
+    // Waits until the last delivery has been written to the settings store and its images have
+    // been handed to the image manager.
     void synchronize() const;
 
 private:
@@ -109,7 +111,7 @@ private:
 
     std::vector<OSTObserverToken> m_lifecycleObservers;
     // Declared last: destroyed first, finishing the writes while the rest is still there.
-    const OSTSerialQueue m_cacheQueue;
+    const OSTSerialQueue m_backgroundQueue;
 };
 
 } // namespace ostrel

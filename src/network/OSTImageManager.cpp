@@ -81,7 +81,7 @@ void OSTImageManager::preloadImageWithURL(const QUrl &url)
     if (!isDownloadable(url) || imageNameForURL(url).isEmpty() || isWaitingFor(url)
         || !loadCachedImageForURL(url).isNull())
         return;
-    const QString address = url.toString(QUrl::FullyDecoded);
+    const QString address = QUrl::fromPercentEncoding(url.toEncoded());
     OSTLogging::logDebug(u"Preloading image: %1"_s, address);
     waitForDownload(url, [address](const QImage &image) {
         if (image.isNull())

@@ -274,7 +274,10 @@ TEST_F(FlowManagerTest, PreloadingStopsAtTheFirstAddressThatIsNotAURL)
         {u"unparsable"_s, screenMetadata(u"{\"images\":"_s, u"u"_s)},
     };
     OSTFlowManager manager(settings());
-    const QString log = test::captureStandardError([&] { manager.loadFlows({{u"f"_s, flowMetadata({})}}, screens); });
+    const QString log = test::captureStandardError([&] {
+        manager.loadFlows({{u"f"_s, flowMetadata({})}}, screens);
+        manager.synchronize();
+    });
 
     const QStringList preloaded = [&] {
         QStringList lines;
