@@ -5,6 +5,7 @@
 #include "events/OSTEventManager.h"
 #include "events/OSTEventSources.h"
 #include "events/OSTStatisticalEvent.h"
+#include "experience/OSTFlowManager.h"
 #include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "network/OSTRequestManager.h"
@@ -56,6 +57,23 @@ void OSTStartup::connectManagers()
     // in the order of OSTServiceManager::LaunchResponseReceiver.
     OSTServiceManager::sharedManager();
     connectEventManager();
+    connectFlowRegistry();
+}
+
+void OSTStartup::connectFlowRegistry()
+{
+    // Until the experience manager exists, the registry takes the experience document directly:
+    // the local default at start, then each launch response.
+    OSTFlowManager &flows = OSTFlowManager::sharedManager();
+    if (const auto &localDefault = OSTServiceManager::localDefault())
+        flows.loadLocalDefault(*localDefault);
+    OSTServiceManager &service = OSTServiceManager::sharedManager();
+    service.launchParameterSources().cachedVersions = [&flows] { return QVariant(flows.cachedVersions()); };
+    service.connectLaunchResponseReceiver(OSTServiceManager::LaunchResponseReceiver::Experience,
+                                          [&flows](const OSTServiceManager::LaunchResponse &response) {
+                                              if (response)
+                                                  flows.loadLaunchResponse(*response);
+                                          });
 }
 
 void OSTStartup::reportBundleProblems()

@@ -25,6 +25,7 @@ private:
     static void reportBundleProblems();
     static void connectManagers();
     static void connectEventManager();
+    static void connectFlowRegistry();
 };
 
 } // namespace ostrel
