@@ -185,4 +185,17 @@ enum OSTTextFieldType : int {
 // OSTTextFieldTypePlain.
 OSTREL_EXPORT OSTTextFieldType OSTTextFieldTypeFromString(const std::optional<QString> &string);
 
+// "func" of an action (a button's action or a flow's "flowEndAction"): what the experience does.
+enum OSTActionType : int {
+    OSTActionTypeNone = 0,
+    OSTActionTypeNext = 1,
+    OSTActionTypePrevious = 2,
+    OSTActionTypeClose = 3,
+    OSTActionTypeStartFlow = 4,
+    OSTActionTypeLoginFacebook = 5,
+    OSTActionTypeOpenURL = 6,
+};
+// "next", "previous", "close", "startFlow", "loginFacebook", "openUrl"; default OSTActionTypeNone.
+OSTREL_EXPORT OSTActionType OSTActionTypeFromString(const std::optional<QString> &string);
+
 } // namespace ostrel

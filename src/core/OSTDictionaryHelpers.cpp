@@ -113,4 +113,16 @@ bool ost_boolValue(const QString &text)
         || (first >= u'1' && first <= u'9');
 }
 
+QVariantMap ost_presentValuesForKeys(const QVariantMap &dictionary, const QStringList &keys)
+{
+    QVariantMap values;
+    for (const QString &key : keys) {
+        const QVariant value = dictionary.value(key);
+        const bool isEmptyString = value.typeId() == QMetaType::QString && value.toString().isEmpty();
+        if (value.isValid() && !value.isNull() && !isEmptyString)
+            values.insert(key, value);
+    }
+    return values;
+}
+
 } // namespace ostrel

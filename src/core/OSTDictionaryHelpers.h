@@ -4,6 +4,7 @@
 // reads as absent, so callers fall back to their documented default instead of misreading it.
 
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVariantList>
 #include <QVariantMap>
@@ -46,5 +47,9 @@ void ost_safeSetObject(QVariantMap &dictionary, const QVariant &value, const QSt
 // The boolean reading of a text: true when it begins with 'Y', 'y', 'T', 't' or a digit 1 to 9,
 // after optional leading white space, sign and zeros.
 bool ost_boolValue(const QString &text);
+
+// The entries of `dictionary` under `keys` whose value is present and is not the empty string,
+// values as they stand (the tracking parameters of screens and flows).
+QVariantMap ost_presentValuesForKeys(const QVariantMap &dictionary, const QStringList &keys);
 
 } // namespace ostrel

@@ -3,6 +3,8 @@
 #include "core/OSTLogging.h"
 #include "events/OSTEventHook.h"
 #include "events/OSTStatisticalEvent.h"
+#include "experience/OSTFlowManager.h"
+#include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "platform/OSTBundle.h"
 
@@ -34,6 +36,9 @@ void OSTStartup::prepareProcess()
     static std::once_flag once;
     std::call_once(once, [] {
         connectNetworkStatistics();
+        OSTServiceManager::sharedManager().launchParameterSources().cachedVersions = [] {
+            return QVariant(OSTFlowManager::sharedManager().cachedVersions());
+        };
         reportBundleProblems();
     });
 }

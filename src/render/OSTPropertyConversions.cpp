@@ -203,4 +203,17 @@ OSTTextFieldType OSTTextFieldTypeFromString(const std::optional<QString> &string
     return table.valueFor(string);
 }
 
+OSTActionType OSTActionTypeFromString(const std::optional<QString> &string)
+{
+    static const LookupTable<OSTActionType> table(OSTActionTypeNone, {
+        {u"next"_s, OSTActionTypeNext},
+        {u"previous"_s, OSTActionTypePrevious},
+        {u"close"_s, OSTActionTypeClose},
+        {u"startFlow"_s, OSTActionTypeStartFlow},
+        {u"loginFacebook"_s, OSTActionTypeLoginFacebook},
+        {u"openUrl"_s, OSTActionTypeOpenURL},
+    });
+    return table.valueFor(string);
+}
+
 } // namespace ostrel

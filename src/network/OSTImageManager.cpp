@@ -1,0 +1,204 @@
+#include "network/OSTImageManager.h"
+
+#include "core/OSTLogging.h"
+#include "platform/OSTBundle.h"
+#include "platform/OSTMainQueue.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+QString keyFor(const QUrl &url)
+{
+    return url.toString(QUrl::FullyEncoded);
+}
+
+bool isHTTP(const QUrl &url)
+{
+    return url.scheme() == u"http"_s || url.scheme() == u"https"_s;
+}
+
+// A name that stays a plain file inside one folder.
+bool isSafeFileName(const QString &name)
+{
+    return !name.isEmpty() && name != u"."_s && name != u".."_s && !name.contains(u'/')
+        && !name.contains(u'\\') && !name.contains(QChar(0));
+}
+
+} // namespace
+
+OSTImageManager &OSTImageManager::sharedManager()
+{
+    // Never destroyed: downloads may still complete while the process exits.
+    static OSTImageManager *manager = new OSTImageManager(OSTFileManager::sharedManager());
+    return *manager;
+}
+
+OSTImageManager::OSTImageManager(const OSTFileManager &files) : m_downloads(std::make_shared<Downloads>(files)) {}
+
+OSTImageManager::~OSTImageManager() = default;
+
+QString OSTImageManager::imageNameForURL(const QUrl &url)
+{
+    // The component is taken before decoding, so that an encoded slash cannot shorten it.
+    const QString encoded = isHTTP(url) ? url.fileName(QUrl::FullyEncoded) : url.toString(QUrl::FullyEncoded);
+    const QString name = QUrl::fromPercentEncoding(encoded.toUtf8());
+    return isSafeFileName(name) ? name : QString();
+}
+
+void OSTImageManager::loadImageWithURL(const QUrl &url, Completion completion)
+{
+    const QString name = imageNameForURL(url);
+    if (name.isEmpty()) {
+        OSTLogging::logDebug(u"The image address \"%1\" names no file that could be cached; no image."_s,
+                             url.toString());
+        deliver(completion, QImage());
+        return;
+    }
+    if (const QImage hostImage = hostImageNamed(name); !hostImage.isNull()) {
+        deliver(completion, hostImage);
+        return;
+    }
+    if (const QImage cached = m_downloads->files.loadImageWithName(name); !cached.isNull()) {
+        deliver(completion, cached);
+        return;
+    }
+    if (!isDownloadable(url)) {
+        OSTLogging::logDebug(u"The image address \"%1\" is not an http or https address; no image."_s, url.toString());
+        deliver(completion, QImage());
+        return;
+    }
+    waitForDownload(url, std::move(completion));
+}
+
+void OSTImageManager::preloadImageWithURL(const QUrl &url)
+{
+    if (!isDownloadable(url) || imageNameForURL(url).isEmpty() || isWaitingFor(url)
+        || !loadCachedImageForURL(url).isNull())
+        return;
+    const QString address = url.toString(QUrl::FullyDecoded);
+    OSTLogging::logDebug(u"Preloading image: %1"_s, address);
+    waitForDownload(url, [address](const QImage &image) {
+        if (image.isNull())
+            OSTLogging::logDebug(u"Failed to preload image: %1"_s, address);
+    });
+}
+
+OSTImageManager::Task OSTImageManager::downloadImageWithURL(const QUrl &url)
+{
+    const std::weak_ptr<Downloads> downloads = m_downloads;
+    return OSTRequestManager::sharedManager().imageRequestWithURL(
+        url, [downloads, url](const QImage &image, const std::optional<OSTError> &) {
+            if (const auto alive = downloads.lock())
+                finishDownload(*alive, url, image);
+        });
+}
+
+QImage OSTImageManager::loadCachedImageForURL(const QUrl &url) const
+{
+    const QString name = imageNameForURL(url);
+    return name.isEmpty() ? QImage() : m_downloads->files.loadImageWithName(name);
+}
+
+bool OSTImageManager::cacheImage(const QImage &image, const QUrl &url) const
+{
+    const QString name = imageNameForURL(url);
+    return !name.isEmpty() && m_downloads->files.saveImage(image, name);
+}
+
+void OSTImageManager::muteAllDownloads()
+{
+    QMutexLocker locker(&m_downloads->lock);
+    for (auto &[key, pending] : m_downloads->pending)
+        pending.completions.clear();
+}
+
+void OSTImageManager::cancellAllDownloads()
+{
+    std::vector<Task> tasks;
+    {
+        QMutexLocker locker(&m_downloads->lock);
+        for (const auto &[key, pending] : m_downloads->pending) {
+            if (pending.task)
+                tasks.push_back(pending.task);
+        }
+    }
+    // Outside the lock: a cancelled task may complete at once and come back for the lists.
+    for (const Task &task : tasks)
+        task->cancel();
+}
+
+void OSTImageManager::waitForDownload(const QUrl &url, Completion completion)
+{
+    const QString key = keyFor(url);
+    quint64 serial = 0;
+    {
+        QMutexLocker locker(&m_downloads->lock);
+        const auto [entry, created] = m_downloads->pending.try_emplace(key);
+        entry->second.completions.push_back(std::move(completion));
+        if (!created)
+            return;
+        serial = entry->second.serial = ++m_downloads->nextSerial;
+    }
+    Task task = downloadImageWithURL(url);
+    // The download may already have finished, and a new one for the same address begun.
+    QMutexLocker locker(&m_downloads->lock);
+    const auto entry = m_downloads->pending.find(key);
+    if (entry != m_downloads->pending.end() && entry->second.serial == serial)
+        entry->second.task = std::move(task);
+}
+
+bool OSTImageManager::isWaitingFor(const QUrl &url) const
+{
+    QMutexLocker locker(&m_downloads->lock);
+    return m_downloads->pending.contains(keyFor(url));
+}
+
+void OSTImageManager::finishDownload(Downloads &downloads, const QUrl &url, const QImage &image)
+{
+    std::vector<Completion> waiting;
+    {
+        QMutexLocker locker(&downloads.lock);
+        const auto entry = downloads.pending.find(keyFor(url));
+        if (entry != downloads.pending.end()) {
+            waiting = std::move(entry->second.completions);
+            downloads.pending.erase(entry);
+        }
+    }
+    if (!image.isNull())
+        downloads.files.saveImage(image, imageNameForURL(url));
+    for (const Completion &completion : waiting)
+        deliver(completion, image);
+}
+
+QImage OSTImageManager::hostImageNamed(const QString &name)
+{
+    // As with the platform's named images, a name without an extension means a PNG.
+    const QString fileName = QFileInfo(name).suffix().isEmpty() ? name + u".png"_s : name;
+    const QString bundlePath = OSTBundle::mainBundle()->bundlePath();
+    for (const QString &path : {QDir(bundlePath).filePath(fileName), u":/"_s + fileName}) {
+        if (!QFileInfo(path).isFile())
+            continue;
+        if (QImage image(path); !image.isNull())
+            return image;
+    }
+    return {};
+}
+
+bool OSTImageManager::isDownloadable(const QUrl &url)
+{
+    return url.isValid() && isHTTP(url) && !url.host().isEmpty();
+}
+
+void OSTImageManager::deliver(const Completion &completion, const QImage &image)
+{
+    if (completion)
+        OSTMainQueue::async([completion, image] { completion(image); });
+}
+
+} // namespace ostrel
