@@ -1,0 +1,197 @@
+#include "input/OSTButton.h"
+
+#include "core/OSTDictionaryHelpers.h"
+#include "experience/OSTAction.h"
+#include "input/OSTValidationItemModel.h"
+#include "render/OSTImageView.h"
+#include "render/OSTViewEffect.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QTextDocument>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+qreal alphaWithProperties(const QVariantMap &properties)
+{
+    const std::optional<double> alpha = ost_numberForKey(properties, u"alpha"_s);
+    return std::clamp(alpha.value_or(1.0), 0.0, 1.0);
+}
+
+} // namespace
+
+OSTButton *OSTButton::create(const QRect &frame, const QVariantMap &properties, const QString &name,
+                             QWidget *parent)
+{
+    const auto states = ost_dictionaryForKey(properties, u"states"_s);
+    if (!states)
+        return nullptr;
+    return new OSTButton(frame, properties, *states, name, parent);
+}
+
+OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QVariantMap &states,
+                     const QString &name, QWidget *parent)
+    : QAbstractButton(parent), m_name(name)
+{
+    setGeometry(frame);
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_NoSystemBackground);
+    if (const qreal alpha = alphaWithProperties(properties); alpha < 1) {
+        auto *effect = new OSTViewEffect(nullptr);
+        effect->setOpacity(alpha);
+        setGraphicsEffect(effect);
+    }
+
+    const QVariantMap normal = ost_mergeIntoDictionary(ost_dictionaryForKey(states, u"normal"_s).value_or(QVariantMap()), properties);
+    m_normalLook = {ost_stringForKey(normal, u"text"_s).value_or(QString()), OSTTextAttributes(normal)};
+    m_normalBackground = addBackground(normal);
+    if (const auto pressed = ost_dictionaryForKey(states, u"pressed"_s)) {
+        const QVariantMap merged = ost_mergeIntoDictionary(*pressed, normal);
+        m_pressedLook = StateLook{ost_stringForKey(merged, u"text"_s).value_or(QString()), OSTTextAttributes(merged)};
+        m_highlightedBackground = addBackground(merged);
+    }
+    if (const auto disabled = ost_dictionaryForKey(states, u"disabled"_s)) {
+        const QVariantMap merged = ost_mergeIntoDictionary(*disabled, normal);
+        m_disabledLook = StateLook{ost_stringForKey(merged, u"text"_s).value_or(QString()), OSTTextAttributes(merged)};
+        m_disabledBackground = addBackground(merged);
+    }
+
+    // The title doubles as the accessible name; "&" would otherwise make a keyboard shortcut.
+    setText(QString(m_normalLook.title).replace(u"&"_s, u"&&"_s));
+    if (m_normalLook.title.isEmpty())
+        setAccessibleName(name);
+    if (const auto onClick = ost_dictionaryForKey(properties, u"onClick"_s))
+        m_action = std::make_shared<const OSTAction>(*onClick);
+    m_toggle = ost_stringForKey(properties, u"buttonType"_s) == u"toggle"_s;
+    setCheckable(m_toggle);
+
+    connect(this, &QAbstractButton::pressed, this, &OSTButton::updateBackgrounds);
+    connect(this, &QAbstractButton::released, this, &OSTButton::updateBackgrounds);
+    connect(this, &QAbstractButton::toggled, this, &OSTButton::updateBackgrounds);
+    connect(this, &QAbstractButton::clicked, this, &OSTButton::handleClick);
+    updateBackgrounds();
+}
+
+OSTButton::~OSTButton() = default;
+
+OSTImageView *OSTButton::addBackground(const QVariantMap &properties)
+{
+    auto *background = new OSTImageView(rect(), properties, this);
+    background->lower();
+    return background;
+}
+
+bool OSTButton::showsPressed() const
+{
+    return (isDown() || isChecked()) && m_highlightedBackground;
+}
+
+void OSTButton::updateBackgrounds()
+{
+    const bool disabled = !isEnabled();
+    const bool pressed = showsPressed();
+    if (m_normalBackground)
+        m_normalBackground->setVisible(!pressed && !(m_disabledBackground && disabled));
+    if (m_highlightedBackground)
+        m_highlightedBackground->setVisible(!disabled && pressed);
+    if (m_disabledBackground)
+        m_disabledBackground->setVisible(disabled);
+    update();
+}
+
+const OSTButton::StateLook &OSTButton::currentLook() const
+{
+    if (!isEnabled() && m_disabledLook)
+        return *m_disabledLook;
+    if ((isDown() || isChecked()) && m_pressedLook)
+        return *m_pressedLook;
+    return m_normalLook;
+}
+
+QString OSTButton::currentTitle() const
+{
+    return currentLook().title;
+}
+
+void OSTButton::paintEvent(QPaintEvent *)
+{
+    const StateLook &look = currentLook();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!look.title.isEmpty()) {
+        auto document = look.attributes.layOut(look.title, width(), font());
+        look.attributes.paint(painter, *document, QRectF(rect()));
+    }
+    if (hasFocus()) {
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
+    }
+}
+
+void OSTButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        click();
+        return;
+    }
+    QAbstractButton::keyPressEvent(event);
+}
+
+void OSTButton::changeEvent(QEvent *event)
+{
+    QAbstractButton::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange)
+        updateBackgrounds();
+}
+
+void OSTButton::resizeEvent(QResizeEvent *event)
+{
+    QAbstractButton::resizeEvent(event);
+    for (OSTImageView *background : {m_normalBackground, m_highlightedBackground, m_disabledBackground})
+        if (background)
+            background->setGeometry(rect());
+}
+
+void OSTButton::handleClick()
+{
+    if (m_toggle) {
+        updateToggleValidity();
+        if (const auto itemModel = model())
+            itemModel->valueChanged();
+    }
+    emit tapped(this);
+}
+
+void OSTButton::updateToggleValidity()
+{
+    if (const auto itemModel = model())
+        itemModel->setValid(itemModel->isOptional() || isChecked());
+}
+
+void OSTButton::modelDidChange()
+{
+    if (m_toggle)
+        updateToggleValidity();
+}
+
+QVariant OSTButton::value() const
+{
+    return m_toggle ? QVariant(isChecked()) : QVariant();
+}
+
+void OSTButton::setValue(const QVariant &value)
+{
+    if (!value.canConvert<bool>() || !value.isValid())
+        return;
+    setChecked(value.toBool());
+    if (const auto itemModel = model())
+        itemModel->valueChanged();
+}
+
+} // namespace ostrel

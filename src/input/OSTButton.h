@@ -1,0 +1,97 @@
+#pragma once
+
+#include "input/OSTValidationItem.h"
+#include "render/OSTTextAttributes.h"
+
+#include <QAbstractButton>
+#include <QVariantMap>
+
+#include <memory>
+#include <optional>
+
+namespace ostrel {
+
+class OSTAction;
+class OSTImageView;
+
+// The "buttons" element: a button with a title and a background image per state. It reads
+//
+//   "states"      {"normal": {...}, "pressed": {...}, "disabled": {...}}, required: each state's
+//                 text attributes (see OSTTextAttributes), "text" and image keys (see
+//                 OSTImageView), "pressed" and "disabled" merged over "normal", which is merged
+//                 over the element's own properties
+//   "alpha"       opacity, a number or numeric string; default 1
+//   "onClick"     the action the button carries
+//   "buttonType"  "toggle" makes it a toggle that takes part in validation: a required toggle is
+//                 valid while selected, an optional one always
+//
+// A press shows the pressed state; a toggle stays selected (pressed) until pressed again. Space,
+// Enter and Return press it from the keyboard; assistive technology reads its title (its element
+// key when it has none).
+//
+// Lives on the GUI thread; owned by its parent widget.
+class OSTButton : public QAbstractButton, public OSTValidationItem {
+    Q_OBJECT
+
+public:
+    // The button the properties describe, or null when they hold no "states" object.
+    static OSTButton *create(const QRect &frame, const QVariantMap &properties, const QString &name,
+                             QWidget *parent = nullptr);
+    ~OSTButton() override;
+
+    const QString &name() const { return m_name; }
+    // The action of "onClick"; null when the button has none.
+    const std::shared_ptr<const OSTAction> &action() const { return m_action; }
+    bool isToggle() const { return m_toggle; }
+
+    OSTImageView *normalBackground() const { return m_normalBackground; }
+    OSTImageView *highlightedBackground() const { return m_highlightedBackground; }
+    OSTImageView *disabledBackground() const { return m_disabledBackground; }
+    // The title shown in the current state.
+    QString currentTitle() const;
+
+    // A toggle's value is whether it is selected; a plain button has none.
+    QVariant value() const override;
+    void setValue(const QVariant &value) override;
+    bool shouldShowErrorMessage() const override { return true; }
+
+signals:
+    // Released inside the button (or pressed from the keyboard), after a toggle changed.
+    void tapped(ostrel::OSTButton *button);
+
+protected:
+    OSTButton(const QRect &frame, const QVariantMap &properties, const QVariantMap &states,
+              const QString &name, QWidget *parent);
+
+    // Shows the background of the current state; subclasses that show their own picture override it.
+    virtual void updateBackgrounds();
+    void modelDidChange() override;
+    void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    struct StateLook {
+        QString title;
+        OSTTextAttributes attributes;
+    };
+
+    OSTImageView *addBackground(const QVariantMap &properties);
+    const StateLook &currentLook() const;
+    bool showsPressed() const;
+    void updateToggleValidity();
+    void handleClick();
+
+    const QString m_name;
+    std::shared_ptr<const OSTAction> m_action;
+    bool m_toggle = false;
+    StateLook m_normalLook;
+    std::optional<StateLook> m_pressedLook;
+    std::optional<StateLook> m_disabledLook;
+    OSTImageView *m_normalBackground = nullptr;      // children; null when the state is absent
+    OSTImageView *m_highlightedBackground = nullptr;
+    OSTImageView *m_disabledBackground = nullptr;
+};
+
+} // namespace ostrel

@@ -1,0 +1,125 @@
+#include "input/OSTImagePickerButton.h"
+
+#include "core/OSTDictionaryHelpers.h"
+#include "core/OSTLogging.h"
+#include "input/OSTValidationItemModel.h"
+#include "render/OSTImageView.h"
+
+#include <QFileDialog>
+#include <QImageReader>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+QString chooseWithDialog(QWidget *parent)
+{
+    QStringList patterns;
+    for (const QByteArray &format : QImageReader::supportedImageFormats())
+        patterns.append(u"*."_s + QString::fromLatin1(format));
+    return QFileDialog::getOpenFileName(parent, QFileDialog::tr("Choose a picture"), QString(),
+                                        QFileDialog::tr("Images (%1)").arg(patterns.join(u' ')));
+}
+
+OSTImagePickerButton::FileChooser &fileChooser()
+{
+    static OSTImagePickerButton::FileChooser chooser = chooseWithDialog;
+    return chooser;
+}
+
+} // namespace
+
+OSTImagePickerButton *OSTImagePickerButton::create(const QRect &frame, const QVariantMap &properties,
+                                                   const QString &name, QWidget *parent)
+{
+    const auto states = ost_dictionaryForKey(properties, u"states"_s);
+    if (!states)
+        return nullptr;
+    auto *button = new OSTImagePickerButton(frame, properties, *states, name, parent);
+    connect(button, &OSTButton::tapped, button, &OSTImagePickerButton::choosePicture);
+    return button;
+}
+
+void OSTImagePickerButton::setFileChooser(FileChooser chooser)
+{
+    fileChooser() = chooser ? std::move(chooser) : FileChooser(chooseWithDialog);
+}
+
+void OSTImagePickerButton::choosePicture()
+{
+    const QString path = fileChooser()(window());
+    if (path.isEmpty()) {
+        handlePickedImage(QImage());
+        return;
+    }
+    QImageReader reader(path);
+    reader.setAutoTransform(true); // upright, whatever orientation the camera recorded
+    const QImage image = reader.read();
+    if (image.isNull())
+        OSTLogging::logWarning(u"The picture \"%1\" could not be read: %2"_s, path, reader.errorString());
+    handlePickedImage(image);
+}
+
+void OSTImagePickerButton::handlePickedImage(const QImage &image)
+{
+    m_shouldShowErrorMessage = true;
+    if (!image.isNull()) {
+        setCustomImage(image);
+        if (const auto itemModel = model())
+            itemModel->valueChanged();
+    }
+    validate();
+}
+
+void OSTImagePickerButton::setCustomImage(const QImage &image)
+{
+    m_customImage = image;
+    if (!image.isNull() && normalBackground())
+        normalBackground()->setImage(image);
+    updateBackgrounds();
+}
+
+void OSTImagePickerButton::updateBackgrounds()
+{
+    if (m_customImage.isNull()) {
+        OSTButton::updateBackgrounds();
+        return;
+    }
+    // The chosen picture replaces every state's background.
+    if (normalBackground())
+        normalBackground()->setVisible(true);
+    for (OSTImageView *background : {highlightedBackground(), disabledBackground()})
+        if (background)
+            background->setVisible(false);
+    update();
+}
+
+void OSTImagePickerButton::validate()
+{
+    if (const auto itemModel = model())
+        itemModel->setValid(itemModel->isOptional() || !m_customImage.isNull());
+}
+
+void OSTImagePickerButton::modelDidChange()
+{
+    validate();
+}
+
+QVariant OSTImagePickerButton::value() const
+{
+    return m_customImage.isNull() ? QVariant() : QVariant(m_customImage);
+}
+
+void OSTImagePickerButton::setValue(const QVariant &value)
+{
+    if (value.typeId() != QMetaType::QImage)
+        return;
+    setCustomImage(value.value<QImage>());
+    if (const auto itemModel = model())
+        itemModel->valueChanged();
+    validate();
+}
+
+} // namespace ostrel

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "render/OSTView.h"
+
+#include <QImage>
+#include <QList>
+#include <QUrl>
+
+namespace ostrel {
+
+class OSTImageDisplay;
+
+// The "images" element, and the state backgrounds of buttons: one remote image in an element box.
+// It reads the box keys of OSTView and
+//
+//   "image"        the image's address, or "{name}" for the address a user property holds
+//   "tempImage"    the address to use while "image" is empty or names a user property
+//   "backupImage"  the address tried last
+//   "required"     "true" when the screen should wait for the image
+//   "insets"       [top, left, bottom, right]: cap insets that stretch only the middle
+//   "contentMode"  how the image fills the box; default aspect fill
+//   "accessibilityLabel"  the image's description for assistive technology
+//
+// The candidate addresses are loaded in order through the image manager until one gives an image;
+// when all fail the box stays empty. A required image reports, through requiredImageFinished(),
+// when it has finished loading, with an image or without.
+//
+// Lives on the GUI thread; owned by its parent widget.
+class OSTImageView : public OSTView {
+    Q_OBJECT
+
+public:
+    OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
+
+    void customizeWithProperties(const QVariantMap &properties) override;
+
+    QImage image() const;
+    void setImage(const QImage &image);
+    bool isImageRequired() const { return m_imageRequired; }
+    // Whether a required image is still being loaded; a screen that attaches after construction
+    // counts the image as pending only then.
+    bool isLoadingRequiredImage() const { return m_imageRequired && m_loading; }
+    // The addresses this view tries, in order.
+    const QList<QUrl> &candidateURLs() const { return m_candidates; }
+
+    // The candidate addresses the properties name, in the order they are tried.
+    static QList<QUrl> candidateURLsWithProperties(const QVariantMap &properties);
+
+signals:
+    void requiredImageFinished();
+
+private:
+    void loadNextCandidate(qsizetype index);
+    void finishLoadingWithImage(const QImage &image);
+
+    OSTImageDisplay *const m_display; // child of the container
+    QList<QUrl> m_candidates;
+    bool m_imageRequired = false;
+    bool m_loading = false;
+};
+
+} // namespace ostrel

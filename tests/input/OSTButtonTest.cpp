@@ -1,0 +1,218 @@
+// Buttons, toggle buttons and the picture picker as a user presses them, and the image views they
+// use as backgrounds, loaded from the development service.
+
+#include "experience/OSTAction.h"
+#include "input/OSTButton.h"
+#include "input/OSTImagePickerButton.h"
+#include "input/OSTValidationItemModel.h"
+#include "render/OSTImageDisplay.h"
+#include "render/OSTImageView.h"
+#include "support/OSTDevServerProcess.h"
+
+#include "../render/OSTPixelTestSupport.h"
+
+#include <QAccessible>
+#include <QBuffer>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+namespace {
+
+using test::capture;
+using test::colorNear;
+using test::jsonObject;
+using test::pixelAt;
+
+QImage imageOfColor(const QColor &color, QSize size = {20, 20})
+{
+    QImage image(size, QImage::Format_ARGB32);
+    image.fill(color);
+    return image;
+}
+
+QByteArray pngOf(const QImage &image)
+{
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return png;
+}
+
+std::shared_ptr<OSTValidationItemModel> bindModel(OSTValidationItem &input, const char *optional)
+{
+    auto model = std::make_shared<OSTValidationItemModel>(u"field"_s, QVariantMap{{u"isOptional"_s, QString::fromUtf8(optional)}});
+    model->setItem(&input);
+    input.setModel(model);
+    return model;
+}
+
+TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)
+{
+    EXPECT_EQ(OSTButton::create(QRect(0, 0, 100, 40), jsonObject(R"({"onClick": {"func": "next"}})"), u"b"_s), nullptr);
+
+    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), jsonObject(R"({
+        "states": {"normal": {"text": "Go & see", "size": "16", "textColor": "#000000"},
+                   "pressed": {"textColor": "#FF0000"}, "disabled": {"text": "Wait"}},
+        "onClick": {"func": "startFlow", "params": {"flowName": "LOGIN"}}})"), u"go"_s));
+    ASSERT_TRUE(button);
+    ASSERT_TRUE(button->action());
+    EXPECT_EQ(button->action()->flowKey(), u"login"_s);
+
+    QSignalSpy taps(button.get(), &OSTButton::tapped);
+    QTest::mouseClick(button.get(), Qt::LeftButton);
+    ASSERT_EQ(taps.count(), 1);
+    EXPECT_EQ(taps.at(0).at(0).value<OSTButton *>(), button.get());
+    button->show();
+    button->setFocus();
+    QTest::keyClick(button.get(), Qt::Key_Return);
+    QTest::keyClick(button.get(), Qt::Key_Space);
+    EXPECT_EQ(taps.count(), 3) << "Return and Space press it too";
+
+    // A pressed state that changes only the colour keeps the normal title.
+    QTest::mousePress(button.get(), Qt::LeftButton);
+    EXPECT_EQ(button->currentTitle(), u"Go & see"_s);
+    QTest::mouseRelease(button.get(), Qt::LeftButton);
+    button->setEnabled(false);
+    EXPECT_EQ(button->currentTitle(), u"Wait"_s);
+
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(button.get());
+    EXPECT_EQ(accessible->role(), QAccessible::Button);
+    EXPECT_EQ(accessible->text(QAccessible::Name), u"Go & see"_s) << "no keyboard shortcut made of the ampersand";
+    std::unique_ptr<OSTButton> untitled(OSTButton::create(QRect(0, 0, 40, 40), jsonObject(R"({"states": {}})"), u"close"_s));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(untitled.get())->text(QAccessible::Name), u"close"_s);
+}
+
+TEST(Button, ToggleTakesPartInValidationAndDisabledShowsOnlyItsBackground)
+{
+    std::unique_ptr<OSTButton> toggle(OSTButton::create(QRect(0, 0, 40, 40),
+        jsonObject(R"({"buttonType": "toggle", "states": {"normal": {}, "pressed": {}}})"), u"agree"_s));
+    auto required = bindModel(*toggle, "false");
+    EXPECT_FALSE(required->isValid());
+    QTest::mouseClick(toggle.get(), Qt::LeftButton);
+    EXPECT_TRUE(required->isValid());
+    EXPECT_EQ(required->value(), QVariant(true));
+    EXPECT_TRUE(toggle->highlightedBackground()->isVisibleTo(toggle.get())) << "a selected toggle shows pressed";
+    QTest::mouseClick(toggle.get(), Qt::LeftButton);
+    EXPECT_FALSE(required->isValid());
+
+    std::unique_ptr<OSTButton> optionalToggle(OSTButton::create(QRect(0, 0, 40, 40),
+        jsonObject(R"({"buttonType": "toggle", "states": {}})"), u"news"_s));
+    EXPECT_TRUE(bindModel(*optionalToggle, "true")->isValid());
+
+    std::unique_ptr<OSTButton> plain(OSTButton::create(QRect(0, 0, 40, 40),
+        jsonObject(R"({"states": {"normal": {}, "disabled": {}}})"), u"b"_s));
+    EXPECT_FALSE(plain->value().isValid()) << "a plain button has no value";
+    plain->setEnabled(false);
+    EXPECT_FALSE(plain->normalBackground()->isVisibleTo(plain.get()));
+    EXPECT_TRUE(plain->disabledBackground()->isVisibleTo(plain.get()));
+}
+
+TEST(ImagePickerButton, ChosenPictureBecomesValueAndBackgroundAndCancellingLeavesItInvalid)
+{
+    QTemporaryDir folder;
+    const QString picture = folder.filePath(u"me.png"_s);
+    ASSERT_TRUE(imageOfColor(Qt::blue, {30, 30}).save(picture));
+    QString answer;
+    OSTImagePickerButton::setFileChooser([&answer](QWidget *) { return answer; });
+
+    std::unique_ptr<OSTImagePickerButton> picker(OSTImagePickerButton::create(QRect(0, 0, 60, 60),
+        jsonObject(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}}})"), u"avatar"_s));
+    auto model = bindModel(*picker, "false");
+    EXPECT_FALSE(picker->shouldShowErrorMessage());
+
+    QTest::mouseClick(picker.get(), Qt::LeftButton); // cancelled
+    EXPECT_TRUE(picker->shouldShowErrorMessage());
+    EXPECT_FALSE(model->isValid());
+
+    answer = folder.filePath(u"not-a-picture.png"_s);
+    QTest::mouseClick(picker.get(), Qt::LeftButton);
+    EXPECT_FALSE(model->isValid()) << "an unreadable file is no picture";
+
+    answer = picture;
+    QTest::mouseClick(picker.get(), Qt::LeftButton);
+    EXPECT_TRUE(model->isValid());
+    EXPECT_EQ(model->value().value<QImage>().size(), QSize(30, 30));
+    EXPECT_TRUE(colorNear(pixelAt(capture(*picker, 2), {30, 30}), QColor(Qt::blue)));
+    OSTImagePickerButton::setFileChooser({});
+}
+
+class ImageViewAgainstService : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!test::OSTDevServerProcess::isAvailable())
+            GTEST_SKIP() << "ostrel-devserver is not built";
+        ASSERT_TRUE(server.start());
+    }
+    QString imageURL(const QString &name) const { return server.serviceURL().toString() + u"/images/"_s + name; }
+
+    // Waits (on the event loop, bounded) until the required image view reports it finished.
+    static bool finishes(OSTImageView &view)
+    {
+        QSignalSpy finished(&view, &OSTImageView::requiredImageFinished);
+        return finished.count() > 0 || finished.wait(10'000);
+    }
+
+    test::OSTDevServerProcess server;
+};
+
+TEST_F(ImageViewAgainstService, FallsThroughFailingCandidatesAndReportsRequiredImagesEitherWay)
+{
+    server.writeImage(u"backup.png"_s, pngOf(imageOfColor(Qt::green)));
+    QVariantMap properties{{u"image"_s, imageURL(u"missing.png"_s)}, {u"backupImage"_s, imageURL(u"backup.png"_s)},
+                           {u"required"_s, u"true"_s}, {u"contentMode"_s, u"scaleToFill"_s}};
+    OSTImageView view(QRect(0, 0, 40, 40), properties);
+    EXPECT_TRUE(view.isLoadingRequiredImage());
+    ASSERT_TRUE(finishes(view));
+    EXPECT_FALSE(view.isLoadingRequiredImage());
+    EXPECT_TRUE(colorNear(pixelAt(capture(view, 2), {20, 20}), QColor(Qt::green))) << "the 404 fell through to the backup";
+
+    OSTImageView nothing(QRect(0, 0, 40, 40), {{u"image"_s, imageURL(u"gone.png"_s)}, {u"required"_s, u"true"_s}});
+    ASSERT_TRUE(finishes(nothing));
+    EXPECT_TRUE(nothing.image().isNull()) << "every candidate failed: the box stays empty";
+}
+
+TEST(ImageView, CandidatesFollowTheOrderAndEscapingRules)
+{
+    const auto candidates = OSTImageView::candidateURLsWithProperties(jsonObject(R"({"image": "{avatar}",
+        "tempImage": "https://x.test/a b.png", "backupImage": "https://x.test/backup.png"})"));
+    ASSERT_EQ(candidates.size(), 2);
+    EXPECT_EQ(candidates.at(0).toString(QUrl::FullyEncoded), u"https://x.test/a%20b.png"_s);
+    EXPECT_EQ(candidates.at(1).toString(), u"https://x.test/backup.png"_s);
+    EXPECT_TRUE(OSTImageView::candidateURLsWithProperties(jsonObject(R"({"image": 5, "backupImage": ""})")).isEmpty());
+}
+
+TEST(ImageView, CapInsetsStretchOnlyTheMiddleAndHostileInsetsStayInBounds)
+{
+    // A 20 × 20 image: a red 5-point frame around a green middle.
+    QImage framed = imageOfColor(Qt::red);
+    for (int y = 5; y < 15; ++y)
+        for (int x = 5; x < 15; ++x)
+            framed.setPixelColor(x, y, Qt::green);
+    OSTImageDisplay display;
+    display.resize(100, 60);
+    display.setImage(framed);
+    display.setCapInsets(QMargins(5, 5, 5, 5));
+    for (const qreal ratio : {1.0, 2.0}) {
+        const QImage image = capture(display, ratio);
+        EXPECT_TRUE(colorNear(pixelAt(image, {2, 30}), QColor(Qt::red))) << "the edge keeps its width";
+        EXPECT_TRUE(colorNear(pixelAt(image, {8, 30}), QColor(Qt::green))) << "only the middle stretches";
+        EXPECT_TRUE(colorNear(pixelAt(image, {97, 30}), QColor(Qt::red)));
+    }
+    display.setCapInsets(QMargins(-3, 400, 1'000'000, 50));
+    EXPECT_FALSE(capture(display, 1).isNull());
+
+    const QRectF filled = OSTImageDisplay::placement({20, 10}, {0, 0, 100, 100}, UIViewContentModeScaleAspectFill);
+    EXPECT_EQ(filled.size(), QSizeF(200, 100));
+    const QRectF fitted = OSTImageDisplay::placement({20, 10}, {0, 0, 100, 100}, UIViewContentModeScaleAspectFit);
+    EXPECT_EQ(fitted, QRectF(0, 25, 100, 50));
+    EXPECT_EQ(OSTImageDisplay::placement({20, 10}, {0, 0, 100, 100}, UIViewContentModeBottomRight), QRectF(80, 90, 20, 10));
+}
+
+} // namespace
+} // namespace ostrel
