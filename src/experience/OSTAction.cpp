@@ -22,7 +22,7 @@ void OSTAction::readParameters(const QVariantMap &parameters, int depth)
     switch (m_type) {
     case OSTActionTypeOpenURL:
         m_urlString = ost_stringForKey(parameters, u"url"_s).value_or(QString());
-        m_shouldCloseSelf = ost_numberForKey(parameters, u"closeSelf"_s).value_or(0.0) != 0.0;
+        m_shouldCloseSelf = ost_finiteDouble(ost_numberForKey(parameters, u"closeSelf"_s)).value_or(0.0) != 0.0;
         break;
     case OSTActionTypeLoginFacebook:
         if (const auto success = ost_dictionaryForKey(parameters, u"successAction"_s)) {

@@ -20,7 +20,7 @@ namespace {
 
 qreal alphaWithProperties(const QVariantMap &properties)
 {
-    const std::optional<double> alpha = ost_numberForKey(properties, u"alpha"_s);
+    const std::optional<double> alpha = ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s));
     return std::clamp(alpha.value_or(1.0), 0.0, 1.0);
 }
 

@@ -68,7 +68,7 @@ void OSTStartup::connectFlowRegistry()
     if (const auto &localDefault = OSTServiceManager::localDefault())
         flows.loadLocalDefault(*localDefault);
     OSTServiceManager &service = OSTServiceManager::sharedManager();
-    service.launchParameterSources().cachedVersions = [&flows] { return QVariant(flows.cachedVersions()); };
+    service.launchParameterSources().cachedVersions = [&flows] { return flows.cachedVersions(); };
     service.connectLaunchResponseReceiver(OSTServiceManager::LaunchResponseReceiver::Experience,
                                           [&flows](const OSTServiceManager::LaunchResponse &response) {
                                               if (response)

@@ -40,20 +40,9 @@ QVariantMap experience(const QVariantMap &welcome = welcomeJSON)
     };
 }
 
-// Until the experience manager takes the launch response, the registry takes it directly.
-void deliverLaunchResponsesToTheRegistry()
-{
-    OSTServiceManager::sharedManager().connectLaunchResponseReceiver(
-        OSTServiceManager::LaunchResponseReceiver::Experience, [](const OSTServiceManager::LaunchResponse &response) {
-            if (response)
-                OSTFlowManager::sharedManager().loadLaunchResponse(*response);
-        });
-}
-
 bool launchAndWait()
 {
-    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Manual);
-    deliverLaunchResponsesToTheRegistry();
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
     Ostrel::start();
     bool finished = false;
     Ostrel::executeAfterLaunch([&](bool) { finished = true; });

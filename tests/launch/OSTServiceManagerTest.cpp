@@ -22,8 +22,10 @@ TEST(ServiceManager, AMissingOrEmptyTokenLeavesTheSdkUnstarted)
     QTemporaryDir bundle;
     OSTBundle::setMainBundlePath(test::writeBundle(bundle.path(), {{u"OstrelToken"_s, u""_s}}));
     const QString missing = test::captureStandardError([] { Ostrel::start(); });
-    EXPECT_EQ(missing, u"Ostrel Error: Missing SDK Token. Please either add it to your Info.plist, or pass "
-                       u"it as a parameter!\n"_s);
+    // Start-up also reads the local default document, which this bundle lacks (a warning of its own).
+    EXPECT_TRUE(missing.contains(u"Ostrel Error: Missing SDK Token. Please either add it to your Info.plist, or pass "
+                                 u"it as a parameter!\n"_s))
+        << missing.toStdString();
     EXPECT_FALSE(OSTServiceManager::sharedManager().isInitialized());
 
     OSTBundle::setMainBundlePath(test::writeBundle(bundle.path(), {{u"OstrelToken"_s, 42}}));
