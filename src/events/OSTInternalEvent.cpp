@@ -30,8 +30,8 @@ OSTInternalEvent OSTInternalEvent::sessionStartedEvent(double sessionDifference,
 OSTInternalEvent OSTInternalEvent::userEvent(const QString &name, const OSTTrackedItem *currentScreen)
 {
     QVariantMap parameters;
-    if (currentScreen && currentScreen->flow()) {
-        parameters.insert(u"flow_key"_s, currentScreen->flow()->key());
+    if (const auto flow = currentScreen ? currentScreen->trackedFlow() : nullptr) {
+        parameters.insert(u"flow_key"_s, flow->key());
         parameters.insert(u"screen_key"_s, currentScreen->key());
     }
     return OSTInternalEvent(name, name, parameters);

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <memory>
+
 namespace ostrel {
 
 // What an event needs to know about a screen or a flow of the experience document: its key, its
@@ -12,11 +14,11 @@ class OSTTrackedItem {
 public:
     virtual ~OSTTrackedItem() = default;
 
-    virtual QString key() const = 0;
-    virtual QString name() const = 0;
-    virtual QVariantMap trackingParameters() const = 0;
+    virtual const QString &key() const = 0;
+    virtual const QString &name() const = 0;
+    virtual const QVariantMap &trackingParameters() const = 0;
     // The flow that holds this screen; null for a flow, or for a screen outside every flow.
-    virtual const OSTTrackedItem *flow() const { return nullptr; }
+    virtual std::shared_ptr<const OSTTrackedItem> trackedFlow() const { return nullptr; }
 };
 
 } // namespace ostrel

@@ -16,7 +16,7 @@ namespace ostrel {
 // A named, ordered sequence of screens. Built from the flow's key and metadata object; the
 // registry then hands it the screens its steps name before anyone else sees it, and it stays
 // immutable from then on. It holds its screens; each screen refers back to it weakly.
-class OSTFlow {
+class OSTFlow final : public OSTTrackedItem {
 public:
     using Screens = std::vector<std::shared_ptr<OSTScreen>>;
 
@@ -26,9 +26,9 @@ public:
     OSTFlow &operator=(const OSTFlow &) = delete;
 
     // The key as delivered; the registry files the flow under its lower-cased form.
-    const QString &key() const { return m_key; }
+    const QString &key() const override { return m_key; }
     // "name", or "" when absent.
-    const QString &name() const { return m_name; }
+    const QString &name() const override { return m_name; }
     // The string entries of "steps", lower-cased, in order.
     const QStringList &screenKeys() const { return m_screenKeys; }
     // The registered screens among the steps, in order.
@@ -36,7 +36,7 @@ public:
     // "variation_name"; absent when the metadata has none.
     const std::optional<QString> &variationName() const { return m_variationName; }
     // "ost_segment_id" and "segment_name" when present and not empty.
-    const QVariantMap &trackingParameters() const { return m_trackingParameters; }
+    const QVariantMap &trackingParameters() const override { return m_trackingParameters; }
     // "properties"."flowEndAction"; an action of type none when absent.
     const OSTAction &endAction() const { return m_endAction; }
     // "properties"."loginFacebook" as delivered (empty when absent), from which the user layer

@@ -1,5 +1,7 @@
 #include "experience/OSTScreen.h"
 
+#include "experience/OSTFlow.h"
+
 #include "core/OSTDictionaryHelpers.h"
 
 using namespace Qt::StringLiterals;
@@ -32,6 +34,11 @@ std::shared_ptr<const OSTFlow> OSTScreen::flow() const
 {
     QMutexLocker locker(&m_flowLock);
     return m_flow.lock();
+}
+
+std::shared_ptr<const OSTTrackedItem> OSTScreen::trackedFlow() const
+{
+    return flow();
 }
 
 void OSTScreen::setFlow(const std::shared_ptr<const OSTFlow> &flow)

@@ -16,20 +16,20 @@ namespace {
 
 class TrackedItem : public OSTTrackedItem {
 public:
-    TrackedItem(QString key, QString name, QVariantMap tracking, const OSTTrackedItem *flow = nullptr)
+    TrackedItem(QString key, QString name, QVariantMap tracking, std::shared_ptr<const OSTTrackedItem> flow = nullptr)
         : m_key(std::move(key)), m_name(std::move(name)), m_tracking(std::move(tracking)), m_flow(flow)
     {
     }
-    QString key() const override { return m_key; }
-    QString name() const override { return m_name; }
-    QVariantMap trackingParameters() const override { return m_tracking; }
-    const OSTTrackedItem *flow() const override { return m_flow; }
+    const QString &key() const override { return m_key; }
+    const QString &name() const override { return m_name; }
+    const QVariantMap &trackingParameters() const override { return m_tracking; }
+    std::shared_ptr<const OSTTrackedItem> trackedFlow() const override { return m_flow; }
 
 private:
     QString m_key;
     QString m_name;
     QVariantMap m_tracking;
-    const OSTTrackedItem *m_flow;
+    std::shared_ptr<const OSTTrackedItem> m_flow;
 };
 
 // The parameters besides the three every internal event carries.
@@ -48,8 +48,10 @@ QVariantMap ownParameters(const OSTEvent &event)
 
 TEST(EventModel, InternalEventsCarryTheirNamesTypesAndParameters)
 {
-    const TrackedItem flow(u"signup"_s, u"Sign Up"_s, {{u"campaign"_s, u"spring"_s}, {u"flow_key"_s, u"stale"_s}});
-    const TrackedItem screen(u"email"_s, u"Email"_s, {{u"variant"_s, u"b"_s}}, &flow);
+    const auto flowItem = std::make_shared<const TrackedItem>(
+        u"signup"_s, u"Sign Up"_s, QVariantMap{{u"campaign"_s, u"spring"_s}, {u"flow_key"_s, u"stale"_s}});
+    const TrackedItem &flow = *flowItem;
+    const TrackedItem screen(u"email"_s, u"Email"_s, {{u"variant"_s, u"b"_s}}, flowItem);
     const auto tapped = [](QVariantMap action) {
         action.insert(u"variant"_s, u"b"_s);
         action.insert(u"experience_key"_s, u"email"_s);
