@@ -1,0 +1,129 @@
+// Building and painting a phone-sized screen of 40 mixed elements at device pixel ratio 2:
+// 12 labels, 10 buttons with background images, 10 image views and 8 switches on a gradient
+// backdrop. Images are the host's own (found in the main bundle, as cached images would be), so
+// no network is involved; building includes delivering them to their views.
+
+#include "OSTBenchmarkRunner.h"
+#include "input/OSTButton.h"
+#include "input/OSTSwitch.h"
+#include "platform/OSTBundle.h"
+#include "render/OSTImageView.h"
+#include "render/OSTLabel.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+using namespace ostrel;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qreal devicePixelRatio = 2;
+const QString imageAddress = u"https://images.example.test/%1.png"_s;
+
+void writeHostImages(const QString &folder)
+{
+    for (int index = 0; index < 4; ++index) {
+        QImage image(120, 120, QImage::Format_ARGB32);
+        image.fill(QColor::fromHsv(index * 80, 200, 230));
+        image.save(folder + u"/picture%1.png"_s.arg(index));
+    }
+}
+
+QRect cell(int index)
+{
+    // Five columns of eight rows over 375 × 667 points.
+    return QRect(8 + (index % 5) * 73, 12 + (index / 5) * 82, 65, 70);
+}
+
+std::unique_ptr<QWidget> buildScreen()
+{
+    auto screen = std::make_unique<OSTView>(QRect(0, 0, 375, 667),
+        QVariantMap{{u"backgroundGradient"_s, QVariantMap{{u"colors"_s, QVariantList{u"#1E3C72"_s, u"#2A5298"_s}}}}});
+    QWidget *container = screen.get();
+    for (int index = 0; index < 40; ++index) {
+        const QRect frame = cell(index);
+        const QString picture = imageAddress.arg(u"picture%1"_s.arg(index % 4));
+        switch (index % 4) {
+        case 0:
+            if (index < 36) {
+                new OSTLabel(frame, {{u"text"_s, u"Label number %1 wraps"_s.arg(index)}, {u"size"_s, u"13"_s},
+                                     {u"textColor"_s, u"#FFFFFF"_s}, {u"alignment"_s, u"left"_s}},
+                             container);
+                break;
+            }
+            [[fallthrough]];
+        case 1:
+            OSTButton::create(frame, {{u"cornerRadius"_s, u"10"_s},
+                                      {u"states"_s, QVariantMap{{u"normal"_s, QVariantMap{{u"text"_s, u"Go"_s},
+                                                                                         {u"size"_s, u"15"_s},
+                                                                                         {u"image"_s, picture}}},
+                                                               {u"pressed"_s, QVariantMap{{u"textColor"_s, u"#FF0000"_s}}}}}},
+                              u"button%1"_s.arg(index), container);
+            break;
+        case 2:
+            new OSTImageView(frame, {{u"image"_s, picture}, {u"cornerRadius"_s, u"8"_s}}, container);
+            break;
+        default:
+            if (index % 8 == 3)
+                new OSTSwitch(frame, {{u"defaultState"_s, u"pressed"_s}}, u"switch%1"_s.arg(index), container);
+            else
+                new OSTLabel(frame, {{u"text"_s, u"Short"_s}, {u"size"_s, u"17"_s}, {u"textColor"_s, u"#FFCC00"_s},
+                                     {u"shadow"_s, QVariantList{u"#000000"_s, u"2"_s, u"1"_s, u"1"_s}}},
+                             container);
+        }
+    }
+    // Host images arrive on the next turn of the event loop.
+    QCoreApplication::processEvents();
+    return screen;
+}
+
+QImage ratioTwoTarget()
+{
+    QImage target(QSize(375, 667) * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
+    target.setDevicePixelRatio(devicePixelRatio);
+    return target;
+}
+
+void BM_BuildFortyElements(benchmark::State &state)
+{
+    for (auto _ : state) {
+        auto screen = buildScreen();
+        benchmark::DoNotOptimize(screen.get());
+        state.PauseTiming();
+        screen.reset();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_BuildFortyElements)->Unit(benchmark::kMillisecond);
+
+void BM_PaintFortyElements(benchmark::State &state)
+{
+    auto screen = buildScreen();
+    QImage target = ratioTwoTarget();
+    for (auto _ : state) {
+        target.fill(Qt::transparent);
+        screen->render(&target, QPoint(), QRegion(), QWidget::DrawChildren);
+        benchmark::DoNotOptimize(target.constBits());
+    }
+}
+BENCHMARK(BM_PaintFortyElements)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QTemporaryDir data;
+    qputenv("XDG_DATA_HOME", data.path().toUtf8());
+    QApplication application(argc, argv);
+    QTemporaryDir bundle;
+    writeHostImages(bundle.path());
+    OSTBundle::setMainBundlePath(bundle.path());
+    return bench::runRegisteredBenchmarks(argc, argv);
+}
