@@ -273,13 +273,10 @@ TEST_F(FlowManagerTest, PreloadingStopsAtTheFirstAddressThatIsNotAURL)
         manager.synchronize();
     });
 
-    const QStringList preloaded = [&] {
-        QStringList lines;
-        for (const QString &line : log.split(u'\n'))
-            if (line.startsWith(u"Ostrel Debug: Preloading image: "_s))
-                lines.append(line.mid(line.lastIndexOf(u'/') + 1));
-        return lines;
-    }();
+    QStringList preloaded;
+    for (const QString &line : log.split(u'\n'))
+        if (line.startsWith(u"Ostrel Debug: Preloading image: "_s))
+            preloaded.append(line.mid(line.lastIndexOf(u'/') + 1));
     EXPECT_EQ(preloaded, (QStringList{u"hero.png"_s, u"good-button.png"_s, u"good-input.png"_s})) << log.toStdString();
     EXPECT_TRUE(manager.hasScreenForKey(u"unparsable"_s));
 }
