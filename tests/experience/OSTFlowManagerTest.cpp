@@ -58,21 +58,15 @@ TEST_F(FlowManagerTest, DeliveryRegistersScreensThenFlowsUnderLowerCasedKeys)
     OSTFlowManager manager(settings());
     const QVariantMap screens{
         {u"Welcome"_s, screenMetadata(u"{}"_s, u"w1"_s,
-                                      {{u"experience_name"_s, u"Welcome!"_s},
-                                       {u"segment_name"_s, u""_s},
-                                       {u"ost_segment_id"_s, 0},
-                                       {u"test_name"_s, u"A/B"_s},
-                                       {u"not_tracked"_s, u"x"_s}})},
+                                      {{u"experience_name"_s, u"Welcome!"_s}, {u"segment_name"_s, u""_s},
+                                       {u"ost_segment_id"_s, 0}, {u"test_name"_s, u"A/B"_s}, {u"not_tracked"_s, u"x"_s}})},
         {u"details"_s, screenMetadata(u"not json"_s, u"d1"_s)},
         {u"bogus"_s, u"not an object"_s},
     };
     const QVariantMap flows{
         {u"SignUp"_s, flowMetadata({u"WELCOME"_s, 7, u"Details"_s, u"Missing"_s},
-                                   {{u"name"_s, u"Sign up"_s},
-                                    {u"segment_name"_s, u"new"_s},
-                                    {u"ost_segment_id"_s, u""_s},
-                                    {u"properties"_s, QVariantMap{{u"flowEndAction"_s,
-                                                                   QVariantMap{{u"func"_s, u"close"_s}}}}}})},
+                                   {{u"name"_s, u"Sign up"_s}, {u"segment_name"_s, u"new"_s}, {u"ost_segment_id"_s, u""_s},
+                                    {u"properties"_s, QVariantMap{{u"flowEndAction"_s, QVariantMap{{u"func"_s, u"close"_s}}}}}})},
         {u"plain"_s, flowMetadata({})},
         {u"broken"_s, QVariantList{u"welcome"_s}},
     };
@@ -279,13 +273,10 @@ TEST_F(FlowManagerTest, PreloadingStopsAtTheFirstAddressThatIsNotAURL)
         manager.synchronize();
     });
 
-    const QStringList preloaded = [&] {
-        QStringList lines;
-        for (const QString &line : log.split(u'\n'))
-            if (line.startsWith(u"Ostrel Debug: Preloading image: "_s))
-                lines.append(line.mid(line.lastIndexOf(u'/') + 1));
-        return lines;
-    }();
+    QStringList preloaded;
+    for (const QString &line : log.split(u'\n'))
+        if (line.startsWith(u"Ostrel Debug: Preloading image: "_s))
+            preloaded.append(line.mid(line.lastIndexOf(u'/') + 1));
     EXPECT_EQ(preloaded, (QStringList{u"hero.png"_s, u"good-button.png"_s, u"good-input.png"_s})) << log.toStdString();
     EXPECT_TRUE(manager.hasScreenForKey(u"unparsable"_s));
 }

@@ -43,13 +43,8 @@ QStringList itemKeys(const OSTValidationGroupModel &group)
     return keys;
 }
 
-const char *const signUpLayout = R"({
-    "inputs": {
-        "email": {"isUnique": "true", "userPropertyName": "email"},
-        "password": {"textType": "password"},
-        "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"}
-    }
-})";
+const char *const signUpLayout = R"({"inputs": {"email": {"isUnique": "true", "userPropertyName": "email"},
+    "password": {"textType": "password"}, "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"}}})";
 
 } // namespace
 
@@ -59,27 +54,14 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     OSTValidationManager manager;
     const QString log = captureStandardError([&] {
         manager.addScreenWithKey(u"profile"_s, mapFromJson(R"({
-            "inputs": {
-                "broken": 5,
-                "email": {"isUnique": "true"},
-                "password": {"textType": "password"},
-                "phone": {"textType": "phoneNumberValidated"},
-                "phone2": {"textType": "phoneNumberValidated"},
-                "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"},
-                "secret": {"secureTextEntry": "yes"}
-            },
-            "buttons": {
-                "agree": {"buttonType": "toggleSwitch"},
-                "next": {"title": "Next"},
-                "oddType": {"buttonType": 3},
-                "optionA": {"buttonType": "toggle"},
-                "optionB": {"buttonType": "toggle"}
-            },
-            "selectionGroups": {
-                "choice": {"elements": {"optionA": "a", "optionB": "b"}},
-                "loose": {"elements": "optionA"}
-            }
-        })"));
+            "inputs": {"broken": 5, "email": {"isUnique": "true"}, "password": {"textType": "password"},
+                       "phone": {"textType": "phoneNumberValidated"}, "phone2": {"textType": "phoneNumberValidated"},
+                       "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"},
+                       "secret": {"secureTextEntry": "yes"}},
+            "buttons": {"agree": {"buttonType": "toggleSwitch"}, "next": {"title": "Next"}, "oddType": {"buttonType": 3},
+                        "optionA": {"buttonType": "toggle"}, "optionB": {"buttonType": "toggle"}},
+            "selectionGroups": {"choice": {"elements": {"optionA": "a", "optionB": "b"}},
+                                "loose": {"elements": "optionA"}}})"));
     });
     EXPECT_TRUE(log.contains(u"Ostrel Warning: Ignoring \"broken\" in \"inputs\""_s)) << log.toStdString();
 
@@ -207,9 +189,7 @@ TEST(ValidationManager, FieldCollectionsAcrossScreens)
     OSTValidationManager manager;
     manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
     manager.addScreenWithKey(u"about"_s, mapFromJson(R"({"inputs": {
-        "nickname": {"userPropertyName": "email", "isUnique": "true"},
-        "city": {}
-    }})"));
+        "nickname": {"userPropertyName": "email", "isUnique": "true"}, "city": {}}})"));
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s, u"password"_s, u"pin"_s});
     signUp.input(u"email"_s).type(u"ada@example.com"_s);
     signUp.input(u"password"_s).type(u"secret"_s);
@@ -232,11 +212,8 @@ TEST(ValidationManager, FieldCollectionsAcrossScreens)
 TEST(ValidationManager, ResultForOneScreenAppliesMessagePrecedencePerInput)
 {
     OSTValidationManager manager;
-    manager.addScreenWithKey(u"profile"_s, mapFromJson(R"({"inputs": {
-        "a": {"errorMessage": "Own message of a."},
-        "b": {},
-        "c": {}
-    }})"));
+    manager.addScreenWithKey(u"profile"_s,
+                             mapFromJson(R"({"inputs": {"a": {"errorMessage": "Own message of a."}, "b": {}, "c": {}}})"));
     ScreenViews screen = attachScreen(manager, u"profile"_s, {u"a"_s, u"b"_s, u"c"_s});
     for (FakeTextInput *input : screen.inputs) {
         input->type(u"text"_s);
@@ -311,8 +288,7 @@ TEST(ValidationManager, FlowResultWithFieldsReachesEveryScreenAndFieldsRecoverTh
     OSTValidationManager manager;
     manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
     manager.addScreenWithKey(u"confirm"_s, mapFromJson(R"({"inputs": {
-        "again": {"userPropertyName": "email", "errorMessage": "Repeat your e-mail address."}
-    }})"));
+        "again": {"userPropertyName": "email", "errorMessage": "Repeat your e-mail address."}}})"));
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s});
     ScreenViews confirm = attachScreen(manager, u"confirm"_s, {u"again"_s});
     signUp.input(u"email"_s).type(u"ada@example.com"_s);

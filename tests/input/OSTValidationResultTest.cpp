@@ -5,7 +5,7 @@
 using namespace ostrel;
 using namespace Qt::StringLiterals;
 
-TEST(ValidationResult, CollectsInvalidFieldsWithTheirMessages)
+TEST(ValidationResult, CollectsInvalidFieldsWithTheirMessagesAndOneDefaultMessage)
 {
     OSTValidationResult result;
     EXPECT_TRUE(result.isValid());
@@ -23,11 +23,9 @@ TEST(ValidationResult, CollectsInvalidFieldsWithTheirMessages)
     EXPECT_EQ(result.errorMessages(), (QMap<QString, QString>{{u"email"_s, u"Already registered."_s}}))
         << "invalidating again without a message keeps the field's message";
     EXPECT_FALSE(result.defaultErrorMessage());
-}
 
-TEST(ValidationResult, DefaultMessageAloneMakesItInvalidAndIsReplaced)
-{
-    OSTValidationResult result;
+    // A default message alone makes a result invalid and a later one replaces it.
+    result = OSTValidationResult();
     result.invalidateWithErrorMessage(u"Try again."_s);
     EXPECT_FALSE(result.isValid());
     EXPECT_TRUE(result.invalidFields().isEmpty());

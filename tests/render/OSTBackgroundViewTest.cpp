@@ -28,7 +28,7 @@ protected:
 
 } // namespace
 
-TEST_P(BackgroundViewPixels, LinearGradientsRunFromTheFirstColourToTheLast)
+TEST_P(BackgroundViewPixels, LinearGradientsRunBetweenTheirLastTwoColours)
 {
     const QImage horizontal = paint({200, 100}, R"({"backgroundGradient":
         {"colors": ["#FF0000", "#0000FF"], "style": "horizontal"}})");
@@ -42,10 +42,8 @@ TEST_P(BackgroundViewPixels, LinearGradientsRunFromTheFirstColourToTheLast)
     EXPECT_TRUE(colorNear(pixelAt(vertical, {100, 0}), red)) << "any other style is vertical";
     EXPECT_TRUE(colorNear(pixelAt(vertical, {100, 99.5}), blue));
     EXPECT_EQ(pixelAt(vertical, {0, 50}), pixelAt(vertical, {199.5, 50}));
-}
 
-TEST_P(BackgroundViewPixels, WithThreeColoursOnlyTheLastTwoShow)
-{
+    // With three colours only the last two show.
     const QImage image = paint({200, 50}, R"({"backgroundGradient":
         {"colors": ["#FF0000", "#00FF00", "#0000FF"], "style": "horizontal"}})");
     EXPECT_TRUE(colorNear(pixelAt(image, {0, 25}), green)) << "the first two stops are both at 0";
@@ -86,7 +84,7 @@ TEST_P(BackgroundViewPixels, CircleHasTransparentCornersAndAWideBoxBecomesACapsu
     EXPECT_TRUE(colorNear(pixelAt(capsule, {20, 20}), red));
 }
 
-TEST_P(BackgroundViewPixels, BorderNeedsBothASizeAndAColour)
+TEST_P(BackgroundViewPixels, BorderNeedsBothASizeAndAColourAndFollowsRoundedCorners)
 {
     const QImage bordered = paint({100, 60}, R"({"backgroundColor": "#FFFFFF",
         "borderSize": "2", "borderColor": "#00FF00"})");
@@ -101,10 +99,8 @@ TEST_P(BackgroundViewPixels, BorderNeedsBothASizeAndAColour)
                                    R"({"backgroundColor": "#FFFFFF", "borderSize": "0", "borderColor": "#00FF00"})",
                                    R"({"backgroundColor": "#FFFFFF", "borderSize": 2, "borderColor": "#00FF00"})"})
         EXPECT_TRUE(colorNear(pixelAt(paint({100, 60}, incomplete), {0, 30}), white)) << incomplete;
-}
 
-TEST_P(BackgroundViewPixels, BorderFollowsRoundedCorners)
-{
+    // The border follows rounded corners.
     const QImage image = paint({100, 100}, R"({"backgroundColor": "#FFFFFF", "cornerRadius": "20",
         "borderSize": "4", "borderColor": "#0000FF"})");
     EXPECT_TRUE(colorNear(pixelAt(image, {1, 1}), transparent)) << "outside the rounded corner";
@@ -114,7 +110,7 @@ TEST_P(BackgroundViewPixels, BorderFollowsRoundedCorners)
     EXPECT_TRUE(colorNear(pixelAt(image, {50, 2}), blue));
 }
 
-TEST_P(BackgroundViewPixels, BackgroundColourIsIgnoredWhenAGradientIsPresent)
+TEST_P(BackgroundViewPixels, GradientReplacesTheBackgroundColourWhichShowsOnlyThroughTranslucentStops)
 {
     const QImage withBase = paint({50, 50}, R"({"backgroundColor": "#FF0000",
         "backgroundGradient": {"baseColor": "#00FF00"}})");
@@ -127,10 +123,7 @@ TEST_P(BackgroundViewPixels, BackgroundColourIsIgnoredWhenAGradientIsPresent)
     const QImage notAnObject = paint({50, 50}, R"({"backgroundColor": "#FF0000",
         "backgroundGradient": "#00FF00"})");
     EXPECT_TRUE(colorNear(pixelAt(notAnObject, {25, 25}), red)) << "a gradient must be an object";
-}
 
-TEST_P(BackgroundViewPixels, BaseColourShowsOnlyThroughTranslucentStops)
-{
     const QImage translucent = paint({50, 50}, R"({"backgroundGradient": {"baseColor": "#0000FF",
         "colors": ["#FF000080", "#FF000080"]}})");
     EXPECT_TRUE(colorNear(pixelAt(translucent, {25, 25}), QColor(128, 0, 127), 2));

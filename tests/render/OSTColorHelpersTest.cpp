@@ -18,25 +18,13 @@ TEST(ColorHelpers, HexadecimalStringsGiveTheirColourWithAlphaLast)
 {
     const QColor clear(Qt::transparent);
     const std::vector<HexCase> cases{
-        {u"#FFF"_s, QColor(255, 255, 255)},
-        {u"FFF"_s, QColor(255, 255, 255)},
-        {u"#FFFFFF"_s, QColor(255, 255, 255)},
-        {u"#fff"_s, QColor(255, 255, 255)},
-        {u"#FFF0"_s, QColor(255, 255, 255, 0)},
-        {u"#80FF0000"_s, QColor(0x80, 0xFF, 0x00, 0x00)},
-        {u"#12345678"_s, QColor(0x12, 0x34, 0x56, 0x78)},
-        {u"#1A2b3C"_s, QColor(0x1A, 0x2B, 0x3C)},
-        {u"#f80"_s, QColor(0xFF, 0x88, 0x00)},
-        {u"#f808"_s, QColor(0xFF, 0x88, 0x00, 0x88)},
-        {u"##F#F#F"_s, QColor(255, 255, 255)},
-        {u"#12345"_s, clear},
-        {u"#1234567"_s, clear},
-        {u""_s, clear},
-        {u"#"_s, clear},
-        {u"GGGGGG"_s, clear},
-        {u"#GGG"_s, clear},
-        {u"#0G0"_s, clear},
-        {u"#FF FF FF"_s, clear},
+        {u"#FFF"_s, QColor(255, 255, 255)}, {u"FFF"_s, QColor(255, 255, 255)}, {u"#FFFFFF"_s, QColor(255, 255, 255)},
+        {u"#fff"_s, QColor(255, 255, 255)}, {u"#FFF0"_s, QColor(255, 255, 255, 0)},
+        {u"#80FF0000"_s, QColor(0x80, 0xFF, 0x00, 0x00)}, {u"#12345678"_s, QColor(0x12, 0x34, 0x56, 0x78)},
+        {u"#1A2b3C"_s, QColor(0x1A, 0x2B, 0x3C)}, {u"#f80"_s, QColor(0xFF, 0x88, 0x00)},
+        {u"#f808"_s, QColor(0xFF, 0x88, 0x00, 0x88)}, {u"##F#F#F"_s, QColor(255, 255, 255)},
+        {u"#12345"_s, clear}, {u"#1234567"_s, clear}, {u""_s, clear}, {u"#"_s, clear}, {u"GGGGGG"_s, clear},
+        {u"#GGG"_s, clear}, {u"#0G0"_s, clear}, {u"#FF FF FF"_s, clear},
         {u"#5G5G5G"_s, QColor(5, 5, 5)}, // a component reads its leading digits only
         {u"#٣٣٣"_s, clear},              // digits of other scripts are not hexadecimal
     };

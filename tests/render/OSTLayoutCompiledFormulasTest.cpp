@@ -32,29 +32,15 @@ TEST(LayoutCompiledFormulas, CompilesOnlyWhatTextSubstitutionCannotReshape)
         const char16_t *formula;
         bool compiles;
     } cases[] = {
-        {u"(100% - width) / 2", true},
-        {u"{a.y} + {a.height} + 8", true},
-        {u"{missing.x} - -(statusBar * 2)", true},
-        {u"{a.colour}", true},
-        {u"150.5%", true},
-        {u"33.2% * .5 + 5.", true},
-        {u"%", true},
+        {u"(100% - width) / 2", true}, {u"{a.y} + {a.height} + 8", true}, {u"{missing.x} - -(statusBar * 2)", true},
+        {u"{a.colour}", true}, {u"150.5%", true}, {u"33.2% * .5 + 5.", true}, {u"%", true},
         {u"0% + 5", false},      // the percentage becomes nothing
         {u"1234.5%", false},     // the pattern takes only "34.5%"
         {u"250.5%", false},      // nor "250.5%" whole
         {u"{a.{b.x}.y}", false}, // nested braces
         {u"{a.x}{a.x}", false},  // adjacent operands join into one number
-        {u"{a.x}.5", false},
-        {u"x2", false},
-        {u"widthx", false},
-        {u"colour", false},
-        {u"{a}", false},
-        {u"{a.x", false},
-        {u"1e2", false},
-        {u"5.5.5", false},
-        {u"+5", false},
-        {u"5 %", false},
-        {u"", false},
+        {u"{a.x}.5", false}, {u"x2", false}, {u"widthx", false}, {u"colour", false}, {u"{a}", false},
+        {u"{a.x", false}, {u"1e2", false}, {u"5.5.5", false}, {u"+5", false}, {u"5 %", false}, {u"", false},
     };
     for (const auto &entry : cases) {
         Compiled compiled;

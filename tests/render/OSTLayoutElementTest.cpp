@@ -60,7 +60,7 @@ TEST(LayoutElement, LayerAndAnchoringReadings)
     }
 }
 
-TEST(LayoutElement, SetValueRecordsWhetherTheValueIsResolved)
+TEST(LayoutElement, SetValueRecordsWhetherTheValueIsResolvedAndTheParentIsWeak)
 {
     OSTLayoutElement element(
         layoutJson(R"({"x": "1", "y": "2", "width": "3.5", "height": "50%"})"));
@@ -83,17 +83,14 @@ TEST(LayoutElement, SetValueRecordsWhetherTheValueIsResolved)
     screen.setValue(u"667.00"_s, u"height"_s);
     EXPECT_TRUE(screen.isResolved());
     EXPECT_EQ(screen.frame(), QRectF(0, 0, 375, 667)) << "missing x and y read 0";
-}
 
-TEST(LayoutElement, ParentIsHeldWeakly)
-{
     auto child = std::make_shared<OSTLayoutElement>();
     {
         auto parent = std::make_shared<OSTLayoutElement>();
         child->setParent(parent);
         EXPECT_EQ(child->parent(), parent);
     }
-    EXPECT_EQ(child->parent(), nullptr);
+    EXPECT_EQ(child->parent(), nullptr) << "the parent is held weakly";
 }
 
 TEST(LayoutNumericString, AcceptsUnsignedDecimalNumbersOnly)

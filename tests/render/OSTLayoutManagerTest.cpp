@@ -60,25 +60,22 @@ TEST(LayoutManagerBuilding, CategoriesGiveDefaultLayersAndTheScreenAsParent)
               (QStringList{u"s"_s, u"i"_s, u"g"_s, u"l"_s, u"n"_s, u"b"_s}));
 }
 
-TEST(LayoutManagerBuilding, EntriesThatAreNotObjectsAreSkipped)
+TEST(LayoutManagerBuilding, EntriesThatAreNotObjectsAreSkippedAndAKeyInTwoCategoriesLeavesOneElement)
 {
     const OSTLayoutManager manager = layoutManager(R"({
         "shapes": {"a": "text", "b": 3, "c": [1], "d": null, "e": {}},
         "labels": [{"x": "1"}], "groups": "none", "images": 7})");
     EXPECT_EQ(manager.elements().keys(), QStringList{u"e"_s});
-}
 
-TEST(LayoutManagerBuilding, AKeyInTwoCategoriesLeavesOneElement)
-{
-    const OSTLayoutManager manager = layoutManager(R"({
+    const OSTLayoutManager duplicated = layoutManager(R"({
         "labels": {"title": {"x": "1", "zLayer": 9}},
         "shapes": {"title": {"x": "2"}},
         "buttons": {"title": {"x": "3"}}})");
-    ASSERT_EQ(manager.elements().size(), 1);
-    EXPECT_EQ(manager.elementKeysSortedByZLayer(), QStringList{u"title"_s});
+    ASSERT_EQ(duplicated.elements().size(), 1);
+    EXPECT_EQ(duplicated.elementKeysSortedByZLayer(), QStringList{u"title"_s});
     // The categories are read in key order, so "shapes" is the last one and stays.
-    EXPECT_EQ(value(manager, "title", "x"), u"2"_s);
-    EXPECT_EQ(manager.elements().value(u"title"_s)->zLayer(), 200);
+    EXPECT_EQ(value(duplicated, "title", "x"), u"2"_s);
+    EXPECT_EQ(duplicated.elements().value(u"title"_s)->zLayer(), 200);
 }
 
 TEST(LayoutManagerBuilding, LayersSortAscendingAndStablyInKeyOrder)
@@ -147,7 +144,7 @@ TEST(LayoutManagerBuilding, ScreenBoundsArePortraitOrdered)
 
 // --- Updating one element ---------------------------------------------------------------------
 
-TEST(LayoutManagerUpdate, ReplacesTheFrameOfAnUnresolvedElement)
+TEST(LayoutManagerUpdate, ReplacesTheFrameOfAnUnresolvedElementOnly)
 {
     OSTLayoutManager manager =
         layoutManager(R"({"labels": {"errorMessage": {"y": "50%", "height": "40"}}})");
@@ -162,18 +159,16 @@ TEST(LayoutManagerUpdate, ReplacesTheFrameOfAnUnresolvedElement)
         << "only the frame changes";
     ASSERT_TRUE(manager.resolveLayout());
     EXPECT_EQ(manager.frameForKey(u"errorMessage"_s), QRectF(0, 100, 375, 667));
-}
 
-TEST(LayoutManagerUpdate, IsIgnoredOnAnElementWhoseValuesAreAllNumbers)
-{
-    OSTLayoutManager manager = layoutManager(R"({"labels": {"errorMessage":
+    // An element whose values are all numbers, or an unknown key, ignores the update.
+    OSTLayoutManager fixed = layoutManager(R"({"labels": {"errorMessage":
         {"x": "10", "y": "20", "width": "30", "height": "40"}}})");
-    manager.updateLayout(layoutJson(R"({"y": "100"})"), u"errorMessage"_s);
-    manager.updateLayout(layoutJson(R"({"y": "100"})"), u"unknown"_s);
-    EXPECT_EQ(value(manager, "errorMessage", "y"), u"20"_s);
-    EXPECT_EQ(manager.elements().size(), 1);
-    ASSERT_TRUE(manager.resolveLayout());
-    EXPECT_EQ(manager.frameForKey(u"errorMessage"_s), QRectF(10, 20, 30, 40));
+    fixed.updateLayout(layoutJson(R"({"y": "100"})"), u"errorMessage"_s);
+    fixed.updateLayout(layoutJson(R"({"y": "100"})"), u"unknown"_s);
+    EXPECT_EQ(value(fixed, "errorMessage", "y"), u"20"_s);
+    EXPECT_EQ(fixed.elements().size(), 1);
+    ASSERT_TRUE(fixed.resolveLayout());
+    EXPECT_EQ(fixed.frameForKey(u"errorMessage"_s), QRectF(10, 20, 30, 40));
 }
 
 // --- Resolution: worked results ---------------------------------------------------------------
@@ -272,16 +267,11 @@ TEST(LayoutResolution, FramesOfUnknownKeysAreZero)
 TEST(LayoutResolutionFailure, CyclesSelfReferencesAndNegativeResultsEndWithFalse)
 {
     const char *cases[] = {
-        R"({"shapes": {"a": {"x": "{b.x}"}, "b": {"x": "{a.x}"}}})",
-        R"({"shapes": {"a": {"y": "{a.y} + 1"}}})",
-        R"({"shapes": {"a": {"x": "x"}}})",
-        R"({"shapes": {"a": {"x": "-10"}}})",
-        R"({"shapes": {"a": {"x": "10 - 20"}}})",
-        R"({"shapes": {"a": {"x": "{b.colour}"}, "b": {}}})",
-        R"({"shapes": {"a": {"width": "0% + 5"}}})",
-        R"({"shapes": {"a": {"x": "5 / 0"}}})",
-        R"({"shapes": {"a": {"x": "1e3"}}})",
-        R"({"shapes": {"a": {}}, "groups": {"g": {"elements": ["g"]}}})",
+        R"({"shapes": {"a": {"x": "{b.x}"}, "b": {"x": "{a.x}"}}})", R"({"shapes": {"a": {"y": "{a.y} + 1"}}})",
+        R"({"shapes": {"a": {"x": "x"}}})", R"({"shapes": {"a": {"x": "-10"}}})",
+        R"({"shapes": {"a": {"x": "10 - 20"}}})", R"({"shapes": {"a": {"x": "{b.colour}"}, "b": {}}})",
+        R"({"shapes": {"a": {"width": "0% + 5"}}})", R"({"shapes": {"a": {"x": "5 / 0"}}})",
+        R"({"shapes": {"a": {"x": "1e3"}}})", R"({"shapes": {"a": {}}, "groups": {"g": {"elements": ["g"]}}})",
     };
     for (const char *json : cases) {
         OSTLayoutManager manager = layoutManager(json);

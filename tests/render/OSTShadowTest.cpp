@@ -21,21 +21,13 @@ TEST(Shadow, TextShadowReadsColourRadiusAndOffset)
     const auto longer = ost_shadowWithProperties(jsonObject(R"({"shadow": ["#000", "1", "0", "0", "extra"]})"));
     ASSERT_TRUE(longer) << "entries after the fourth are ignored";
     EXPECT_EQ(longer->color, QColor(Qt::black));
-}
 
-TEST(Shadow, TextShadowIsAbsentWhenIncompleteInvisibleOrUnblurred)
-{
-    for (const char *properties : {
-             "{}",
-             R"({"shadow": ["#000000", "2", "1"]})",
-             R"({"shadow": []})",
-             R"({"shadow": "#000000 2 1 1"})",
-             R"({"shadow": [0, "2", "1", "1"]})",
-             R"({"shadow": ["#000000", "0", "1", "1"]})",
-             R"({"shadow": ["#000000", 0, "1", "1"]})",
-             R"({"shadow": ["#00000000", "2", "1", "1"]})",
-             R"({"shadow": ["#12345", "2", "1", "1"]})",
-         })
+    // Absent when incomplete, invisible or unblurred.
+    for (const char *properties :
+         {"{}", R"({"shadow": ["#000000", "2", "1"]})", R"({"shadow": []})", R"({"shadow": "#000000 2 1 1"})",
+          R"({"shadow": [0, "2", "1", "1"]})", R"({"shadow": ["#000000", "0", "1", "1"]})",
+          R"({"shadow": ["#000000", 0, "1", "1"]})", R"({"shadow": ["#00000000", "2", "1", "1"]})",
+          R"({"shadow": ["#12345", "2", "1", "1"]})"})
         EXPECT_FALSE(ost_shadowWithProperties(jsonObject(properties))) << properties;
 }
 

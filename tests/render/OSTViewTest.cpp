@@ -21,7 +21,6 @@ namespace {
 
 const QColor red(255, 0, 0);
 const QColor white(255, 255, 255);
-const QColor transparent(0, 0, 0, 0);
 
 // An element view built the way element views are: the base only builds the container and the
 // subclass styles itself once its own members exist.
@@ -187,32 +186,26 @@ TEST_P(ViewPixels, ObjectShadowFallsOutsideTheViewAlongItsOffset)
     EXPECT_TRUE(colorNear(pixelAt(image, {100, 155}), QColor(0, 0, 0, below), 0)) << "black shadow";
 }
 
-TEST_P(ViewPixels, ObjectShadowFollowsTheOutlineNotThePaintedContent)
+TEST_P(ViewPixels, ObjectShadowFollowsTheOutlineIsHiddenWhenClearAndFadesWithItsView)
 {
-    Stage stage(120, 120);
+    Stage outlineStage(120, 120);
     OSTView clearView(QRect(20, 20, 80, 80), jsonObject(R"({"cornerRadius": "circle",
-        "objectShadow": ["#FF0000", "2", "0", "0"]})"), &stage.widget);
-    const QImage image = capture(stage.widget, GetParam());
-    EXPECT_TRUE(colorNear(pixelAt(image, {60, 60}), red)) << "seen through a clear view";
-    EXPECT_EQ(pixelAt(image, {22, 22}).alpha(), 0) << "the shadow of a circle has no corners";
-}
+        "objectShadow": ["#FF0000", "2", "0", "0"]})"), &outlineStage.widget);
+    const QImage outline = capture(outlineStage.widget, GetParam());
+    EXPECT_TRUE(colorNear(pixelAt(outline, {60, 60}), red)) << "seen through a clear view";
+    EXPECT_EQ(pixelAt(outline, {22, 22}).alpha(), 0) << "the shadow of a circle has no corners";
 
-TEST_P(ViewPixels, ClearObjectShadowShowsNothing)
-{
-    Stage stage(100, 100);
-    OSTView view(QRect(25, 25, 50, 50), jsonObject(R"({"backgroundColor": "#FFFFFF",
-        "objectShadow": ["#0000", "6", "0", "6"]})"), &stage.widget);
-    const QImage image = capture(stage.widget, GetParam());
-    EXPECT_EQ(pixelAt(image, {50, 80}).alpha(), 0);
-    EXPECT_TRUE(colorNear(pixelAt(image, {50, 50}), white));
-}
+    Stage clearStage(100, 100);
+    OSTView clearShadow(QRect(25, 25, 50, 50), jsonObject(R"({"backgroundColor": "#FFFFFF",
+        "objectShadow": ["#0000", "6", "0", "6"]})"), &clearStage.widget);
+    const QImage clear = capture(clearStage.widget, GetParam());
+    EXPECT_EQ(pixelAt(clear, {50, 80}).alpha(), 0);
+    EXPECT_TRUE(colorNear(pixelAt(clear, {50, 50}), white));
 
-TEST_P(ViewPixels, TranslucentViewFadesWithItsShadowAsOneLayer)
-{
-    Stage stage(100, 100);
-    OSTView view(QRect(25, 25, 50, 50), jsonObject(R"({"alpha": "0.5", "backgroundColor": "#FFFFFF",
-        "objectShadow": ["#000000", "4", "0", "0"]})"), &stage.widget);
-    const QImage image = capture(stage.widget, GetParam());
+    Stage fadedStage(100, 100);
+    OSTView faded(QRect(25, 25, 50, 50), jsonObject(R"({"alpha": "0.5", "backgroundColor": "#FFFFFF",
+        "objectShadow": ["#000000", "4", "0", "0"]})"), &fadedStage.widget);
+    const QImage image = capture(fadedStage.widget, GetParam());
     // Faded as a group, the shadow beneath the white box does not darken it.
     EXPECT_TRUE(colorNear(pixelAt(image, {50, 50}), QColor(255, 255, 255, 128), 2));
     const int outside = pixelAt(image, {50, 76}).alpha();
