@@ -14,22 +14,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class TrackedItem : public OSTTrackedItem {
-public:
+struct TrackedItem : OSTTrackedItem {
     TrackedItem(QString key, QString name, QVariantMap tracking, const OSTTrackedItem *flow = nullptr)
-        : m_key(std::move(key)), m_name(std::move(name)), m_tracking(std::move(tracking)), m_flow(flow)
+        : itemKey(std::move(key)), itemName(std::move(name)), itemTracking(std::move(tracking)), parentFlow(flow)
     {
     }
-    QString key() const override { return m_key; }
-    QString name() const override { return m_name; }
-    QVariantMap trackingParameters() const override { return m_tracking; }
-    const OSTTrackedItem *flow() const override { return m_flow; }
+    QString key() const override { return itemKey; }
+    QString name() const override { return itemName; }
+    QVariantMap trackingParameters() const override { return itemTracking; }
+    const OSTTrackedItem *flow() const override { return parentFlow; }
 
-private:
-    QString m_key;
-    QString m_name;
-    QVariantMap m_tracking;
-    const OSTTrackedItem *m_flow;
+    const QString itemKey, itemName;
+    const QVariantMap itemTracking;
+    const OSTTrackedItem *const parentFlow;
 };
 
 // The parameters besides the three every internal event carries.
