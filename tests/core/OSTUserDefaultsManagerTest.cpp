@@ -41,12 +41,17 @@ const bool writerChildRegistered = test::OSTChildProcess::registerMode(u"write-t
     return 0;
 });
 
-} // namespace
-
-TEST(UserDefaultsManager, ValuesAreWrittenThroughAndReadBackByANewManagerAsTheirOwnTypesOrAsBooleans)
-{
+// Each test's own store file.
+class UserDefaultsManager : public ::testing::Test {
+protected:
     QTemporaryDir folder;
     const QString path = folder.filePath(u"store.sqlite"_s);
+};
+
+} // namespace
+
+TEST_F(UserDefaultsManager, ValuesAreWrittenThroughAndReadBackByANewManagerAsTheirOwnTypesOrAsBooleans)
+{
     const QDateTime when = QDateTime::fromSecsSinceEpoch(1700000000, Qt::UTC);
     {
         OSTDefaultsStore store(path);
@@ -84,10 +89,9 @@ TEST(UserDefaultsManager, ValuesAreWrittenThroughAndReadBackByANewManagerAsTheir
     EXPECT_FALSE(manager.boolForKey(u"list"_s));
 }
 
-TEST(UserDefaultsManager, NonPropertyListValuesAreRefusedWithAWarning)
+TEST_F(UserDefaultsManager, NonPropertyListValuesAreRefusedWithAWarning)
 {
-    QTemporaryDir folder;
-    OSTDefaultsStore store(folder.filePath(u"store.sqlite"_s));
+    OSTDefaultsStore store(path);
     OSTUserDefaultsManager manager(store, domain);
     manager.setObject(u"kept"_s, u"key"_s);
     const QString log = test::captureStandardError([&] {
@@ -100,10 +104,8 @@ TEST(UserDefaultsManager, NonPropertyListValuesAreRefusedWithAWarning)
     EXPECT_FALSE(manager.objectForKey(u"other"_s).isValid());
 }
 
-TEST(UserDefaultsManager, ResetEmptiesMemoryAndTheNextChangeRewritesTheDomain)
+TEST_F(UserDefaultsManager, ResetEmptiesMemoryAndTheNextChangeRewritesTheDomain)
 {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"store.sqlite"_s);
     {
         OSTDefaultsStore store(path);
         OSTUserDefaultsManager manager(store, domain);
@@ -117,10 +119,8 @@ TEST(UserDefaultsManager, ResetEmptiesMemoryAndTheNextChangeRewritesTheDomain)
     EXPECT_EQ(store.persistentDomain(domain), (QVariantMap{{u"third"_s, u"c"_s}}));
 }
 
-TEST(UserDefaultsManager, EnteringTheBackgroundSynchronisesAStaleDomain)
+TEST_F(UserDefaultsManager, EnteringTheBackgroundSynchronisesAStaleDomain)
 {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"store.sqlite"_s);
     OSTDefaultsStore store(path);
     OSTUserDefaultsManager manager(store, domain);
     manager.setObject(u"a"_s, u"first"_s);
@@ -131,10 +131,8 @@ TEST(UserDefaultsManager, EnteringTheBackgroundSynchronisesAStaleDomain)
     EXPECT_TRUE(store.persistentDomain(domain)->isEmpty());
 }
 
-TEST(UserDefaultsManager, AValueSurvivesTheWriterBeingKilled)
+TEST_F(UserDefaultsManager, AValueSurvivesTheWriterBeingKilled)
 {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"store.sqlite"_s);
     QProcess child;
     child.start(QCoreApplication::applicationFilePath(),
                 {test::OSTChildProcess::argumentFor(u"write-then-wait"_s), path});
@@ -150,10 +148,8 @@ TEST(UserDefaultsManager, AValueSurvivesTheWriterBeingKilled)
     EXPECT_EQ(manager.objectForKey(u"crashKey"_s), u"survives"_s);
 }
 
-TEST(UserDefaultsManager, ConcurrentWritersLeaveTheLastValueOfEveryKey)
+TEST_F(UserDefaultsManager, ConcurrentWritersLeaveTheLastValueOfEveryKey)
 {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"store.sqlite"_s);
     QVariantMap finalDomain;
     {
         OSTDefaultsStore store(path);
@@ -189,10 +185,8 @@ TEST(UserDefaultsManager, ConcurrentWritersLeaveTheLastValueOfEveryKey)
     EXPECT_EQ(reopened.persistentDomain(domain), finalDomain);
 }
 
-TEST(UserDefaultsManager, ACorruptStoreIsMovedAsideAndTheSdkStartsEmpty)
+TEST_F(UserDefaultsManager, ACorruptStoreIsMovedAsideAndTheSdkStartsEmpty)
 {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"store.sqlite"_s);
     test::writeFile(path, QByteArray(4096, 'x'));
 
     std::unique_ptr<OSTDefaultsStore> store;

@@ -4,9 +4,9 @@
 #include "events/OSTEventJournal.h"
 #include "events/OSTEventRequestBuilder.h"
 #include "events/OSTEventRetryPolicy.h"
+#include "support/OSTTestSupport.h"
 
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -125,10 +125,7 @@ TEST(EventJournal, ADamagedFileIsMovedAsideAndTheJournalStartsEmpty)
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(u"events.sqlite"_s);
-    QFile damaged(path);
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
-    damaged.write(QByteArray(8192, '\x5a'));
-    damaged.close();
+    test::writeFile(path, QByteArray(8192, '\x5a'));
 
     OSTEventJournal journal(path);
     EXPECT_TRUE(journal.isOpen());

@@ -10,7 +10,6 @@
 #include "support/OSTDevServerProcess.h"
 #include "support/OSTTestSupport.h"
 
-#include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
@@ -33,17 +32,6 @@ namespace {
 // A fault with many uses left and no effect: the service counts down its uses, one per GET of
 // an image, which makes the count of image downloads readable.
 constexpr int countingUses = 1000;
-
-QByteArray pngOfColor(Qt::GlobalColor color, int side = 4)
-{
-    QImage image(side, side, QImage::Format_ARGB32);
-    image.fill(color);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return png;
-}
 
 // What one load delivered, and on which thread.
 struct LoadOutcome {
@@ -96,13 +84,22 @@ protected:
     test::OSTDevServerProcess server;
 };
 
+// The tests that need the development service.
+class ServedImageManagerTest : public ImageManagerTest {
+protected:
+    void SetUp() override
+    {
+        ImageManagerTest::SetUp();
+        if (!test::OSTDevServerProcess::isAvailable())
+            GTEST_SKIP() << "ostrel-devserver is not built";
+    }
+};
+
 } // namespace
 
-TEST_F(ImageManagerTest, CallersOfOneAddressShareOneDownloadAndLaterRunsUseTheCache)
+TEST_F(ServedImageManagerTest, CallersOfOneAddressShareOneDownloadAndLaterRunsUseTheCache)
 {
-    if (!test::OSTDevServerProcess::isAvailable())
-        GTEST_SKIP() << "ostrel-devserver is not built";
-    server.writeImage(u"logo.png"_s, pngOfColor(Qt::red));
+    server.writeImage(u"logo.png"_s, test::pngOfColor(Qt::red));
     ASSERT_TRUE(startCountingServer());
 
     // Two loads on the GUI thread and three from other threads, all before the image arrives.
@@ -145,14 +142,14 @@ TEST_F(ImageManagerTest, CallersOfOneAddressShareOneDownloadAndLaterRunsUseTheCa
 
 TEST_F(ImageManagerTest, HostImageNamedLikeTheAddressesFileIsUsedWithoutNetwork)
 {
-    test::writeFile(bundle.filePath(u"logo.png"_s), pngOfColor(Qt::green));
+    test::writeFile(bundle.filePath(u"logo.png"_s), test::pngOfColor(Qt::green));
     // Nothing listens on this port: any network access would yield no image.
     const QString base = u"https://127.0.0.1:%1/images/"_s.arg(test::closedLoopbackPort());
 
     LoadOutcome byFileName;
     manager().loadImageWithURL(QUrl(base + u"logo.png"_s), byFileName.completion());
     LoadOutcome percentEncoded;
-    test::writeFile(bundle.filePath(u"big logo.png"_s), pngOfColor(Qt::blue));
+    test::writeFile(bundle.filePath(u"big logo.png"_s), test::pngOfColor(Qt::blue));
     manager().loadImageWithURL(QUrl(base + u"big%20logo.png"_s), percentEncoded.completion());
     LoadOutcome plainName;
     manager().loadImageWithURL(QUrl(u"logo"_s), plainName.completion());
@@ -164,12 +161,10 @@ TEST_F(ImageManagerTest, HostImageNamedLikeTheAddressesFileIsUsedWithoutNetwork)
     EXPECT_FALSE(isCached(u"logo.png"_s)) << "host images are not copied into the cache";
 }
 
-TEST_F(ImageManagerTest, MutedDownloadsStillFillTheCacheButCallNobody)
+TEST_F(ServedImageManagerTest, MutedDownloadsStillFillTheCacheButCallNobody)
 {
-    if (!test::OSTDevServerProcess::isAvailable())
-        GTEST_SKIP() << "ostrel-devserver is not built";
-    server.writeImage(u"muted.png"_s, pngOfColor(Qt::red));
-    server.writeImage(u"after.png"_s, pngOfColor(Qt::blue));
+    server.writeImage(u"muted.png"_s, test::pngOfColor(Qt::red));
+    server.writeImage(u"after.png"_s, test::pngOfColor(Qt::blue));
     ASSERT_TRUE(startCountingServer());
 
     LoadOutcome muted;
@@ -190,11 +185,9 @@ TEST_F(ImageManagerTest, MutedDownloadsStillFillTheCacheButCallNobody)
     EXPECT_EQ(imageGETs(), 2) << "joining a muted download starts no second one";
 }
 
-TEST_F(ImageManagerTest, PreloadingLogsAndSkipsWhatIsCachedOrOnItsWay)
+TEST_F(ServedImageManagerTest, PreloadingLogsAndSkipsWhatIsCachedOrOnItsWay)
 {
-    if (!test::OSTDevServerProcess::isAvailable())
-        GTEST_SKIP() << "ostrel-devserver is not built";
-    server.writeImage(u"hero.png"_s, pngOfColor(Qt::red));
+    server.writeImage(u"hero.png"_s, test::pngOfColor(Qt::red));
     ASSERT_TRUE(startCountingServer());
 
     const QString log = test::captureStandardError([&] {
@@ -219,11 +212,9 @@ TEST_F(ImageManagerTest, PreloadingLogsAndSkipsWhatIsCachedOrOnItsWay)
     EXPECT_EQ(imageGETs(), 2) << "the second and the cached preload download nothing";
 }
 
-TEST_F(ImageManagerTest, HostileAddressesAndBodiesGiveNoImageAndWriteNothingOutsideTheImagesFolder)
+TEST_F(ServedImageManagerTest, HostileAddressesAndBodiesGiveNoImageAndWriteNothingOutsideTheImagesFolder)
 {
-    if (!test::OSTDevServerProcess::isAvailable())
-        GTEST_SKIP() << "ostrel-devserver is not built";
-    const QByteArray png = pngOfColor(Qt::red, 64);
+    const QByteArray png = test::pngOfColor(Qt::red, 64);
     server.writeImage(u"page.png"_s, "<!doctype html><html><body>Not found</body></html>");
     server.writeImage(u"truncated.png"_s, png.left(png.size() / 2));
     server.writeImage(u"huge.png"_s, png + QByteArray(50 * 1024 * 1024, '\0'));
@@ -270,11 +261,9 @@ TEST_F(ImageManagerTest, HostileAddressesAndBodiesGiveNoImageAndWriteNothingOuts
         ADD_FAILURE() << "written outside the images folder: " << it.next().toStdString();
 }
 
-TEST_F(ImageManagerTest, CancelledDownloadsReachEveryWaitingCallerAsNoImage)
+TEST_F(ServedImageManagerTest, CancelledDownloadsReachEveryWaitingCallerAsNoImage)
 {
-    if (!test::OSTDevServerProcess::isAvailable())
-        GTEST_SKIP() << "ostrel-devserver is not built";
-    server.writeImage(u"slow.png"_s, pngOfColor(Qt::red));
+    server.writeImage(u"slow.png"_s, test::pngOfColor(Qt::red));
     // The answer would come after half a minute; the cancel must not wait for it.
     ASSERT_TRUE(server.start({.faults = {u"images:delay=30,times=1"_s}}));
 

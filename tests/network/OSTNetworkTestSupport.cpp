@@ -2,6 +2,7 @@
 
 #include "support/OSTTestSupport.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QMutexLocker>
 #include <QTcpServer>
@@ -9,6 +10,8 @@
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
+
+#include <gtest/gtest.h>
 
 #include <memory>
 
@@ -75,6 +78,31 @@ void RequestOutcome::record(const std::optional<OSTError> &receivedError)
 bool RequestOutcome::wait()
 {
     return waitUntil([this] { return done.load(); }, 30000);
+}
+
+QByteArray pngOfColor(Qt::GlobalColor color, int side)
+{
+    QImage image(side, side, QImage::Format_ARGB32);
+    image.fill(color);
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    image.save(&png, "PNG");
+    return png.data();
+}
+
+ImageDownload downloadImage(const QUrl &url, const std::function<void()> &whileWaiting)
+{
+    std::atomic<bool> done{false};
+    ImageDownload result;
+    OSTRequestManager::sharedManager().imageRequestWithURL(
+        url, [&](const QImage &image, const std::optional<OSTError> &error) {
+            result = {image, error};
+            done = true;
+        });
+    if (whileWaiting)
+        whileWaiting();
+    EXPECT_TRUE(waitUntil([&] { return done.load(); }, 30000));
+    return result;
 }
 
 quint16 closedLoopbackPort()

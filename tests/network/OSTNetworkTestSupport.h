@@ -4,6 +4,7 @@
 
 #include "network/OSTRequestManager.h"
 
+#include <QImage>
 #include <QMutex>
 #include <QPointer>
 #include <QString>
@@ -11,6 +12,7 @@
 #include <QVariantMap>
 
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -46,6 +48,18 @@ private:
     // What every completion records besides its answer; `done` last, as the waiter's signal.
     void record(const std::optional<OSTError> &receivedError);
 };
+
+// A PNG of `side` by `side` pixels of one colour.
+QByteArray pngOfColor(Qt::GlobalColor color, int side = 4);
+
+// What one image request through the shared request manager delivered.
+struct ImageDownload {
+    QImage image;
+    std::optional<OSTError> error;
+};
+
+// Requests `url`, runs `whileWaiting` (time may need to move), then waits for the answer.
+ImageDownload downloadImage(const QUrl &url, const std::function<void()> &whileWaiting = {});
 
 // A loopback port that nothing listens on.
 quint16 closedLoopbackPort();

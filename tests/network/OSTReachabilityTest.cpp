@@ -26,8 +26,6 @@ constexpr std::uint32_t wwan = OSTReachabilityFlagIsWWAN;
 
 TEST(Reachability, StatusForFlagsFollowsTheTableInOrder)
 {
-    EXPECT_EQ(reachable, 2u);
-    EXPECT_EQ(wwan, 0x40000u);
     EXPECT_EQ(OSTReachability::statusForFlags(0), 1);
     EXPECT_EQ(OSTReachability::statusForFlags(wwan), 1);
     EXPECT_EQ(OSTReachability::statusForFlags(reachable), 3);

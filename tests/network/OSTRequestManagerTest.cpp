@@ -8,9 +8,7 @@
 #include "support/OSTEventRecorder.h"
 #include "support/OSTTestSupport.h"
 
-#include <QBuffer>
 #include <QCoreApplication>
-#include <QImage>
 #include <QJsonDocument>
 #include <QTemporaryDir>
 
@@ -85,6 +83,15 @@ TEST_F(RequestManagerTest, RoundTripDeliversTheDecryptedAnswerOnTheDataSessionQu
     const QList<test::OSTRecordedRequest> recorded = server.recordedRequests(u"launch_v3"_s);
     ASSERT_EQ(recorded.size(), 1);
     EXPECT_EQ(recorded.first().parameters, parameters);
+
+    // A custom time-out answers the same way on a session of its own, released afterwards.
+    test::RequestOutcome custom;
+    manager().apiRequestWithEndpoint(u"launch_v3"_s, {{u"ost_resend"_s, true}}, 30.0, custom.completion());
+    ASSERT_TRUE(custom.wait());
+    ASSERT_TRUE(custom.response);
+    EXPECT_TRUE(custom.response->contains(u"flow"_s));
+    EXPECT_EQ(manager().customSessionCount(), 0);
+    EXPECT_TRUE(test::waitUntil([&] { return custom.thread.isNull(); }));
 }
 
 TEST_F(RequestManagerTest, HTTPStatusesBecomeErrorsWithTheStatusAsCodeAndA500IsReportedOnce)
@@ -158,18 +165,6 @@ TEST_F(RequestManagerTest, CustomTimeOutsGetSessionsOfTheirOwnThatAreReleasedAft
     EXPECT_TRUE(outcomes[1].threadName.startsWith(u"com.ostrelhq.requestManager.session."_s));
     EXPECT_TRUE(test::waitUntil([&] { return outcomes[1].thread.isNull() && outcomes[2].thread.isNull(); }));
     EXPECT_FALSE(outcomes[0].thread.isNull());
-}
-
-TEST_F(RequestManagerTest, ACustomSessionAnswersLikeTheDataSession)
-{
-    startServer();
-    test::RequestOutcome outcome;
-    manager().apiRequestWithEndpoint(u"launch_v3"_s, {{u"ost_resend"_s, true}}, 30.0, outcome.completion());
-    ASSERT_TRUE(outcome.wait());
-    ASSERT_TRUE(outcome.response);
-    EXPECT_TRUE(outcome.response->contains(u"flow"_s));
-    EXPECT_EQ(manager().customSessionCount(), 0);
-    EXPECT_TRUE(test::waitUntil([&] { return outcome.thread.isNull(); }));
 }
 
 TEST_F(RequestManagerTest, BadAnswersReachTheCallerAsErrorsWithADebugLine)
@@ -248,34 +243,18 @@ TEST_F(RequestManagerTest, AnHTTPSServiceWithAnUntrustedCertificateIsRefused)
 TEST_F(RequestManagerTest, ImagesDownloadAtScaleTwoAndReportTheirTiming)
 {
     test::ManualClockScope clock;
-    QImage picture(4, 2, QImage::Format_ARGB32);
-    picture.fill(Qt::red);
-    QBuffer png;
-    png.open(QIODevice::WriteOnly);
-    picture.save(&png, "PNG");
-    server.writeImage(u"logo.png"_s, png.data());
+    server.writeImage(u"logo.png"_s, test::pngOfColor(Qt::red));
     startServer();
     test::OSTEventRecorder events;
-
     const auto download = [&](const QString &name, const std::function<void()> &whileWaiting = {}) {
-        std::atomic<bool> done{false};
-        QImage image;
-        std::optional<OSTError> error;
-        manager().imageRequestWithURL(server.serviceURL().resolved(QUrl(u"/images/"_s + name)),
-                                      [&](const QImage &received, const std::optional<OSTError> &receivedError) {
-            image = received;
-            error = receivedError;
-            done = true;
-        });
-        if (whileWaiting)
-            whileWaiting();
-        EXPECT_TRUE(test::waitUntil([&] { return done.load(); }, 30000));
-        return std::pair{image, error};
+        const test::ImageDownload result =
+            test::downloadImage(server.serviceURL().resolved(QUrl(u"/images/"_s + name)), whileWaiting);
+        return std::pair{result.image, result.error};
     };
 
     const auto [image, noError] = download(u"logo.png"_s);
     EXPECT_FALSE(noError);
-    EXPECT_EQ(image.size(), QSize(4, 2));
+    EXPECT_EQ(image.size(), QSize(4, 4));
     EXPECT_EQ(image.devicePixelRatio(), 2.0);
     EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::red));
 

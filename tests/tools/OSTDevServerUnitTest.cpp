@@ -81,9 +81,6 @@ TEST(DevServerFaults, CommandLineAndJSONReadTheSameFaults)
     const auto parsed = Fault::fromCommandLine(u"launch_v3:status=500,delay=2.5,times=2"_s, error);
     ASSERT_TRUE(parsed) << error.toStdString();
     EXPECT_EQ(parsed->first, u"launch_v3"_s);
-    EXPECT_EQ(parsed->second.status, 500);
-    EXPECT_DOUBLE_EQ(parsed->second.delaySeconds, 2.5);
-    EXPECT_EQ(parsed->second.remaining, 2);
     EXPECT_EQ(parsed->second.toJson(u"launch_v3"_s),
               objectOf(R"({"endpoint": "launch_v3", "status": 500, "delay": 2.5, "times": 2, "body": "normal", "connection": "normal"})"));
 
