@@ -9,6 +9,7 @@
 #include "render/OSTImageView.h"
 #include "support/OSTDevServerProcess.h"
 
+#include "OSTValidationTestFakes.h"
 #include "../render/OSTPixelTestSupport.h"
 
 #include <QAccessible>
@@ -22,6 +23,7 @@ using namespace Qt::StringLiterals;
 namespace ostrel {
 namespace {
 
+using test::bindModel;
 using test::capture;
 using test::colorNear;
 using test::jsonObject;
@@ -41,14 +43,6 @@ QByteArray pngOf(const QImage &image)
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
     return png;
-}
-
-std::shared_ptr<OSTValidationItemModel> bindModel(OSTValidationItem &input, const char *optional)
-{
-    auto model = std::make_shared<OSTValidationItemModel>(u"field"_s, QVariantMap{{u"isOptional"_s, QString::fromUtf8(optional)}});
-    model->setItem(&input);
-    input.setModel(model);
-    return model;
 }
 
 TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)

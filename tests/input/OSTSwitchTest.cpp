@@ -4,6 +4,7 @@
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTSwitchControl.h"
 
+#include "OSTValidationTestFakes.h"
 #include "../render/OSTPixelTestSupport.h"
 
 #include <QAccessible>
@@ -16,19 +17,11 @@ using namespace Qt::StringLiterals;
 namespace ostrel {
 namespace {
 
+using test::bindModel;
 using test::capture;
 using test::colorNear;
 using test::jsonObject;
 using test::pixelAt;
-
-// Binds a new item model to the switch as a flow's validation manager does.
-std::shared_ptr<OSTValidationItemModel> bindModel(OSTSwitch &element, const char *optional)
-{
-    auto model = std::make_shared<OSTValidationItemModel>(u"terms"_s, QVariantMap{{u"isOptional"_s, QString::fromUtf8(optional)}});
-    model->setItem(&element);
-    element.setModel(model);
-    return model;
-}
 
 TEST(Switch, RequiredSwitchIsValidWhileOnAndReportsTheUsersTaps)
 {

@@ -15,9 +15,21 @@
 #include <QVariantMap>
 #include <QWidget>
 
+#include <memory>
 #include <optional>
 
 namespace ostrel::test {
+
+// Binds a new item model to `input` as a flow's validation manager does; `optional` is the
+// "isOptional" string of the input's properties.
+inline std::shared_ptr<OSTValidationItemModel> bindModel(OSTValidationItem &input, const char *optional)
+{
+    auto model = std::make_shared<OSTValidationItemModel>(
+        QStringLiteral("field"), QVariantMap{{QStringLiteral("isOptional"), QString::fromUtf8(optional)}});
+    model->setItem(&input);
+    input.setModel(model);
+    return model;
+}
 
 // A text input that judges itself on every edit (valid when not empty) and then reports its
 // value, as the text field does. A restored value is shown without being judged.
