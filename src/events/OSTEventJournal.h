@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/OSTSQLiteFile.h"
+
 #include <QByteArray>
 #include <QMutex>
 #include <QString>
@@ -51,17 +53,11 @@ public:
     QStringList takeProblems();
 
 private:
-    QString open();
-    void moveAsideAndReopen(const QString &reason);
-    void closeDatabase();
-    bool execute(const char *sql) const;
-    bool finishTransaction(bool succeeded, const QString &what);
-    QString databaseError() const;
+    sqlite3 *database() const { return m_file.handle(); }
 
-    const QString m_path;
     mutable QMutex m_mutex;
-    sqlite3 *m_database = nullptr;
-    QStringList m_problems;
+    QStringList m_problems; // before m_file, which reports into it
+    OSTSQLiteFile m_file;
 };
 
 } // namespace ostrel

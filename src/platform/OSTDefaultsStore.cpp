@@ -2,10 +2,6 @@
 
 #include "platform/OSTPropertyListArchive.h"
 
-#include <QDateTime>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QMutexLocker>
 #include <QStandardPaths>
 
@@ -69,27 +65,15 @@ private:
     sqlite3_stmt *m_statement = nullptr;
 };
 
-bool isDamagedDatabaseCode(int code)
-{
-    const int primary = code & 0xff;
-    return primary == SQLITE_NOTADB || primary == SQLITE_CORRUPT;
-}
 
 } // namespace
 
-OSTDefaultsStore::OSTDefaultsStore(const QString &databasePath) : m_path(databasePath)
+OSTDefaultsStore::OSTDefaultsStore(const QString &databasePath)
+    : m_file(databasePath, schema, {u"the store"_s, u"the SDK starts with empty settings"_s}, m_problems)
 {
-    QMutexLocker locker(&m_mutex);
-    QDir().mkpath(QFileInfo(m_path).absolutePath());
-    if (const QString failure = open(); !failure.isEmpty())
-        moveAsideAndReopen(failure);
 }
 
-OSTDefaultsStore::~OSTDefaultsStore()
-{
-    QMutexLocker locker(&m_mutex);
-    closeDatabase();
-}
+OSTDefaultsStore::~OSTDefaultsStore() = default;
 
 QString OSTDefaultsStore::standardStorePath()
 {
@@ -106,102 +90,36 @@ OSTDefaultsStore &OSTDefaultsStore::standardStore()
 bool OSTDefaultsStore::isOpen() const
 {
     QMutexLocker locker(&m_mutex);
-    return m_database;
-}
-
-std::optional<QString> OSTDefaultsStore::moveDamagedFileAside(const QString &databasePath)
-{
-    const QString aside = u"%1.corrupt-%2"_s.arg(databasePath).arg(QDateTime::currentMSecsSinceEpoch());
-    const bool moved = QFile::rename(databasePath, aside);
-    QFile::remove(databasePath + u"-wal"_s);
-    QFile::remove(databasePath + u"-shm"_s);
-    if (!moved)
-        return std::nullopt;
-    return aside;
-}
-
-QString OSTDefaultsStore::open()
-{
-    const int result = sqlite3_open_v2(QFile::encodeName(m_path).constData(), &m_database,
-                                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX,
-                                       nullptr);
-    if (result != SQLITE_OK)
-        return databaseError();
-    sqlite3_busy_timeout(m_database, 5000);
-    // NORMAL in WAL mode: a commit survives the process dying; synchronize() adds a full sync.
-    if (!execute("PRAGMA journal_mode=WAL") || !execute("PRAGMA synchronous=NORMAL")
-        || !execute(schema))
-        return databaseError();
-    Statement check(m_database, "PRAGMA quick_check");
-    if (!check.isValid() || check.step() != SQLITE_ROW)
-        return databaseError();
-    if (const QString verdict = check.text(0); verdict != u"ok"_s)
-        return u"integrity check failed: %1"_s.arg(verdict);
-    return {};
-}
-
-void OSTDefaultsStore::moveAsideAndReopen(const QString &reason)
-{
-    closeDatabase();
-    const std::optional<QString> aside = moveDamagedFileAside(m_path);
-    noteProblem(aside ? u"the store %1 could not be used (%2); it was moved to %3 and the SDK starts "
-                        u"with empty settings"_s.arg(m_path, reason, *aside)
-                      : u"the store %1 could not be used (%2) nor moved aside"_s.arg(m_path, reason));
-    if (!aside && QFile::exists(m_path))
-        return;
-    if (const QString failure = open(); !failure.isEmpty()) {
-        noteProblem(u"a new store at %1 could not be created: %2"_s.arg(m_path, failure));
-        closeDatabase();
-    }
-}
-
-void OSTDefaultsStore::closeDatabase()
-{
-    if (m_database)
-        sqlite3_close_v2(m_database);
-    m_database = nullptr;
-}
-
-bool OSTDefaultsStore::execute(const char *sql) const
-{
-    return sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+    return database();
 }
 
 bool OSTDefaultsStore::runInTransaction(const std::function<bool()> &work)
 {
-    if (!m_database)
+    if (!database())
         return false;
-    if (execute("BEGIN IMMEDIATE") && work() && execute("COMMIT"))
-        return true;
-    const int code = sqlite3_extended_errcode(m_database);
-    const QString reason = databaseError();
-    execute("ROLLBACK");
-    if (isDamagedDatabaseCode(code))
-        moveAsideAndReopen(reason);
-    else
-        noteProblem(u"a change to %1 failed: %2"_s.arg(m_path, reason));
-    return false;
+    const bool succeeded = m_file.execute("BEGIN IMMEDIATE") && work();
+    return m_file.finishTransaction(succeeded, u"a change"_s);
 }
 
 std::optional<QVariantMap> OSTDefaultsStore::persistentDomain(const QString &name) const
 {
     QMutexLocker locker(&m_mutex);
-    if (!m_database)
+    if (!database())
         return std::nullopt;
-    Statement exists(m_database, "SELECT 1 FROM domains WHERE name = ?1");
+    Statement exists(database(), "SELECT 1 FROM domains WHERE name = ?1");
     exists.bind(1, name);
     if (!exists.isValid() || exists.step() != SQLITE_ROW)
         return std::nullopt;
 
     QVariantMap domain;
-    Statement entries(m_database, "SELECT key, value FROM entries WHERE domain = ?1");
+    Statement entries(database(), "SELECT key, value FROM entries WHERE domain = ?1");
     entries.bind(1, name);
     while (entries.isValid() && entries.step() == SQLITE_ROW) {
         const QString key = entries.text(0);
         if (const auto value = OSTPropertyListArchive::unarchive(entries.blob(1)))
             domain.insert(key, *value);
         else
-            noteProblem(u"the stored value of \"%1\" in \"%2\" could not be read and was skipped"_s.arg(key, name));
+            m_problems.append(u"the stored value of \"%1\" in \"%2\" could not be read and was skipped"_s.arg(key, name));
     }
     return domain;
 }
@@ -210,7 +128,7 @@ bool OSTDefaultsStore::setPersistentDomain(const QString &name, const QVariantMa
 {
     QMutexLocker locker(&m_mutex);
     return runInTransaction([&] {
-        Statement clear(m_database, "DELETE FROM entries WHERE domain = ?1");
+        Statement clear(database(), "DELETE FROM entries WHERE domain = ?1");
         clear.bind(1, name);
         if (!clear.isValid() || clear.step() != SQLITE_DONE || !insertDomainName(name))
             return false;
@@ -226,9 +144,9 @@ bool OSTDefaultsStore::removePersistentDomain(const QString &name)
 {
     QMutexLocker locker(&m_mutex);
     return runInTransaction([&] {
-        Statement clear(m_database, "DELETE FROM entries WHERE domain = ?1");
+        Statement clear(database(), "DELETE FROM entries WHERE domain = ?1");
         clear.bind(1, name);
-        Statement forget(m_database, "DELETE FROM domains WHERE name = ?1");
+        Statement forget(database(), "DELETE FROM domains WHERE name = ?1");
         forget.bind(1, name);
         return clear.isValid() && clear.step() == SQLITE_DONE && forget.isValid()
             && forget.step() == SQLITE_DONE;
@@ -247,7 +165,7 @@ bool OSTDefaultsStore::removeValue(const QString &domain, const QString &key)
 {
     QMutexLocker locker(&m_mutex);
     return runInTransaction([&] {
-        Statement remove(m_database, "DELETE FROM entries WHERE domain = ?1 AND key = ?2");
+        Statement remove(database(), "DELETE FROM entries WHERE domain = ?1 AND key = ?2");
         remove.bind(1, domain);
         remove.bind(2, key);
         return remove.isValid() && remove.step() == SQLITE_DONE;
@@ -257,12 +175,12 @@ bool OSTDefaultsStore::removeValue(const QString &domain, const QString &key)
 bool OSTDefaultsStore::synchronize()
 {
     QMutexLocker locker(&m_mutex);
-    if (!m_database)
+    if (!database())
         return false;
-    if (execute("PRAGMA synchronous=FULL") && execute("PRAGMA wal_checkpoint(FULL)")
-        && execute("PRAGMA synchronous=NORMAL"))
+    if (m_file.execute("PRAGMA synchronous=FULL") && m_file.execute("PRAGMA wal_checkpoint(FULL)")
+        && m_file.execute("PRAGMA synchronous=NORMAL"))
         return true;
-    noteProblem(u"flushing %1 failed: %2"_s.arg(m_path, databaseError()));
+    m_problems.append(u"flushing %1 failed: %2"_s.arg(m_file.path(), m_file.errorMessage()));
     return false;
 }
 
@@ -277,7 +195,7 @@ bool OSTDefaultsStore::insertValue(const QString &domain, const QString &key, co
     const QByteArray archived = OSTPropertyListArchive::archive(value);
     if (archived.isEmpty())
         return false;
-    Statement upsert(m_database, "INSERT OR REPLACE INTO entries (domain, key, value) VALUES (?1, ?2, ?3)");
+    Statement upsert(database(), "INSERT OR REPLACE INTO entries (domain, key, value) VALUES (?1, ?2, ?3)");
     upsert.bind(1, domain);
     upsert.bind(2, key);
     upsert.bind(3, archived);
@@ -286,19 +204,11 @@ bool OSTDefaultsStore::insertValue(const QString &domain, const QString &key, co
 
 bool OSTDefaultsStore::insertDomainName(const QString &domain)
 {
-    Statement insert(m_database, "INSERT OR IGNORE INTO domains (name) VALUES (?1)");
+    Statement insert(database(), "INSERT OR IGNORE INTO domains (name) VALUES (?1)");
     insert.bind(1, domain);
     return insert.isValid() && insert.step() == SQLITE_DONE;
 }
 
-void OSTDefaultsStore::noteProblem(const QString &problem) const
-{
-    m_problems.append(problem);
-}
 
-QString OSTDefaultsStore::databaseError() const
-{
-    return m_database ? QString::fromUtf8(sqlite3_errmsg(m_database)) : u"cannot open the database"_s;
-}
 
 } // namespace ostrel

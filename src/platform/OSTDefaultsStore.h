@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/OSTSQLiteFile.h"
+
 #include <QMutex>
 #include <QString>
 #include <QStringList>
@@ -9,7 +11,6 @@
 #include <optional>
 
 struct sqlite3;
-struct sqlite3_stmt;
 
 namespace ostrel {
 
@@ -32,11 +33,7 @@ public:
     static OSTDefaultsStore &standardStore();
     static QString standardStorePath();
 
-    // Moves a damaged database file (and its write-ahead log) out of the way, to a name beside it
-    // that marks it corrupt; returns that name, or nothing when the file could not be moved.
-    static std::optional<QString> moveDamagedFileAside(const QString &databasePath);
-
-    QString databasePath() const { return m_path; }
+    QString databasePath() const { return m_file.path(); }
     // Whether a database is open; when false every write fails and reads find nothing.
     bool isOpen() const;
 
@@ -60,21 +57,14 @@ public:
     QStringList takeProblems();
 
 private:
-    // Opens and prepares the database; returns why that failed, or an empty string.
-    QString open();
-    void moveAsideAndReopen(const QString &reason);
-    void closeDatabase();
-    bool execute(const char *sql) const;
     bool runInTransaction(const std::function<bool()> &work);
     bool insertValue(const QString &domain, const QString &key, const QVariant &value);
     bool insertDomainName(const QString &domain);
-    void noteProblem(const QString &problem) const;
-    QString databaseError() const;
+    sqlite3 *database() const { return m_file.handle(); }
 
-    const QString m_path;
     mutable QMutex m_mutex;
-    sqlite3 *m_database = nullptr;
-    mutable QStringList m_problems;
+    mutable QStringList m_problems; // before m_file, which reports into it
+    OSTSQLiteFile m_file;
 };
 
 } // namespace ostrel
