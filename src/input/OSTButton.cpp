@@ -124,14 +124,23 @@ void OSTButton::paintEvent(QPaintEvent *)
     const StateLook &look = currentLook();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (!look.title.isEmpty()) {
-        auto document = look.attributes.layOut(look.title, width(), font());
-        look.attributes.paint(painter, *document, QRectF(rect()));
-    }
+    if (!look.title.isEmpty())
+        look.attributes.paint(painter, titleDocument(), QRectF(rect()));
     if (hasFocus()) {
         painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
         painter.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
     }
+}
+
+QTextDocument &OSTButton::titleDocument()
+{
+    const StateLook &look = currentLook();
+    if (!m_titleDocument || m_titleDocumentLook != &look || m_titleDocumentWidth != width()) {
+        m_titleDocument = look.attributes.layOut(look.title, width(), font());
+        m_titleDocumentLook = &look;
+        m_titleDocumentWidth = width();
+    }
+    return *m_titleDocument;
 }
 
 void OSTButton::keyPressEvent(QKeyEvent *event)
@@ -148,6 +157,8 @@ void OSTButton::changeEvent(QEvent *event)
     QAbstractButton::changeEvent(event);
     if (event->type() == QEvent::EnabledChange)
         updateBackgrounds();
+    else if (event->type() == QEvent::FontChange)
+        m_titleDocument.reset();
 }
 
 void OSTButton::resizeEvent(QResizeEvent *event)

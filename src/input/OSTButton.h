@@ -9,6 +9,8 @@
 #include <memory>
 #include <optional>
 
+class QTextDocument;
+
 namespace ostrel {
 
 class OSTAction;
@@ -78,6 +80,9 @@ private:
     };
 
     OSTImageView *addBackground(const QVariantMap &properties);
+    // The current state's title laid out at the current width; laid out again only when the
+    // state, the width or the font changed.
+    QTextDocument &titleDocument();
     const StateLook &currentLook() const;
     bool showsPressed() const;
     void updateToggleValidity();
@@ -92,6 +97,9 @@ private:
     OSTImageView *m_normalBackground = nullptr;      // children; null when the state is absent
     OSTImageView *m_highlightedBackground = nullptr;
     OSTImageView *m_disabledBackground = nullptr;
+    std::unique_ptr<QTextDocument> m_titleDocument;
+    const StateLook *m_titleDocumentLook = nullptr;
+    int m_titleDocumentWidth = -1;
 };
 
 } // namespace ostrel

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFontDatabase>
+#include <QHash>
 
 #include <cmath>
 #include <mutex>
@@ -58,18 +59,29 @@ QString comparableFamily(const QString &family)
     return QString(family).remove(u' ').toLower();
 }
 
+// Installed families by their comparable form, read once: screens name fonts per element, and
+// the font database's list is long.
+const QHash<QString, QString> &familiesByComparableName()
+{
+    static const QHash<QString, QString> families = [] {
+        QHash<QString, QString> byName;
+        for (const QString &installed : QFontDatabase::families())
+            byName.insert(comparableFamily(installed), installed);
+        return byName;
+    }();
+    return families;
+}
+
 std::optional<QString> installedFamily(const QString &family)
 {
     if (family.isEmpty())
         return std::nullopt;
     if (QFontDatabase::hasFamily(family))
         return family;
-    const QString wanted = comparableFamily(family);
-    for (const QString &installed : QFontDatabase::families()) {
-        if (comparableFamily(installed) == wanted)
-            return installed;
-    }
-    return std::nullopt;
+    const auto found = familiesByComparableName().constFind(comparableFamily(family));
+    if (found == familiesByComparableName().constEnd())
+        return std::nullopt;
+    return *found;
 }
 
 QFont systemFont(int pixelSize)

@@ -18,7 +18,7 @@ namespace ostrel {
 // no installed family falls back to the system font of that size.
 //
 // Fonts the host ships in its main bundle's "Fonts" folder are registered on first use, so
-// screens can name them. GUI thread only (the font database needs the application object).
+// screens can name them; the installed families are read once, after that. GUI thread only (the font database needs the application object).
 class OSTFontResolver {
 public:
     OSTFontResolver() = delete;
