@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
@@ -60,12 +62,14 @@ void OSTImageManager::loadImageWithURL(const QUrl &url, Completion completion)
         deliver(completion, QImage());
         return;
     }
-    if (const QImage hostImage = hostImageNamed(name); !hostImage.isNull()) {
-        deliver(completion, hostImage);
-        return;
-    }
-    if (const QImage cached = m_downloads->files.loadImageWithName(name); !cached.isNull()) {
-        deliver(completion, cached);
+    QImage found = rememberedImage(*m_downloads, name);
+    if (found.isNull())
+        found = hostImageNamed(name);
+    if (found.isNull())
+        found = m_downloads->files.loadImageWithName(name);
+    if (!found.isNull()) {
+        rememberImage(*m_downloads, name, found);
+        deliver(completion, found);
         return;
     }
     if (!isDownloadable(url)) {
@@ -170,10 +174,26 @@ void OSTImageManager::finishDownload(Downloads &downloads, const QUrl &url, cons
             downloads.pending.erase(entry);
         }
     }
-    if (!image.isNull())
-        downloads.files.saveImage(image, imageNameForURL(url));
+    if (!image.isNull()) {
+        const QString name = imageNameForURL(url);
+        downloads.files.saveImage(image, name);
+        rememberImage(downloads, name, image);
+    }
     for (const Completion &completion : waiting)
         deliver(completion, image);
+}
+
+QImage OSTImageManager::rememberedImage(Downloads &downloads, const QString &name)
+{
+    QMutexLocker locker(&downloads.lock);
+    const QImage *image = downloads.decoded.object(name);
+    return image ? *image : QImage();
+}
+
+void OSTImageManager::rememberImage(Downloads &downloads, const QString &name, const QImage &image)
+{
+    QMutexLocker locker(&downloads.lock);
+    downloads.decoded.insert(name, new QImage(image), std::max<qsizetype>(1, image.sizeInBytes() / 1024));
 }
 
 QImage OSTImageManager::hostImageNamed(const QString &name)

@@ -3,6 +3,7 @@
 #include "core/OSTFileManager.h"
 #include "network/OSTRequestManager.h"
 
+#include <QCache>
 #include <QImage>
 #include <QMutex>
 #include <QString>
@@ -73,13 +74,21 @@ private:
         QMutex lock;
         std::map<QString, Pending> pending;
         quint64 nextSerial = 0;
+        // Images already read from the host's files or the cache folder, or downloaded, by
+        // name: a screen that shows one picture many times reads and decodes it once. Costs
+        // are kilobytes.
+        QCache<QString, QImage> decoded{decodedImagesBudgetKB};
     };
+
+    static constexpr qsizetype decodedImagesBudgetKB = 32 * 1024;
 
     // Adds `completion` to the list of `url`; the first one in starts the download.
     void waitForDownload(const QUrl &url, Completion completion);
     bool isWaitingFor(const QUrl &url) const;
     static void finishDownload(Downloads &downloads, const QUrl &url, const QImage &image);
     static QImage hostImageNamed(const QString &name);
+    static QImage rememberedImage(Downloads &downloads, const QString &name);
+    static void rememberImage(Downloads &downloads, const QString &name, const QImage &image);
     static bool isDownloadable(const QUrl &url);
     static void deliver(const Completion &completion, const QImage &image);
 
