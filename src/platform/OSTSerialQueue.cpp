@@ -15,16 +15,23 @@ OSTSerialQueue::OSTSerialQueue(const QString &name)
 
 OSTSerialQueue::~OSTSerialQueue()
 {
-    Q_ASSERT(!isCurrent());
     // Queued behind the work already submitted, so that work still runs; the context (and any
     // children made on the queue) is destroyed on its own thread before the loop stops.
     QObject *context = m_context.release();
-    QThread *thread = m_thread.get();
+    QThread *thread = m_thread.release();
     QMetaObject::invokeMethod(context, [context, thread] {
         delete context;
         thread->quit();
     }, Qt::QueuedConnection);
-    m_thread->wait();
+    if (QThread::currentThread() == thread) {
+        // The last owner let go from inside the queue's own work (a shared object whose final
+        // reference was held by a task on its queue). A thread cannot wait for itself: it stops
+        // once the current work returns, and its object is deleted by the thread that made it.
+        QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+        return;
+    }
+    thread->wait();
+    delete thread;
 }
 
 QString OSTSerialQueue::name() const

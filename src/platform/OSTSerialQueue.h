@@ -11,8 +11,9 @@ namespace ostrel {
 
 // A named thread with its own event loop that runs submitted work one item at a time, in order
 // of submission. Objects that must live on the queue (network managers, timers) can be moved to
-// context(). The destructor finishes the work already submitted, then stops the thread; it must
-// not run on the queue itself.
+// context(). The destructor finishes the work already submitted, then stops the thread. Run on
+// the queue itself (by work that drops the queue's last owner), it returns at once and the
+// thread stops after that work; the queue must then not be used again, as after any destruction.
 class OSTSerialQueue {
 public:
     explicit OSTSerialQueue(const QString &name);
@@ -33,6 +34,7 @@ public:
     QThread *thread() const { return m_thread.get(); }
 
 private:
+    // Released, not reset, by the destructor: see there.
     std::unique_ptr<QThread> m_thread;
     std::unique_ptr<QObject> m_context;
 };

@@ -3,6 +3,7 @@
 #include "support/OSTTestSupport.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 #include <QThread>
 
 #include <gtest/gtest.h>
@@ -88,6 +89,27 @@ TEST(SerialQueue, DestructionFinishesSubmittedWork)
             queue.async([&] { done.fetch_add(1); });
     }
     EXPECT_EQ(done.load(), 100);
+}
+
+TEST(SerialQueue, AQueueReleasedByItsOwnWorkStopsWithoutWaitingForItself)
+{
+    auto queue = std::make_shared<OSTSerialQueue>(u"self-releasing"_s);
+    QPointer<QThread> thread = queue->thread();
+    std::atomic<bool> finishedWork{false};
+    std::atomic<bool> othersLetGo{false};
+    // The task holds the last owner, as a network task may hold its session at exit.
+    queue->async([owner = queue, &finishedWork, &othersLetGo]() mutable {
+        while (!othersLetGo.load())
+            QThread::yieldCurrentThread();
+        ASSERT_EQ(owner.use_count(), 1);
+        owner.reset();
+        finishedWork = true;
+    });
+    queue.reset();
+    othersLetGo = true;
+    test::waitUntil([&] { return finishedWork.load() && thread.isNull(); });
+    EXPECT_TRUE(finishedWork.load());
+    EXPECT_TRUE(thread.isNull()) << "the stopped thread's object is deleted by the thread that made it";
 }
 
 TEST(MainQueue, AsyncAndSyncReachTheGuiThread)
