@@ -22,8 +22,9 @@ struct Receivers {
 
 Receivers &receivers()
 {
-    static Receivers all;
-    return all;
+    // Never destroyed: events may still be handed over from other threads at exit.
+    static Receivers *all = new Receivers;
+    return *all;
 }
 
 } // namespace

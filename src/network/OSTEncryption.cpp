@@ -98,33 +98,34 @@ std::optional<QByteArray> OSTEncryption::randomDataOfLength(int length)
 
 std::optional<QByteArray> OSTEncryption::aesKey()
 {
-    static const std::optional<QByteArray> key = randomDataOfLength(aesKeyLength);
-    return key;
+    // This and the other keys below are never destroyed: request threads use them until exit.
+    static const auto *key = new std::optional<QByteArray>(randomDataOfLength(aesKeyLength));
+    return *key;
 }
 
 std::optional<QByteArray> OSTEncryption::initializationVector()
 {
-    static const std::optional<QByteArray> vector = randomDataOfLength(aesBlockLength);
-    return vector;
+    static const auto *vector = new std::optional<QByteArray>(randomDataOfLength(aesBlockLength));
+    return *vector;
 }
 
 EVP_PKEY *OSTEncryption::publicKey()
 {
-    static const PublicKeyPointer key =
-        publicKeyOfCertificate(OSTServiceConfiguration::sharedConfiguration().certificateData());
-    return key.get();
+    static const auto *key =
+        new PublicKeyPointer(publicKeyOfCertificate(OSTServiceConfiguration::sharedConfiguration().certificateData()));
+    return key->get();
 }
 
 std::optional<QByteArray> OSTEncryption::encryptedAESKey()
 {
-    static const std::optional<QByteArray> encrypted = []() -> std::optional<QByteArray> {
+    static const auto *encrypted = new std::optional<QByteArray>([]() -> std::optional<QByteArray> {
         const std::optional<QByteArray> key = aesKey();
         EVP_PKEY *rsa = publicKey();
         if (!key || !rsa)
             return std::nullopt;
         return encryptWithPublicKey(rsa, *key);
-    }();
-    return encrypted;
+    }());
+    return *encrypted;
 }
 
 std::optional<QByteArray> OSTEncryption::encryptData(const QByteArray &data)

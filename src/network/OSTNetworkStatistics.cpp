@@ -14,8 +14,9 @@ struct ReporterSlot {
 
 ReporterSlot &reporterSlot()
 {
-    static ReporterSlot slot;
-    return slot;
+    // Never destroyed: network threads still report while the process exits.
+    static ReporterSlot *slot = new ReporterSlot;
+    return *slot;
 }
 
 OSTNetworkStatistics::Reporter currentReporter()

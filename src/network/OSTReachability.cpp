@@ -24,8 +24,9 @@ struct Reading {
 
 Reading &currentReading()
 {
-    static Reading reading;
-    return reading;
+    // Never destroyed: request threads read it until the process ends.
+    static Reading *reading = new Reading;
+    return *reading;
 }
 
 std::once_flag loadOnce;

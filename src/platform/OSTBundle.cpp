@@ -29,8 +29,9 @@ struct MainBundleSlot {
 
 MainBundleSlot &mainBundleSlot()
 {
-    static MainBundleSlot slot;
-    return slot;
+    // Never destroyed: threads still running at exit may read the bundle.
+    static MainBundleSlot *slot = new MainBundleSlot;
+    return *slot;
 }
 
 } // namespace

@@ -18,8 +18,9 @@ struct ClockSlot {
 
 ClockSlot &clockSlot()
 {
-    static ClockSlot slot;
-    return slot;
+    // Never destroyed: threads still running at exit keep reading the clock.
+    static ClockSlot *slot = new ClockSlot;
+    return *slot;
 }
 
 } // namespace
@@ -42,8 +43,8 @@ void OSTClock::setCurrent(std::shared_ptr<OSTClock> clock)
     QMutexLocker locker(&slot.mutex);
     // Clocks are few and tiny; keeping every replaced one alive makes references returned by
     // current() safe for the life of the process.
-    static std::vector<std::shared_ptr<OSTClock>> retired;
-    retired.push_back(slot.clock);
+    static auto *retired = new std::vector<std::shared_ptr<OSTClock>>;
+    retired->push_back(slot.clock);
     slot.clock = clock ? std::move(clock) : std::make_shared<OSTSystemClock>();
 }
 

@@ -8,8 +8,9 @@ namespace ostrel {
 
 OSTNotificationCenter &OSTNotificationCenter::defaultCenter()
 {
-    static OSTNotificationCenter center;
-    return center;
+    // Never destroyed: threads still running at exit may post.
+    static OSTNotificationCenter *center = new OSTNotificationCenter;
+    return *center;
 }
 
 OSTObserverToken OSTNotificationCenter::addObserver(const QString &name, Handler handler,

@@ -26,8 +26,9 @@ struct Registry {
 
 Registry &registry()
 {
-    static Registry instance;
-    return instance;
+    // Never destroyed, like every process-wide table that threads may read at exit.
+    static Registry *instance = new Registry;
+    return *instance;
 }
 
 } // namespace

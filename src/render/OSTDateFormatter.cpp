@@ -40,8 +40,9 @@ const OSTDateFormatter &ost_dmyDateFormatter()
 
 const OSTDateFormatter &ost_timestampFormatter()
 {
-    static const OSTDateFormatter formatter(u"yyyy-MM-dd HH:mm:ss.zzz000"_s, QLocale::c(), Qt::UTC);
-    return formatter;
+    // Never destroyed: the event queue stamps events until the process ends.
+    static const auto *formatter = new OSTDateFormatter(u"yyyy-MM-dd HH:mm:ss.zzz000"_s, QLocale::c(), Qt::UTC);
+    return *formatter;
 }
 
 } // namespace ostrel
