@@ -5,14 +5,19 @@
 #include "events/OSTEventManager.h"
 #include "events/OSTEventSources.h"
 #include "events/OSTStatisticalEvent.h"
+#include "experience/OSTExperienceManager.h"
 #include "experience/OSTFlowManager.h"
 #include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "network/OSTRequestManager.h"
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
+#include "platform/OSTURLOpener.h"
+#include "render/OSTDateFormatter.h"
+#include "users/OSTAttributionManager.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 
 #include <mutex>
 
@@ -57,23 +62,99 @@ void OSTStartup::connectManagers()
     // in the order of OSTServiceManager::LaunchResponseReceiver.
     OSTServiceManager::sharedManager();
     connectEventManager();
-    connectFlowRegistry();
+    connectAttributionManager();
+    connectExperienceManager();
 }
 
-void OSTStartup::connectFlowRegistry()
+void OSTStartup::connectExperienceManager()
 {
-    // Until the experience manager exists, the registry takes the experience document directly:
-    // the local default at start, then each launch response.
-    OSTFlowManager &flows = OSTFlowManager::sharedManager();
-    if (const auto &localDefault = OSTServiceManager::localDefault())
-        flows.loadLocalDefault(*localDefault);
+    OSTExperienceManager &experience = OSTExperienceManager::sharedManager();
+    experience.initLocalDefault(OSTServiceManager::localDefault());
     OSTServiceManager &service = OSTServiceManager::sharedManager();
+    experience.connectLaunchState({
+        .isStartedOrLaunched = [&service] { return service.launched() || service.isInitialized(); },
+        .isLaunchedLifetime = [&service] { return service.launchedLifetime(); },
+    });
+    OSTFlowManager &flows = OSTFlowManager::sharedManager();
     service.launchParameterSources().cachedVersions = [&flows] { return flows.cachedVersions(); };
-    service.connectLaunchResponseReceiver(OSTServiceManager::LaunchResponseReceiver::Experience,
-                                          [&flows](const OSTServiceManager::LaunchResponse &response) {
-                                              if (response)
-                                                  flows.loadLaunchResponse(*response);
-                                          });
+    service.connectLaunchResponseReceiver(
+        OSTServiceManager::LaunchResponseReceiver::Experience,
+        [&experience](const OSTServiceManager::LaunchResponse &response) { experience.processLaunchResponse(response); });
+}
+
+void OSTStartup::connectAttributionManager()
+{
+    OSTServiceManager &service = OSTServiceManager::sharedManager();
+    OSTAttributionManager &attribution = OSTAttributionManager::sharedManager();
+    attribution.connectServices({
+        .sdkToken = [&service] { return service.token(); },
+        .formatTimestamp =
+            [](double secondsSince1970) {
+                return ost_timestampFormatter().stringFromDate(
+                    QDateTime::fromMSecsSinceEpoch(qint64(secondsSince1970 * 1000.0), Qt::UTC));
+            },
+        .appendDynamicVariables =
+            [](const QVariantMap &variables, const QString &prefix) {
+                OSTExperienceManager &experience = OSTExperienceManager::sharedManager();
+                if (prefix.isEmpty())
+                    experience.appendDynamicVariables(variables);
+                else
+                    experience.appendDynamicVariables(variables, prefix);
+            },
+        .currentUserProperties = {},
+        .launched = [&service] { return service.launched(); },
+        .executeAfterLaunch = [&service](std::function<void(bool)> block) { service.executeAfterLaunch(std::move(block)); },
+        .cancelSessionLaunch = [&service] { return service.cancelSessionLaunch(); },
+        .cancelLaunch = [&service] { service.cancelLaunch(); },
+        .invalidateLaunch = [&service] { service.invalidateLaunch(); },
+        .launch = [&service] { service.launch(); },
+        .sessionLaunch = [&service] { service.sessionLaunch(); },
+    });
+
+    OSTServiceManager::LaunchParameterSources &sources = service.launchParameterSources();
+    sources.deviceFingerprint = [&attribution] { return attribution.deviceFingerprint(); };
+    sources.advertisingIdentifier = [&attribution] { return attribution.advertisingIdentifierString().value_or(QString()); };
+    // A link that opened the application arrives as the launch options' activity, an address.
+    sources.canHandleUserActivity = [&attribution](const QVariant &activity) {
+        return attribution.canHandleUserActivity(OSTUserActivityTypeBrowsingWeb, activity.toUrl());
+    };
+    sources.continueUserActivity = [&attribution](const QVariant &activity) {
+        attribution.continueUserActivity(OSTUserActivityTypeBrowsingWeb, activity.toUrl());
+    };
+    service.connectLaunchResponseReceiver(
+        OSTServiceManager::LaunchResponseReceiver::Attribution,
+        [&attribution](const OSTServiceManager::LaunchResponse &response) { attribution.processLaunchResponse(response); });
+    connectAttributionToEvents();
+    receiveLinks();
+}
+
+void OSTStartup::connectAttributionToEvents()
+{
+    const auto forEvents = [](const std::optional<OSTAttribution> &record) -> std::optional<OSTEventSources::Attribution> {
+        if (!record)
+            return std::nullopt;
+        return OSTEventSources::Attribution{record->sourceName.value_or(QString()),
+                                            record->targetingID.value_or(QString()),
+                                            record->targetingName.value_or(QString())};
+    };
+    OSTAttributionManager &attribution = OSTAttributionManager::sharedManager();
+    OSTEventSources::Sources sources = OSTEventSources::current();
+    sources.deviceFingerprint = [&attribution] { return attribution.deviceFingerprint(); };
+    sources.advertiserID = [&attribution] { return attribution.advertisingIdentifierString(); };
+    sources.installAttribution = [&attribution, forEvents] { return forEvents(attribution.installAttribution()); };
+    sources.latestAttribution = [&attribution, forEvents] { return forEvents(attribution.latestAttribution()); };
+    OSTEventSources::connect(std::move(sources));
+}
+
+void OSTStartup::receiveLinks()
+{
+    // Links the host process opens through QDesktopServices reach the SDK first; others go on to
+    // the desktop.
+    if (OSTAttributionManager::linkHosts().isEmpty())
+        return;
+    OSTURLOpener::setLinkReceiver([](const QUrl &url) {
+        return OSTAttributionManager::sharedManager().continueUserActivity(OSTUserActivityTypeBrowsingWeb, url);
+    });
 }
 
 void OSTStartup::reportBundleProblems()

@@ -25,7 +25,10 @@ private:
     static void reportBundleProblems();
     static void connectManagers();
     static void connectEventManager();
-    static void connectFlowRegistry();
+    static void connectExperienceManager();
+    static void connectAttributionManager();
+    static void connectAttributionToEvents();
+    static void receiveLinks();
 };
 
 } // namespace ostrel
