@@ -9,9 +9,9 @@ namespace ostrel {
 // thread.
 struct OSTExperienceLaunchState {
     // Whether the SDK has a token or has launched: presenting and loading need one of the two.
-    std::function<bool()> isStartedOrLaunched;
+    std::function<bool()> isStartedOrLaunched = {};
     // Whether any launch has ever finished on this installation.
-    std::function<bool()> isLaunchedLifetime;
+    std::function<bool()> isLaunchedLifetime = {};
 };
 
 } // namespace ostrel

@@ -8,10 +8,10 @@ namespace ostrel {
 // manager sits beside the experience layer, so start-up connects these sources once; a source
 // left empty reads as false. Called on the GUI thread.
 struct OSTExperienceUserState {
-    std::function<bool()> isLoggedIn;
-    std::function<bool()> requiresLogin;
+    std::function<bool()> isLoggedIn = {};
+    std::function<bool()> requiresLogin = {};
     // Whether any user has ever logged in on this installation.
-    std::function<bool()> isLoggedInLifetime;
+    std::function<bool()> isLoggedInLifetime = {};
 };
 
 } // namespace ostrel

@@ -15,22 +15,22 @@ namespace ostrel {
 //
 // The launch calls are made on the GUI thread; the others from any thread.
 struct OSTAttributionServices {
-    std::function<std::optional<QString>()> sdkToken;
+    std::function<std::optional<QString>()> sdkToken = {};
     // "yyyy-MM-dd HH:mm:ss.SSSSSS" in UTC of seconds since 1970.
-    std::function<QString(double secondsSince1970)> formatTimestamp;
+    std::function<QString(double secondsSince1970)> formatTimestamp = {};
     // An empty prefix adds the names as they are.
-    std::function<void(const QVariantMap &variables, const QString &prefix)> appendDynamicVariables;
-    std::function<QVariantMap()> currentUserProperties;
+    std::function<void(const QVariantMap &variables, const QString &prefix)> appendDynamicVariables = {};
+    std::function<QVariantMap()> currentUserProperties = {};
 
     // The launch sequence.
-    std::function<bool()> launched;
-    std::function<void(std::function<void(bool success)>)> executeAfterLaunch;
+    std::function<bool()> launched = {};
+    std::function<void(std::function<void(bool success)>)> executeAfterLaunch = {};
     // Returns whether a session launch was pending.
-    std::function<bool()> cancelSessionLaunch;
-    std::function<void()> cancelLaunch;
-    std::function<void()> invalidateLaunch;
-    std::function<void()> launch;
-    std::function<void()> sessionLaunch;
+    std::function<bool()> cancelSessionLaunch = {};
+    std::function<void()> cancelLaunch = {};
+    std::function<void()> invalidateLaunch = {};
+    std::function<void()> launch = {};
+    std::function<void()> sessionLaunch = {};
 };
 
 } // namespace ostrel

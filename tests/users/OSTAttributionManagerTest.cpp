@@ -4,6 +4,7 @@
 
 #include <ostrel/OSTAdvertisingIdentifierSource.h>
 #include <ostrel/OSTRuntime.h>
+#include <ostrel/Ostrel.h>
 
 #include "core/OSTLogging.h"
 #include "core/OSTUserDefaultsManager.h"
@@ -12,6 +13,8 @@
 #include "support/OSTTestSupport.h"
 #include "users/OSTAttributionManager.h"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QSysInfo>
 #include <QTemporaryDir>
 #include <QUuid>
@@ -177,11 +180,14 @@ TEST_F(AttributionManagerTest, FingerprintCarriesTheDesktopValues)
               u"%1 %2 %3"_s.arg(QSysInfo::productType(), QSysInfo::productVersion(), QSysInfo::currentCpuArchitecture()));
     EXPECT_EQ(fingerprint.value(u"os_name"_s), QSysInfo::productType());
     EXPECT_EQ(fingerprint.value(u"os_version"_s), QSysInfo::productVersion());
-    // The offscreen platform's screen: 800 by 600 at ratio 1.
-    EXPECT_EQ(fingerprint.value(u"device_resolution"_s), u"800x600"_s);
-    EXPECT_EQ(fingerprint.value(u"device_density"_s), u"1"_s);
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    ASSERT_NE(screen, nullptr);
+    const double ratio = screen->devicePixelRatio();
+    EXPECT_EQ(fingerprint.value(u"device_resolution"_s).toString(),
+              u"%1x%2"_s.arg(qRound(screen->size().width() * ratio)).arg(qRound(screen->size().height() * ratio)));
+    EXPECT_EQ(fingerprint.value(u"device_density"_s).toString(), QString::number(qRound(ratio)));
     EXPECT_EQ(fingerprint.value(u"carrier"_s), u"NA"_s);
-    EXPECT_EQ(fingerprint.value(u"ost_sdk_version"_s), QStringLiteral(OSTREL_VERSION_STRING));
+    EXPECT_EQ(fingerprint.value(u"ost_sdk_version"_s), Ostrel::version());
     EXPECT_EQ(fingerprint.value(u"token"_s), u"tok"_s);
     EXPECT_EQ(fingerprint.value(u"device_timestamp"_s), QString::number(100.0 + OSTClock::referenceDateOffset, 'f', 0));
 
