@@ -6,11 +6,14 @@
 #include "events/OSTEventSources.h"
 #include "events/OSTStatisticalEvent.h"
 #include "experience/OSTFlowManager.h"
+#include "launch/OSTMigration.h"
 #include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "network/OSTRequestManager.h"
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
+#include "users/OSTFacebookManager.h"
+#include "users/OSTUserManager.h"
 
 #include <QCoreApplication>
 
@@ -35,6 +38,14 @@ OSTStatisticalEvent::TimingType timingTypeFor(OSTNetworkStatistics::Outcome outc
     return OSTStatisticalEvent::Failure;
 }
 
+// A host that starts the SDK late still has the old version's data carried over before its own
+// code reads anything through the SDK.
+void migrateAtApplicationStart()
+{
+    OSTMigration::scheduleAtStartup();
+}
+Q_COREAPP_STARTUP_FUNCTION(migrateAtApplicationStart)
+
 } // namespace
 
 void OSTStartup::prepareProcess()
@@ -51,6 +62,9 @@ void OSTStartup::prepareProcess()
 
 void OSTStartup::connectManagers()
 {
+    // Before any manager reads the stores, so they find the carried-over data; and after the
+    // application object exists, whose names place the stores.
+    OSTMigration::migrate();
     OSTApplication::sharedApplication();
     OSTRequestManager::sharedManager();
     // The launch response goes to the service manager itself first, then to each receiver below,
@@ -58,6 +72,8 @@ void OSTStartup::connectManagers()
     OSTServiceManager::sharedManager();
     connectEventManager();
     connectFlowRegistry();
+    connectFacebookManager();
+    connectUserManager();
 }
 
 void OSTStartup::connectFlowRegistry()
@@ -94,13 +110,41 @@ void OSTStartup::connectNetworkStatistics()
 
 void OSTStartup::connectEventManager()
 {
-    // The user, attribution and advertising sources join when their managers exist.
-    OSTEventSources::connect({.sdkToken = [] { return OSTServiceManager::sharedManager().token(); }});
+    // The attribution and advertising sources join when their manager exists.
+    OSTEventSources::connect({
+        .sdkToken = [] { return OSTServiceManager::sharedManager().token(); },
+        .userID = [&users = OSTUserManager::sharedManager()] { return users.currentUser().userID(); },
+        .userName = [&users = OSTUserManager::sharedManager()] { return users.currentUser().name(); },
+    });
     OSTEventManager &events = OSTEventManager::sharedManager();
     OSTEventHook::addReceiver([&events](const std::shared_ptr<const OSTEvent> &event) { events.sendEvent(event); });
     OSTServiceManager::sharedManager().connectLaunchResponseReceiver(
         OSTServiceManager::LaunchResponseReceiver::Events,
         [&events](const OSTServiceManager::LaunchResponse &response) { events.processLaunchResponse(response); });
+}
+
+void OSTStartup::connectFacebookManager()
+{
+    OSTFacebookManager &facebook = OSTFacebookManager::sharedManager();
+    OSTServiceManager &service = OSTServiceManager::sharedManager();
+    service.launchParameterSources().facebookAppID = [&facebook] { return facebook.facebookAppID(); };
+    service.connectLaunchResponseReceiver(OSTServiceManager::LaunchResponseReceiver::Facebook,
+                                          [&facebook](const OSTServiceManager::LaunchResponse &response) {
+                                              facebook.processLaunchResponse(response);
+                                          });
+}
+
+void OSTStartup::connectUserManager()
+{
+    OSTUserManager &users = OSTUserManager::sharedManager();
+    OSTServiceManager::LaunchParameterSources &sources = OSTServiceManager::sharedManager().launchParameterSources();
+    sources.currentUserID = [&users] { return users.currentUser().userID().value_or(QString()); };
+    sources.isLoggedIn = [&users] { return users.isLoggedIn(); };
+    sources.isLoggedInLifetime = [&users] { return users.isLoggedInLifetime(); };
+    sources.requiresLogin = [&users] { return users.requiresLogin(); };
+    OSTServiceManager::sharedManager().connectLaunchResponseReceiver(
+        OSTServiceManager::LaunchResponseReceiver::User,
+        [&users](const OSTServiceManager::LaunchResponse &response) { users.processLaunchResponse(response); });
 }
 
 } // namespace ostrel

@@ -26,6 +26,8 @@ private:
     static void connectManagers();
     static void connectEventManager();
     static void connectFlowRegistry();
+    static void connectFacebookManager();
+    static void connectUserManager();
 };
 
 } // namespace ostrel
