@@ -8,6 +8,7 @@
 #include <ostrel/OSTExperienceSettings.h>
 #include <ostrel/OSTLifecycle.h>
 #include <ostrel/OSTLoggingLevel.h>
+#include <ostrel/OSTUser.h>
 
 #include <QString>
 #include <QUrl>
@@ -112,6 +113,28 @@ public:
     // sent; on by default.
     static bool shouldUseIDFA();
     static void setShouldUseIDFA(bool shouldUseIDFA);
+
+    // --- The current user -------------------------------------------------------------------
+    // Whether the application requires a logged-in user (default true, for this process only);
+    // reported with every launch and used to choose the experience to show.
+    static void setRequiresLogin(bool requiresLogin);
+    // A copy of the current user as it is now.
+    static OSTUser currentUser();
+    // The user signed up or logged in, with the application's own identifier for the user (""
+    // when none is given). The user's properties go to the service, which answers with the
+    // properties it holds for that identifier; they are merged into the user.
+    static void signUpUser();
+    static void signUpUserWithID(const QString &userID);
+    static void logInUser();
+    static void logInUserWithID(const QString &userID);
+    // Forgets the current user (identifier, name, properties); the installation stays one that
+    // has seen a log-in.
+    static void logOutUser();
+    // Adds properties to the current user and sends them. Dates are sent as the SDK's timestamp
+    // text; images (QImage) are saved in the SDK's folder as "<key>.png" and sent as that name;
+    // other values must be strings, numbers, booleans, lists or maps, else they are left out
+    // with a warning. Values equal to the current ones change nothing.
+    static void appendUserProperties(const QVariantMap &properties);
 
     // Sets how much the SDK writes to standard error (see OSTLoggingLevel).
     static void setLoggingLevel(unsigned level);

@@ -7,6 +7,7 @@
 #include "events/OSTStatisticalEvent.h"
 #include "experience/OSTExperienceManager.h"
 #include "experience/OSTFlowManager.h"
+#include "launch/OSTMigration.h"
 #include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "network/OSTRequestManager.h"
@@ -15,6 +16,8 @@
 #include "platform/OSTURLOpener.h"
 #include "render/OSTDateFormatter.h"
 #include "users/OSTAttributionManager.h"
+#include "users/OSTFacebookManager.h"
+#include "users/OSTUserManager.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -40,6 +43,14 @@ OSTStatisticalEvent::TimingType timingTypeFor(OSTNetworkStatistics::Outcome outc
     return OSTStatisticalEvent::Failure;
 }
 
+// A host that starts the SDK late still has the old version's data carried over before its own
+// code reads anything through the SDK.
+void migrateAtApplicationStart()
+{
+    OSTMigration::scheduleAtStartup();
+}
+Q_COREAPP_STARTUP_FUNCTION(migrateAtApplicationStart)
+
 } // namespace
 
 void OSTStartup::prepareProcess()
@@ -56,6 +67,9 @@ void OSTStartup::prepareProcess()
 
 void OSTStartup::connectManagers()
 {
+    // Before any manager reads the stores, so they find the carried-over data; and after the
+    // application object exists, whose names place the stores.
+    OSTMigration::migrate();
     OSTApplication::sharedApplication();
     OSTRequestManager::sharedManager();
     // The launch response goes to the service manager itself first, then to each receiver below,
@@ -64,6 +78,8 @@ void OSTStartup::connectManagers()
     connectEventManager();
     connectAttributionManager();
     connectExperienceManager();
+    connectFacebookManager();
+    connectUserManager();
 }
 
 void OSTStartup::connectExperienceManager()
@@ -75,11 +91,29 @@ void OSTStartup::connectExperienceManager()
         .isStartedOrLaunched = [&service] { return service.launched() || service.isInitialized(); },
         .isLaunchedLifetime = [&service] { return service.launchedLifetime(); },
     });
+    connectUserToExperience();
     OSTFlowManager &flows = OSTFlowManager::sharedManager();
     service.launchParameterSources().cachedVersions = [&flows] { return flows.cachedVersions(); };
     service.connectLaunchResponseReceiver(
         OSTServiceManager::LaunchResponseReceiver::Experience,
         [&experience](const OSTServiceManager::LaunchResponse &response) { experience.processLaunchResponse(response); });
+}
+
+void OSTStartup::connectUserToExperience()
+{
+    OSTExperienceManager &experience = OSTExperienceManager::sharedManager();
+    OSTUserManager &users = OSTUserManager::sharedManager();
+    experience.connectUserState({
+        .isLoggedIn = [&users] { return users.isLoggedIn(); },
+        .requiresLogin = [&users] { return users.requiresLogin(); },
+        .isLoggedInLifetime = [&users] { return users.isLoggedInLifetime(); },
+    });
+    // The user's properties are screen variables (those kept from the last run at once); a log-out
+    // leaves none of them behind.
+    experience.appendDynamicVariables(users.currentUser().properties());
+    QObject::connect(&users, &OSTUserManager::propertiesChanged, &users,
+                     [&experience](const QVariantMap &properties) { experience.appendDynamicVariables(properties); });
+    QObject::connect(&users, &OSTUserManager::didLogOut, &users, [&experience] { experience.cleanDynamicVariables(); });
 }
 
 void OSTStartup::connectAttributionManager()
@@ -101,7 +135,7 @@ void OSTStartup::connectAttributionManager()
                 else
                     experience.appendDynamicVariables(variables, prefix);
             },
-        .currentUserProperties = {},
+        .currentUserProperties = [] { return OSTUserManager::sharedManager().currentUser().properties(); },
         .launched = [&service] { return service.launched(); },
         .executeAfterLaunch = [&service](std::function<void(bool)> block) { service.executeAfterLaunch(std::move(block)); },
         .cancelSessionLaunch = [&service] { return service.cancelSessionLaunch(); },
@@ -175,13 +209,41 @@ void OSTStartup::connectNetworkStatistics()
 
 void OSTStartup::connectEventManager()
 {
-    // The user, attribution and advertising sources join when their managers exist.
-    OSTEventSources::connect({.sdkToken = [] { return OSTServiceManager::sharedManager().token(); }});
+    // The attribution and advertising sources join when their manager exists.
+    OSTEventSources::connect({
+        .sdkToken = [] { return OSTServiceManager::sharedManager().token(); },
+        .userID = [&users = OSTUserManager::sharedManager()] { return users.currentUser().userID(); },
+        .userName = [&users = OSTUserManager::sharedManager()] { return users.currentUser().name(); },
+    });
     OSTEventManager &events = OSTEventManager::sharedManager();
     OSTEventHook::addReceiver([&events](const std::shared_ptr<const OSTEvent> &event) { events.sendEvent(event); });
     OSTServiceManager::sharedManager().connectLaunchResponseReceiver(
         OSTServiceManager::LaunchResponseReceiver::Events,
         [&events](const OSTServiceManager::LaunchResponse &response) { events.processLaunchResponse(response); });
+}
+
+void OSTStartup::connectFacebookManager()
+{
+    OSTFacebookManager &facebook = OSTFacebookManager::sharedManager();
+    OSTServiceManager &service = OSTServiceManager::sharedManager();
+    service.launchParameterSources().facebookAppID = [&facebook] { return facebook.facebookAppID(); };
+    service.connectLaunchResponseReceiver(OSTServiceManager::LaunchResponseReceiver::Facebook,
+                                          [&facebook](const OSTServiceManager::LaunchResponse &response) {
+                                              facebook.processLaunchResponse(response);
+                                          });
+}
+
+void OSTStartup::connectUserManager()
+{
+    OSTUserManager &users = OSTUserManager::sharedManager();
+    OSTServiceManager::LaunchParameterSources &sources = OSTServiceManager::sharedManager().launchParameterSources();
+    sources.currentUserID = [&users] { return users.currentUser().userID().value_or(QString()); };
+    sources.isLoggedIn = [&users] { return users.isLoggedIn(); };
+    sources.isLoggedInLifetime = [&users] { return users.isLoggedInLifetime(); };
+    sources.requiresLogin = [&users] { return users.requiresLogin(); };
+    OSTServiceManager::sharedManager().connectLaunchResponseReceiver(
+        OSTServiceManager::LaunchResponseReceiver::User,
+        [&users](const OSTServiceManager::LaunchResponse &response) { users.processLaunchResponse(response); });
 }
 
 } // namespace ostrel

@@ -26,9 +26,12 @@ private:
     static void connectManagers();
     static void connectEventManager();
     static void connectExperienceManager();
+    static void connectUserToExperience();
     static void connectAttributionManager();
     static void connectAttributionToEvents();
     static void receiveLinks();
+    static void connectFacebookManager();
+    static void connectUserManager();
 };
 
 } // namespace ostrel

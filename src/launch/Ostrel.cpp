@@ -8,6 +8,7 @@
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
 #include "users/OSTAttributionManager.h"
+#include "users/OSTUserManager.h"
 
 namespace ostrel {
 
@@ -162,6 +163,58 @@ bool Ostrel::shouldUseIDFA()
 void Ostrel::setShouldUseIDFA(bool shouldUseIDFA)
 {
     OSTAttributionManager::sharedManager().setShouldUseIDFA(shouldUseIDFA);
+}
+
+namespace {
+
+// The user calls start the SDK's managers first, so that the user they meet is the stored one,
+// carried over from an older version where needed.
+OSTUserManager &userManager()
+{
+    OSTStartup::prepareProcess();
+    return OSTUserManager::sharedManager();
+}
+
+} // namespace
+
+void Ostrel::setRequiresLogin(bool requiresLogin)
+{
+    userManager().setRequiresLogin(requiresLogin);
+}
+
+OSTUser Ostrel::currentUser()
+{
+    return userManager().currentUser();
+}
+
+void Ostrel::signUpUser()
+{
+    userManager().signUpUser();
+}
+
+void Ostrel::signUpUserWithID(const QString &userID)
+{
+    userManager().signUpUserWithID(userID);
+}
+
+void Ostrel::logInUser()
+{
+    userManager().logInUser();
+}
+
+void Ostrel::logInUserWithID(const QString &userID)
+{
+    userManager().logInUserWithID(userID);
+}
+
+void Ostrel::logOutUser()
+{
+    userManager().logOutUser();
+}
+
+void Ostrel::appendUserProperties(const QVariantMap &properties)
+{
+    userManager().appendUserProperties(properties, OSTUserManager::Delivery::Send);
 }
 
 void Ostrel::setLoggingLevel(unsigned level)

@@ -3,6 +3,8 @@
 #include "platform/OSTLinkReceiver.h"
 
 #include <QDesktopServices>
+#include <QMutex>
+#include <QMutexLocker>
 
 #include <memory>
 
@@ -14,12 +16,18 @@ namespace {
 
 const QStringList linkSchemes{u"http"_s, u"https"_s};
 
-OSTURLOpener::Handler &openHandler()
+struct HandlerSlot {
+    QMutex mutex;
+    OSTURLOpener::Handler handler;
+};
+
+HandlerSlot &handlerSlot()
 {
-    static OSTURLOpener::Handler handler;
-    return handler;
+    static HandlerSlot slot;
+    return slot;
 }
 
+// GUI thread only.
 std::unique_ptr<OSTLinkReceiver> &linkReceiverObject()
 {
     static std::unique_ptr<OSTLinkReceiver> object;
@@ -56,13 +64,20 @@ bool OSTURLOpener::openURL(const QUrl &url)
 {
     if (!url.isValid())
         return false;
-    const Handler &handler = openHandler();
+    Handler handler;
+    {
+        HandlerSlot &slot = handlerSlot();
+        QMutexLocker locker(&slot.mutex);
+        handler = slot.handler;
+    }
     return handler ? handler(url) : openOnDesktop(url);
 }
 
 void OSTURLOpener::setHandler(Handler handler)
 {
-    openHandler() = std::move(handler);
+    HandlerSlot &slot = handlerSlot();
+    QMutexLocker locker(&slot.mutex);
+    slot.handler = std::move(handler);
 }
 
 void OSTURLOpener::setLinkReceiver(Handler receiver)
