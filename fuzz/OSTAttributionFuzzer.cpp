@@ -92,7 +92,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     attribution.updateLatestAttributionFromResponse(std::nullopt);
     const OSTAttribution installBefore = *attribution.installAttribution();
     attribution.updateInstallAttributionFromResponse(decoded.value);
-    checkRecord(installBefore, *attribution.installAttribution(), answer, QString());
+    if (decoded.value)
+        checkRecord(installBefore, *attribution.installAttribution(), answer, QString());
+    else if (!(*attribution.installAttribution() == installBefore))
+        fail("no answer changes nothing");
 
     const OSTAttribution latestBefore = *attribution.latestAttribution();
     attribution.updateLatestAttributionFromResponse(decoded.value);

@@ -1,6 +1,7 @@
-// The experience manager on its own: the automatic-key decision table, the present, dismiss and
-// load state machine against a scripted presenter, the launch response, dynamic variables, the
-// URL hook and the delegate's optional callbacks.
+// The experience manager on its own: the present, dismiss and load state machine against a
+// scripted presenter, the launch response, dynamic variables, the URL hook and the delegate's
+// optional callbacks. The automatic-key decision table is tested through the public API with the
+// real managers (tests/launch/OSTExperienceChoiceTest.cpp).
 
 #include "core/OSTLogging.h"
 #include "core/OSTUserDefaultsManager.h"
@@ -114,50 +115,6 @@ protected:
 
 } // namespace
 
-TEST_F(ExperienceManagerTest, AutomaticKeyFollowsTheDecisionTableRowByRow)
-{
-    struct Case {
-        const char *name;
-        bool install;
-        UserState user;
-        QStringList registeredFlows;
-        std::optional<QString> overrideKey;
-        std::optional<QString> expected;
-    };
-    const std::vector<Case> cases{
-        {"override wins over everything, capitals kept", true, {true, true, true}, {u"signup"_s}, u"SignUp"_s, u"SignUp"_s},
-        {"must log in and is logged in", true, {true, true, false}, {u"install"_s}, {}, std::nullopt},
-        {"first launch, never logged in", true, {false, false, false}, {}, {}, u"install"_s},
-        {"first launch, logged in before", true, {false, false, true}, {}, {}, std::nullopt},
-        {"not first launch, no login required", false, {false, false, false}, {u"install"_s}, {}, std::nullopt},
-        {"logged in, login not required", false, {true, false, true}, {}, {}, std::nullopt},
-        {"logged out with a logged_out flow", false, {false, true, true}, {u"logged_out"_s}, {}, u"logged_out"_s},
-        {"logged out without a logged_out flow", false, {false, true, true}, {u"install"_s}, {}, u"install"_s},
-        {"must log in, never did", false, {false, true, false}, {u"logged_out"_s}, {}, u"install"_s},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.name);
-        OSTFlowManager caseFlows(OSTUserDefaultsManager::sharedManager());
-        OSTExperienceManager caseManager(caseFlows);
-        caseManager.connectUserState({.isLoggedIn = [&c] { return c.user.loggedIn; },
-                                      .requiresLogin = [&c] { return c.user.requiresLogin; },
-                                      .isLoggedInLifetime = [&c] { return c.user.loggedInLifetime; }});
-        caseManager.connectLaunchState({.isStartedOrLaunched = [] { return true; },
-                                        .isLaunchedLifetime = [&c] { return !c.install; }});
-        // Local flows: a delivery would be cached and seen by the next case's registry.
-        caseFlows.loadLocalFlows(flowsNamed(c.registeredFlows), {});
-        caseManager.processLaunchResponse(c.overrideKey ? QVariantMap{{u"show_key"_s, *c.overrideKey}} : QVariantMap());
-        EXPECT_EQ(caseManager.isInstall(), c.install);
-        EXPECT_EQ(caseManager.automaticExperienceKey(), c.expected);
-        EXPECT_EQ(caseManager.experienceKeyForType(OSTExperienceTypeAutomatic), c.expected);
-        EXPECT_EQ(caseManager.hasExperienceType(OSTExperienceTypeAutomatic),
-                  c.expected && c.registeredFlows.contains(*c.expected))
-            << "flow keys are looked up as given, so a capitalised override finds no flow";
-    }
-    EXPECT_EQ(manager.experienceKeyForType(6), std::nullopt);
-    EXPECT_FALSE(manager.hasExperienceType(-1));
-}
-
 TEST_F(ExperienceManagerTest, LaunchResponseSetsInstallAndOverrideAndRegistersOnlyWholeDocuments)
 {
     manager.processLaunchResponse(launchResponse({u"install"_s}, u"Promo"_s));
@@ -174,6 +131,8 @@ TEST_F(ExperienceManagerTest, LaunchResponseSetsInstallAndOverrideAndRegistersOn
     manager.processLaunchResponse(launchResponse({}, u"x"_s));
     manager.processLaunchResponse(std::nullopt);
     EXPECT_EQ(manager.experienceOverrideKey(), std::nullopt) << "a failed launch clears the override";
+    EXPECT_EQ(manager.experienceKeyForType(6), std::nullopt);
+    EXPECT_FALSE(manager.hasExperienceType(-1));
 }
 
 TEST_F(ExperienceManagerTest, PresentingRefusesEarlyWithoutCallingThePresenter)
@@ -190,14 +149,9 @@ TEST_F(ExperienceManagerTest, PresentingRefusesEarlyWithoutCallingThePresenter)
         [&] { manager.loadExperienceType(OSTExperienceTypeAutomatic, [](QWidget *) { ADD_FAILURE(); }); });
     EXPECT_TRUE(loadLog.contains(u"Trying to load an experience before initializing the SDK!"_s));
 
+    // Only the automatic type is refused for a logged-in user who must log in.
     started = true;
     user = {.loggedIn = true, .requiresLogin = true};
-    manager.presentExperienceWithSettings(std::nullopt, completions.completion());
-    EXPECT_EQ(completions.calls, std::vector<bool>{false});
-    EXPECT_TRUE(presenter->requestedTypes.empty());
-    EXPECT_FALSE(manager.isPresentingExperience());
-
-    // An explicit type is not refused for a logged-in user.
     OSTExperienceSettings signUp;
     signUp.experienceType = OSTExperienceTypeSignUp;
     manager.presentExperienceWithSettings(signUp, completions.completion());
