@@ -138,13 +138,17 @@ void OSTUserManager::logInUserWithID(const QVariant &userID)
 
 void OSTUserManager::logInUserWithID(const QVariant &userID, Registration registration)
 {
-    const QString identifier = userID.typeId() == QMetaType::QString ? userID.toString() : QString(u""_s);
+    const QString identifier = userID.typeId() == QMetaType::QString ? userID.toString() : u""_s;
     changeCurrentUser([&identifier](OSTUser &user) { user.setUserID(identifier); });
     setLoggedIn(true);
     if (!isLoggedInLifetime())
         setLoggedInLifetime(true);
-    sendUserPropertiesWithCompletion([this](const QVariantMap &properties) {
-        changeCurrentUser([&properties](OSTUser &user) { user.appendUserProperties(properties); });
+    sendUserPropertiesWithCompletion([this, identifier](const QVariantMap &properties) {
+        changeCurrentUser([&](OSTUser &user) {
+            // A log-out or another log-in while the answer travelled: it belongs to nobody now.
+            if (user.userID() == identifier)
+                user.appendUserProperties(properties);
+        });
     });
     OSTEventHook::sendEvent(registration == Registration::SignUp ? OSTInternalEvent::signupEvent(nullptr)
                                                                  : OSTInternalEvent::loginEvent(nullptr));
