@@ -1,6 +1,7 @@
 #include "users/OSTUserManager.h"
 
 #include "core/OSTFileManager.h"
+#include "core/OSTJsonWriter.h"
 #include "core/OSTLogging.h"
 #include "core/OSTUserDefaultsManager.h"
 #include "core/OSTDictionaryHelpers.h"
@@ -231,7 +232,9 @@ QVariantMap OSTUserManager::normalizedUserProperties(const QVariantMap &properti
     QVariantMap normalized;
     for (auto entry = properties.cbegin(); entry != properties.cend(); ++entry) {
         const QVariant value = normalizedValue(entry.key(), entry.value());
-        if (OSTPropertyListArchive::isPropertyListValue(value)) {
+        // Kept with the user and sent as JSON: it must be both (a date inside a list is neither
+        // turned into text nor something JSON carries).
+        if (OSTPropertyListArchive::isPropertyListValue(value) && OSTJsonWriter::isJSONValue(value)) {
             normalized.insert(entry.key(), value);
             continue;
         }
