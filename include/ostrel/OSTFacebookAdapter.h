@@ -17,7 +17,9 @@ namespace ostrel {
 //
 //     OSTRuntime::registerInstance<OSTFacebookAdapter>(OSTFacebookAdapter::runtimeName, adapter);
 //
-// Without a registered adapter every social log-in operation fails at once and quietly.
+// Register one instance: the SDK asks the registry for the adapter at every operation, and a
+// factory that made a new adapter each time would forget the log-in in between. Without a
+// registered adapter every social log-in operation fails at once and quietly.
 //
 // Threads: the SDK calls the adapter on the GUI thread. Completions may be called on any thread;
 // the SDK brings them to the GUI thread and takes only the first call of each completion, so an

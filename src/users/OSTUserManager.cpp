@@ -1,6 +1,7 @@
 #include "users/OSTUserManager.h"
 
 #include "core/OSTFileManager.h"
+#include "core/OSTJsonWriter.h"
 #include "core/OSTLogging.h"
 #include "core/OSTUserDefaultsManager.h"
 #include "core/OSTDictionaryHelpers.h"
@@ -138,13 +139,17 @@ void OSTUserManager::logInUserWithID(const QVariant &userID)
 
 void OSTUserManager::logInUserWithID(const QVariant &userID, Registration registration)
 {
-    const QString identifier = userID.typeId() == QMetaType::QString ? userID.toString() : QString(u""_s);
+    const QString identifier = userID.typeId() == QMetaType::QString ? userID.toString() : u""_s;
     changeCurrentUser([&identifier](OSTUser &user) { user.setUserID(identifier); });
     setLoggedIn(true);
     if (!isLoggedInLifetime())
         setLoggedInLifetime(true);
-    sendUserPropertiesWithCompletion([this](const QVariantMap &properties) {
-        changeCurrentUser([&properties](OSTUser &user) { user.appendUserProperties(properties); });
+    sendUserPropertiesWithCompletion([this, identifier](const QVariantMap &properties) {
+        changeCurrentUser([&](OSTUser &user) {
+            // A log-out or another log-in while the answer travelled: it belongs to nobody now.
+            if (user.userID() == identifier)
+                user.appendUserProperties(properties);
+        });
     });
     OSTEventHook::sendEvent(registration == Registration::SignUp ? OSTInternalEvent::signupEvent(nullptr)
                                                                  : OSTInternalEvent::loginEvent(nullptr));
@@ -227,7 +232,9 @@ QVariantMap OSTUserManager::normalizedUserProperties(const QVariantMap &properti
     QVariantMap normalized;
     for (auto entry = properties.cbegin(); entry != properties.cend(); ++entry) {
         const QVariant value = normalizedValue(entry.key(), entry.value());
-        if (OSTPropertyListArchive::isPropertyListValue(value)) {
+        // Kept with the user and sent as JSON: it must be both (a date inside a list is neither
+        // turned into text nor something JSON carries).
+        if (OSTPropertyListArchive::isPropertyListValue(value) && OSTJsonWriter::isJSONValue(value)) {
             normalized.insert(entry.key(), value);
             continue;
         }

@@ -65,7 +65,7 @@ public:
     // Sends the user's properties; only with a completion does the service return its own.
     void sendUserPropertiesWithCompletion(PropertiesCompletion completion = {});
     // Dates become the SDK's timestamp text, images are saved as "<key>.png" and become that
-    // name; values that cannot be stored are left out with a warning.
+    // name; values that cannot be both stored and sent as JSON are left out with a warning.
     QVariantMap normalizedUserProperties(const QVariantMap &properties) const;
 
     // --- Other changes of the user --------------------------------------------------------------

@@ -150,9 +150,9 @@ TEST_F(Users, AppendingSavesOnlyRealChangesAndSendsNormalisedValues)
     const QDateTime born(QDate(2024, 2, 29), QTime(13, 45, 6, 789), Qt::UTC);
     const QString log = test::captureStandardError([&] {
         Ostrel::appendUserProperties({{u"avatar"_s, QVariant::fromValue(avatar)}, {u"born"_s, born}, {u"spot"_s, QPoint(1, 2)},
-                                      {u"tags"_s, QVariantList{u"x"_s, 2}}});
+                                      {u"tags"_s, QVariantList{u"x"_s, 2}}, {u"visits"_s, QVariantList{born}}});
     });
-    EXPECT_TRUE(log.contains(u"spot"_s)) << log.toStdString();
+    EXPECT_TRUE(log.contains(u"\"spot\""_s) && log.contains(u"\"visits\""_s)) << log.toStdString();
     ASSERT_TRUE(waitForPropertyRequests(3));
     const QVariantMap expected{{u"a"_s, 1}, {u"avatar"_s, u"avatar.png"_s},
                                {u"born"_s, u"2024-02-29 13:45:06.789000"_s}, {u"tags"_s, QVariantList{u"x"_s, 2}}};
