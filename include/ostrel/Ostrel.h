@@ -2,14 +2,22 @@
 
 #include <ostrel/OSTExport.h>
 
+#include <ostrel/OSTAttribution.h>
 #include <ostrel/OSTConstants.h>
+#include <ostrel/OSTExperienceDelegate.h>
+#include <ostrel/OSTExperienceSettings.h>
 #include <ostrel/OSTLifecycle.h>
 #include <ostrel/OSTLoggingLevel.h>
+#include <ostrel/OSTUser.h>
 
 #include <QString>
+#include <QUrl>
+#include <QWidget>
 #include <QVariantMap>
 
 #include <functional>
+#include <memory>
+#include <optional>
 
 namespace ostrel {
 
@@ -61,6 +69,72 @@ public:
     static bool eventsEnabled();
     // Sends the waiting events now, for hosts that end sessions themselves.
     static void flushEvents();
+
+    // --- Experiences ------------------------------------------------------------------------------
+    // The host's answers to what experiences ask (see OSTExperienceDelegate). Held weakly: keep
+    // the shared_ptr for as long as the delegate should be called.
+    static void setExperienceDelegate(const std::shared_ptr<OSTExperienceDelegate> &delegate);
+    // Shows an experience over the host once the launch has finished; the completion (if any)
+    // tells whether it is on screen. Before start() nothing is shown and no completion comes.
+    static void presentExperience();
+    static void presentExperienceWithSettings(const OSTExperienceSettings &settings);
+    static void presentExperienceWithCompletion(std::function<void(bool presented)> completion);
+    static void presentExperienceWithSettings(const OSTExperienceSettings &settings,
+                                              std::function<void(bool presented)> completion);
+    static bool isPresentingExperience();
+    static void dismissExperience();
+    // The completion receives false when nothing was presented.
+    static void dismissExperienceWithCompletion(std::function<void(bool dismissed)> completion);
+    // Prepares the automatic experience without showing it: the completion receives it as a
+    // widget the host then owns and shows itself, or nullptr when there is nothing to show.
+    static void loadExperienceWithCompletion(std::function<void(QWidget *experience)> completion);
+    // The same for an OSTExperienceType value.
+    static void loadExperienceType(int type, std::function<void(QWidget *experience)> completion);
+
+    // --- Attribution and links ---------------------------------------------------------------------
+    // Hands the SDK a link the application was asked to open (for example, from its own
+    // single-instance handling). Returns whether it is one of the service's links ("OstrelLinkHosts"
+    // in Info.json, matching sub-domains too); the SDK then reports it and may open its deep link.
+    // Links given on the command line or opened through QDesktopServices in this process arrive
+    // without this call.
+    static bool continueUserActivity(const QUrl &webpageURL,
+                                     const QString &activityType = QStringLiteral("NSUserActivityTypeBrowsingWeb"));
+    // Asks the service for a tracking link for `targeting` (sent upper-cased) carrying
+    // `parameters`; the completion runs on the GUI thread with the link, or nullopt on failure.
+    static void getLinkForTargeting(const QString &targeting, const std::optional<QVariantMap> &parameters,
+                                    std::function<void(const std::optional<QString> &link)> completion);
+    // Once the launch has finished: how the application was installed, and how it was last opened
+    // by a link (the install attribution until a link reports otherwise). nullopt when unknown.
+    static void getInstallAttributionWithCompletion(
+        std::function<void(const std::optional<OSTAttribution> &attribution)> completion);
+    static void getLatestAttributionWithCompletion(
+        std::function<void(const std::optional<OSTAttribution> &attribution)> completion);
+    // Whether the advertising identifier (from a registered OSTAdvertisingIdentifierSource) may be
+    // sent; on by default.
+    static bool shouldUseIDFA();
+    static void setShouldUseIDFA(bool shouldUseIDFA);
+
+    // --- The current user -------------------------------------------------------------------
+    // Whether the application requires a logged-in user (default true, for this process only);
+    // reported with every launch and used to choose the experience to show.
+    static void setRequiresLogin(bool requiresLogin);
+    // A copy of the current user as it is now.
+    static OSTUser currentUser();
+    // The user signed up or logged in, with the application's own identifier for the user (""
+    // when none is given). The user's properties go to the service, which answers with the
+    // properties it holds for that identifier; they are merged into the user.
+    static void signUpUser();
+    static void signUpUserWithID(const QString &userID);
+    static void logInUser();
+    static void logInUserWithID(const QString &userID);
+    // Forgets the current user (identifier, name, properties); the installation stays one that
+    // has seen a log-in.
+    static void logOutUser();
+    // Adds properties to the current user and sends them. Dates are sent as the SDK's timestamp
+    // text; images (QImage) are saved in the SDK's folder as "<key>.png" and sent as that name;
+    // other values must be strings, numbers, booleans, lists or maps, else they are left out
+    // with a warning. Values equal to the current ones change nothing.
+    static void appendUserProperties(const QVariantMap &properties);
 
     // Sets how much the SDK writes to standard error (see OSTLoggingLevel).
     static void setLoggingLevel(unsigned level);

@@ -412,8 +412,12 @@ void OSTServiceManager::launchUnlessALinkWill(const QVariantMap &launchOptions)
             .value_or(QVariantMap());
     const QVariant userActivity = activityOptions.value(OSTApplicationLaunchOptionsUserActivityKey);
     if (userActivity.isValid() && m_sources.canHandleUserActivity
-        && m_sources.canHandleUserActivity(userActivity))
-        return; // the link's own request launches the SDK
+        && m_sources.canHandleUserActivity(userActivity)) {
+        // The link's own request launches the SDK.
+        if (m_sources.continueUserActivity)
+            m_sources.continueUserActivity(userActivity);
+        return;
+    }
     launch();
 }
 

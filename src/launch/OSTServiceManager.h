@@ -54,6 +54,8 @@ public:
         // Whether a user activity found in the launch options is a link whose own request
         // launches the SDK; default false.
         std::function<bool(const QVariant &userActivity)> canHandleUserActivity;
+        // Reports such a link to the service; its answer then launches (or cancels) the launch.
+        std::function<void(const QVariant &userActivity)> continueUserActivity;
     };
 
     static constexpr double firstLaunchTimeout = 3.0;

@@ -25,7 +25,13 @@ private:
     static void reportBundleProblems();
     static void connectManagers();
     static void connectEventManager();
-    static void connectFlowRegistry();
+    static void connectExperienceManager();
+    static void connectUserToExperience();
+    static void connectAttributionManager();
+    static void connectAttributionToEvents();
+    static void receiveLinks();
+    static void connectFacebookManager();
+    static void connectUserManager();
 };
 
 } // namespace ostrel

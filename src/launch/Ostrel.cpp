@@ -2,10 +2,13 @@
 
 #include "core/OSTLogging.h"
 #include "events/OSTEventManager.h"
+#include "experience/OSTExperienceManager.h"
 #include "launch/OSTServiceManager.h"
 #include "launch/OSTStartup.h"
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
+#include "users/OSTAttributionManager.h"
+#include "users/OSTUserManager.h"
 
 namespace ostrel {
 
@@ -72,6 +75,146 @@ bool Ostrel::eventsEnabled()
 void Ostrel::flushEvents()
 {
     OSTEventManager::sharedManager().flush(OSTEventManager::FlushKind::Immediate);
+}
+
+void Ostrel::setExperienceDelegate(const std::shared_ptr<OSTExperienceDelegate> &delegate)
+{
+    OSTExperienceManager::sharedManager().setExperienceDelegate(delegate);
+}
+
+void Ostrel::presentExperience()
+{
+    OSTExperienceManager::sharedManager().presentExperienceWithSettings(std::nullopt, nullptr);
+}
+
+void Ostrel::presentExperienceWithSettings(const OSTExperienceSettings &settings)
+{
+    OSTExperienceManager::sharedManager().presentExperienceWithSettings(settings, nullptr);
+}
+
+void Ostrel::presentExperienceWithCompletion(std::function<void(bool presented)> completion)
+{
+    OSTExperienceManager::sharedManager().presentExperienceWithSettings(std::nullopt, std::move(completion));
+}
+
+void Ostrel::presentExperienceWithSettings(const OSTExperienceSettings &settings,
+                                           std::function<void(bool presented)> completion)
+{
+    OSTExperienceManager::sharedManager().presentExperienceWithSettings(settings, std::move(completion));
+}
+
+bool Ostrel::isPresentingExperience()
+{
+    return OSTExperienceManager::sharedManager().isPresentingExperience();
+}
+
+void Ostrel::dismissExperience()
+{
+    OSTExperienceManager::sharedManager().dismissExperienceWithCompletion(nullptr);
+}
+
+void Ostrel::dismissExperienceWithCompletion(std::function<void(bool dismissed)> completion)
+{
+    OSTExperienceManager::sharedManager().dismissExperienceWithCompletion(std::move(completion));
+}
+
+void Ostrel::loadExperienceWithCompletion(std::function<void(QWidget *experience)> completion)
+{
+    loadExperienceType(OSTExperienceTypeAutomatic, std::move(completion));
+}
+
+void Ostrel::loadExperienceType(int type, std::function<void(QWidget *experience)> completion)
+{
+    OSTExperienceManager::sharedManager().loadExperienceType(type, std::move(completion));
+}
+
+bool Ostrel::continueUserActivity(const QUrl &webpageURL, const QString &activityType)
+{
+    OSTStartup::prepareProcess();
+    return OSTAttributionManager::sharedManager().continueUserActivity(activityType, webpageURL);
+}
+
+void Ostrel::getLinkForTargeting(const QString &targeting, const std::optional<QVariantMap> &parameters,
+                                 std::function<void(const std::optional<QString> &link)> completion)
+{
+    OSTStartup::prepareProcess();
+    OSTAttributionManager::sharedManager().getLinkForTargeting(targeting, parameters, std::move(completion));
+}
+
+void Ostrel::getInstallAttributionWithCompletion(
+    std::function<void(const std::optional<OSTAttribution> &attribution)> completion)
+{
+    OSTStartup::prepareProcess();
+    OSTAttributionManager::sharedManager().getInstallAttributionWithCompletion(std::move(completion));
+}
+
+void Ostrel::getLatestAttributionWithCompletion(
+    std::function<void(const std::optional<OSTAttribution> &attribution)> completion)
+{
+    OSTStartup::prepareProcess();
+    OSTAttributionManager::sharedManager().getLatestAttributionWithCompletion(std::move(completion));
+}
+
+bool Ostrel::shouldUseIDFA()
+{
+    return OSTAttributionManager::sharedManager().shouldUseIDFA();
+}
+
+void Ostrel::setShouldUseIDFA(bool shouldUseIDFA)
+{
+    OSTAttributionManager::sharedManager().setShouldUseIDFA(shouldUseIDFA);
+}
+
+namespace {
+
+// The user calls start the SDK's managers first, so that the user they meet is the stored one,
+// carried over from an older version where needed.
+OSTUserManager &userManager()
+{
+    OSTStartup::prepareProcess();
+    return OSTUserManager::sharedManager();
+}
+
+} // namespace
+
+void Ostrel::setRequiresLogin(bool requiresLogin)
+{
+    userManager().setRequiresLogin(requiresLogin);
+}
+
+OSTUser Ostrel::currentUser()
+{
+    return userManager().currentUser();
+}
+
+void Ostrel::signUpUser()
+{
+    userManager().signUpUser();
+}
+
+void Ostrel::signUpUserWithID(const QString &userID)
+{
+    userManager().signUpUserWithID(userID);
+}
+
+void Ostrel::logInUser()
+{
+    userManager().logInUser();
+}
+
+void Ostrel::logInUserWithID(const QString &userID)
+{
+    userManager().logInUserWithID(userID);
+}
+
+void Ostrel::logOutUser()
+{
+    userManager().logOutUser();
+}
+
+void Ostrel::appendUserProperties(const QVariantMap &properties)
+{
+    userManager().appendUserProperties(properties, OSTUserManager::Delivery::Send);
 }
 
 void Ostrel::setLoggingLevel(unsigned level)

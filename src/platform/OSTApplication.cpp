@@ -87,6 +87,16 @@ QVariantMap OSTApplication::launchOptionsUserInfo(const OSTLaunchOptions &option
              QVariantMap{{OSTApplicationLaunchOptionsUserActivityKey, options.openedURL}}}};
 }
 
+QUrl OSTApplication::linkFromArguments(const QStringList &arguments)
+{
+    for (const QString &argument : arguments.mid(1)) {
+        const QUrl url(argument, QUrl::StrictMode);
+        if (url.isValid() && (url.scheme() == QLatin1StringView("http") || url.scheme() == QLatin1StringView("https")) && !url.host().isEmpty())
+            return url;
+    }
+    return {};
+}
+
 void OSTApplication::attachToQtApplication()
 {
     sharedApplication().followQtApplication();
@@ -98,7 +108,7 @@ void OSTApplication::followQtApplication()
     moveToThread(application->thread());
     // The first turn of the event loop is when the host has finished launching.
     QTimer::singleShot(0, this, [this] {
-        finishLaunching();
+        finishLaunching(launchOptionsUserInfo({.openedURL = linkFromArguments(QCoreApplication::arguments())}));
         followQtState();
     });
     connect(application, &QCoreApplication::aboutToQuit, this, &OSTApplication::terminate);

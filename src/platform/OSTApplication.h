@@ -4,6 +4,8 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
+#include <QUrl>
 #include <QVariantMap>
 
 class QGuiApplication;
@@ -64,6 +66,10 @@ public:
     void finishLaunching(const QVariantMap &launchOptions = {});
     // The user info of did-finish-launching for the host's launch options.
     static QVariantMap launchOptionsUserInfo(const OSTLaunchOptions &options);
+    // On a desktop a link opens an application as a command-line argument: the first http(s)
+    // address among `arguments` (the program name skipped), or an empty URL. Followed by Qt, the
+    // application finishes launching with it as the opened URL.
+    static QUrl linkFromArguments(const QStringList &arguments);
     // Each moves to the named state, posting the notifications of every step on the way
     // (becoming active from the background first enters the foreground, for example).
     void becomeActive();

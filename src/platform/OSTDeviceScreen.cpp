@@ -23,6 +23,14 @@ QRectF OSTDeviceScreen::bounds()
     return geometry;
 }
 
+double OSTDeviceScreen::scale()
+{
+    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+        return 1.0;
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen ? screen->devicePixelRatio() : 1.0;
+}
+
 double OSTDeviceScreen::statusBarHeight()
 {
     return 0.0;

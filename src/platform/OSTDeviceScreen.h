@@ -18,6 +18,9 @@ public:
     // orientation the screen has; the fallback without a screen.
     static QRectF bounds();
 
+    // Device pixels per device-independent pixel of the primary screen; 1 without a screen.
+    static double scale();
+
     // The height of the system status bar above the application's content. Desktop windows
     // have none, so 0.
     static double statusBarHeight();

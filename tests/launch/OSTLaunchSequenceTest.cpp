@@ -112,7 +112,7 @@ TEST_F(LaunchSequence, FirstLaunchIsAnInstallAndReleasesTheWaitingWork)
     EXPECT_EQ(parameters.value(u"token"_s), u"test-token"_s);
     EXPECT_EQ(parameters.value(u"ost_resend"_s), false);
     EXPECT_EQ(parameters.value(u"logged_in_lifetime"_s), false);
-    EXPECT_EQ(parameters.value(u"requires_login"_s), false);
+    EXPECT_EQ(parameters.value(u"requires_login"_s), true) << "required until the host says otherwise";
     EXPECT_EQ(parameters.value(u"user_id"_s), u""_s);
     EXPECT_EQ(parameters.value(u"advertiser_id"_s), u""_s);
 

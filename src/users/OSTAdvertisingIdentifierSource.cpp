@@ -1,0 +1,7 @@
+#include <ostrel/OSTAdvertisingIdentifierSource.h>
+
+namespace ostrel {
+
+OSTAdvertisingIdentifierSource::~OSTAdvertisingIdentifierSource() = default;
+
+} // namespace ostrel

@@ -1,0 +1,7 @@
+#include <ostrel/OSTFacebookAdapter.h>
+
+namespace ostrel {
+
+OSTFacebookAdapter::~OSTFacebookAdapter() = default;
+
+} // namespace ostrel
