@@ -65,6 +65,7 @@ namespace ostrel {
 // and again after each choice. The picker keeps the delegate weakly (QPointer): it lives with
 // the screen like the picker.
 //
+// A required background image reports through backgroundView()'s requiredImageFinished().
 // A picker always holds a valid choice: attaching a model marks it valid.
 //
 // Lives on the GUI thread; owned by its parent widget; the wheel's popup is its child.

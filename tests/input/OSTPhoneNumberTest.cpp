@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <thread>
+#include <vector>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -175,6 +177,36 @@ TEST_F(PhoneVerificationTest, AFailedRequestKeepsTheEarlierNumberAndCanBeRetried
     ASSERT_TRUE(verify(u"5550000002"_s)) << "a retry goes through";
     EXPECT_TRUE(manager.validatePIN(*server.verificationPin(u"5550000002"_s)));
     EXPECT_FALSE(manager.validatePIN(firstPIN));
+}
+
+TEST_F(PhoneVerificationTest, ConcurrentVerificationsLeaveOneConsistentNumberAndPIN)
+{
+    Manager &manager = Manager::sharedManager();
+    constexpr int threadCount = 6;
+    std::atomic<int> answered = 0;
+    std::atomic<int> accepted = 0;
+    std::vector<std::thread> threads;
+    for (int index = 0; index < threadCount; ++index) {
+        threads.emplace_back([index, &manager, &answered, &accepted] {
+            manager.validatePhoneNumber(u"55500001%1"_s.arg(index, 2, 10, QLatin1Char('0')), [&](bool verified) {
+                accepted += verified ? 1 : 0;
+                ++answered;
+            });
+            // Readers on other threads meanwhile see either nothing or a whole pair.
+            (void)manager.validatePIN(u"0000"_s);
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    ASSERT_TRUE(test::waitUntil([&answered] { return answered == threadCount; }));
+    EXPECT_EQ(accepted, threadCount);
+    EXPECT_EQ(server.recordedRequests(u"verify_phone_number"_s).size(), threadCount);
+
+    const std::optional<QString> number = manager.lastPhoneNumber();
+    ASSERT_TRUE(number);
+    EXPECT_TRUE(number->startsWith(u"55500001"_s));
+    EXPECT_EQ(manager.lastVerificationPIN(), server.verificationPin(*number)) << "the number and its PIN belong together";
+    EXPECT_TRUE(manager.validatePIN(*server.verificationPin(*number)));
 }
 
 } // namespace

@@ -258,6 +258,8 @@ TEST(TextField, TheInvalidLookShowsAfterEditingWithItsMessageForAssistiveTechnol
     EXPECT_TRUE(model->shouldShowErrorMessage());
     EXPECT_EQ(field->accessibleDescription(), u"Too short."_s);
     EXPECT_EQ(field->palette().color(QPalette::Text), QColor(0, 255, 0));
+    EXPECT_TRUE(test::colorNear(test::pixelAt(test::capture(*field, 1), {295, 20}), QColor(255, 0, 0)))
+        << "the invalid look is drawn behind the text";
 
     field->setFocus();
     EXPECT_FALSE(field->showsInvalidLook());
@@ -267,6 +269,7 @@ TEST(TextField, TheInvalidLookShowsAfterEditingWithItsMessageForAssistiveTechnol
     EXPECT_TRUE(model->isValid());
     EXPECT_FALSE(field->showsInvalidLook());
     EXPECT_EQ(field->accessibleDescription(), u""_s);
+    EXPECT_TRUE(test::colorNear(test::pixelAt(test::capture(*field, 1), {295, 20}), QColor(255, 255, 255)));
 
     // A restored value shows its errors at once and is not judged again; other types are ignored.
     OSTTextField *rebuilt = fieldIn(window, R"({"minLength": 3, "maxLength": 10})", u"nickname"_s);
