@@ -85,7 +85,10 @@ OSTPicker::OSTPicker(const QRect &frame, const QVariantMap &properties, const QS
     customizeWithProperties(properties);
 }
 
-OSTPicker::~OSTPicker() = default;
+OSTPicker::~OSTPicker()
+{
+    deletePopup();
+}
 
 void OSTPicker::customizeWithProperties(const QVariantMap &properties)
 {
@@ -100,13 +103,23 @@ void OSTPicker::customizeWithProperties(const QVariantMap &properties)
     buildWheel(ost_dictionaryForKey(properties, u"picker"_s).value_or(QVariantMap()));
 }
 
-void OSTPicker::discardWheel()
+void OSTPicker::deletePopup()
 {
+    // A wheel being destroyed may still report a change of row; nobody must hear it, or the
+    // item model would store an empty choice while the screen is torn down.
+    for (QWidget *wheel : {static_cast<QWidget *>(m_listWheel), static_cast<QWidget *>(m_dateWheel)})
+        if (wheel)
+            disconnect(wheel, nullptr, this, nullptr);
     delete m_popup;
     m_popup = nullptr;
     m_toolbar = nullptr;
     m_listWheel = nullptr;
     m_dateWheel = nullptr;
+}
+
+void OSTPicker::discardWheel()
+{
+    deletePopup();
     m_customData.clear();
     m_country.clear();
     m_countryCode.clear();

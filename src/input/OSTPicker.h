@@ -127,6 +127,7 @@ private:
     void buildDateWheel(const QVariantMap &picker);
     void buildToolbar(const QVariantMap &properties);
     void discardWheel();
+    void deletePopup();
     void chooseRow(qsizetype row);
     void dateChanged();
     void finishWithDone();

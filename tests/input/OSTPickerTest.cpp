@@ -122,6 +122,11 @@ TEST(Picker, CustomPickerOffersItsStringsAndAnEmptyOneCannotBeOpened)
     picker->setValue(u"Red"_s);
     EXPECT_EQ(picker->value(), u"Red"_s);
 
+    // The screen goes away; the item keeps the user's choice for the next build of the screen.
+    delete picker;
+    EXPECT_EQ(model->value(), u"Red"_s);
+    EXPECT_EQ(model->item(), nullptr);
+
     for (const char *properties : {R"({"picker": {"pickerData": []}})", R"({"picker": {"pickerData": "Red"}})",
                                    R"({"picker": {"pickerData": [1, {}]}})", R"({"picker": []})", R"({})"}) {
         SCOPED_TRACE(properties);
