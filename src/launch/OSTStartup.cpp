@@ -8,6 +8,7 @@
 #include "experience/OSTExperienceManager.h"
 #include "experience/OSTFlowManager.h"
 #include "launch/OSTMigration.h"
+#include "input/OSTPhoneNumberManager.h"
 #include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "network/OSTRequestManager.h"
@@ -80,6 +81,7 @@ void OSTStartup::connectManagers()
     connectExperienceManager();
     connectFacebookManager();
     connectUserManager();
+    connectPhoneNumberVerification();
 }
 
 void OSTStartup::connectExperienceManager()
@@ -189,6 +191,11 @@ void OSTStartup::receiveLinks()
     OSTURLOpener::setLinkReceiver([](const QUrl &url) {
         return OSTAttributionManager::sharedManager().continueUserActivity(OSTUserActivityTypeBrowsingWeb, url);
     });
+}
+
+void OSTStartup::connectPhoneNumberVerification()
+{
+    OSTPhoneNumberManager::connectTokenSource([] { return OSTServiceManager::sharedManager().token(); });
 }
 
 void OSTStartup::reportBundleProblems()

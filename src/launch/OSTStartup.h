@@ -32,6 +32,7 @@ private:
     static void receiveLinks();
     static void connectFacebookManager();
     static void connectUserManager();
+    static void connectPhoneNumberVerification();
 };
 
 } // namespace ostrel
