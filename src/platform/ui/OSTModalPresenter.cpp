@@ -139,6 +139,7 @@ void OSTModalPresenter::showAsOwnWindow()
 void OSTModalPresenter::fade(double from, double to, OSTAnimation animation, std::function<void()> done)
 {
     QWidget *view = m_controller->view();
+    // A view with an effect of its own is not faded: a widget holds only one effect at a time.
     if (animation == OSTAnimation::Immediate || m_transitionMilliseconds <= 0 || view->graphicsEffect()) {
         done();
         return;
