@@ -6,6 +6,7 @@
 #include "events/OSTEventSources.h"
 #include "events/OSTStatisticalEvent.h"
 #include "experience/OSTFlowManager.h"
+#include "input/OSTPhoneNumberManager.h"
 #include "launch/OSTServiceManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "network/OSTRequestManager.h"
@@ -58,6 +59,7 @@ void OSTStartup::connectManagers()
     OSTServiceManager::sharedManager();
     connectEventManager();
     connectFlowRegistry();
+    connectPhoneNumberVerification();
 }
 
 void OSTStartup::connectFlowRegistry()
@@ -74,6 +76,11 @@ void OSTStartup::connectFlowRegistry()
                                               if (response)
                                                   flows.loadLaunchResponse(*response);
                                           });
+}
+
+void OSTStartup::connectPhoneNumberVerification()
+{
+    OSTPhoneNumberManager::connectTokenSource([] { return OSTServiceManager::sharedManager().token(); });
 }
 
 void OSTStartup::reportBundleProblems()

@@ -26,6 +26,7 @@ private:
     static void connectManagers();
     static void connectEventManager();
     static void connectFlowRegistry();
+    static void connectPhoneNumberVerification();
 };
 
 } // namespace ostrel

@@ -8,7 +8,10 @@
 #include "experience/OSTScreen.h"
 #include "input/OSTButton.h"
 #include "input/OSTImagePickerButton.h"
+#include "input/OSTInput.h"
+#include "input/OSTPicker.h"
 #include "input/OSTSwitch.h"
+#include "input/OSTTextField.h"
 #include "platform/OSTDeviceScreen.h"
 #include "presentation/OSTScreenViewDelegate.h"
 #include "render/OSTBackgroundView.h"
@@ -61,7 +64,8 @@ std::optional<QVariantMap> parseScreenJson(const QString &text)
 bool isControl(const QWidget *widget, const QWidget *page)
 {
     for (; widget && widget != page; widget = widget->parentWidget()) {
-        if (qobject_cast<const OSTButton *>(widget) || qobject_cast<const OSTSwitch *>(widget))
+        if (qobject_cast<const OSTButton *>(widget) || qobject_cast<const OSTSwitch *>(widget)
+            || qobject_cast<const OSTTextField *>(widget) || qobject_cast<const OSTPicker *>(widget))
             return true;
     }
     return false;
@@ -105,6 +109,8 @@ OSTScreenView::OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, con
     loadPlainViews(u"groups"_s);
     loadLabels();
     loadButtons();
+    loadSelectionGroups();
+    loadInputs();
     fillContentView();
     fillGroups();
     m_loaded = true;
@@ -231,6 +237,61 @@ void OSTScreenView::loadButtons()
     });
 }
 
+void OSTScreenView::loadSelectionGroups()
+{
+    const QVariantMap groups = category(u"selectionGroups"_s);
+    for (auto entry = groups.cbegin(); entry != groups.cend(); ++entry) {
+        if (entry.value().typeId() != QMetaType::QVariantMap)
+            continue;
+        auto *group = new OSTSelectionGroup(entry.value().toMap(), entry.key(), this);
+        group->setDelegate(this);
+        // Member buttons answer to their group, not on their own.
+        QList<OSTButton *> members;
+        for (const QString &key : group->elementKeys()) {
+            if (auto *button = qobject_cast<OSTButton *>(m_views.value(key))) {
+                members.append(button);
+                m_validationItems.remove(key);
+            }
+        }
+        group->setElements(members);
+        m_validationItems.insert(entry.key(), group);
+    }
+}
+
+void OSTScreenView::loadInputs()
+{
+    QList<OSTInput *> inputs;
+    OSTPicker *countryPicker = nullptr;
+    OSTTextField *phoneField = nullptr;
+    loadCategory(u"inputs"_s, [&](const QString &key, const QRect &frame, const QVariantMap &properties) -> QWidget * {
+        OSTInput *input = nullptr;
+        QWidget *view = nullptr;
+        if (ost_dictionaryForKey(properties, u"picker"_s)) {
+            auto *picker = new OSTPicker(frame, properties, key, m_contentView);
+            if (picker->backgroundView())
+                watchRequiredImages(picker->backgroundView());
+            if (picker->type() == OSTPickerTypeCountryCode)
+                countryPicker = picker;
+            m_validationItems.insert(key, picker);
+            input = picker;
+            view = picker;
+        } else {
+            auto *field = new OSTTextField(frame, properties, key, m_contentView);
+            if (field->type() == OSTTextFieldTypePhoneNumber || field->type() == OSTTextFieldTypePhoneNumberValidated)
+                phoneField = field;
+            m_validationItems.insert(key, field);
+            input = field;
+            view = field;
+        }
+        input->setInputProtocolDelegate([this](OSTInput &returned) { inputDidTapReturn(returned); });
+        inputs.append(input);
+        return view;
+    });
+    OSTInput::chainInputs(inputs);
+    if (countryPicker && phoneField)
+        countryPicker->setDelegate(phoneField);
+}
+
 void OSTScreenView::fillContentView()
 {
     // Raising in order stacks later views on top; the background goes first so it lies lowest.
@@ -336,6 +397,35 @@ void OSTScreenView::buttonTapped(OSTButton *button)
 void OSTScreenView::switchTapped()
 {
     OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*m_screen));
+}
+
+void OSTScreenView::inputDidTapReturn(OSTInput &input)
+{
+    const auto *field = qobject_cast<const OSTTextField *>(&input.inputWidget());
+    if (!field)
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForPickerReturn(*m_screen));
+    else if (field->type() == OSTTextFieldTypePhoneNumberPin && field->isAutoSubmit())
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldPINMatch(*m_screen));
+    else
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldReturn(*m_screen));
+    if (const auto delegate = lockedDelegate())
+        delegate->screenViewShouldGoToNextScreen(*this);
+}
+
+void OSTScreenView::selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
+                                               const std::shared_ptr<const OSTAction> &action)
+{
+    const OSTInternalEvent::SelectionGroupTap tap{group.name(), buttonName,
+                                                  group.valueForElementWithKey(buttonName).toString(),
+                                                  action ? action->name() : QString()};
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSelectionGroup(tap, *m_screen));
+}
+
+bool OSTScreenView::selectionGroupShouldHandleAction(OSTSelectionGroup &, const std::shared_ptr<const OSTAction> &action)
+{
+    if (const auto delegate = lockedDelegate())
+        delegate->screenViewShouldHandleAction(*this, action);
+    return true;
 }
 
 void OSTScreenView::tapRecognized()

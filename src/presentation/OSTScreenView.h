@@ -1,5 +1,6 @@
 #pragma once
 
+#include "input/OSTSelectionGroup.h"
 #include "platform/OSTClock.h"
 #include "platform/ui/OSTViewController.h"
 
@@ -21,8 +22,10 @@ class QScrollArea;
 
 namespace ostrel {
 
+class OSTAction;
 class OSTButton;
 class OSTImageView;
+class OSTInput;
 class OSTLabel;
 class OSTLayoutManager;
 class OSTScreen;
@@ -49,8 +52,9 @@ class OSTView;
 //
 // Lives on the GUI thread; owned by its parent widget (the screen controller's view). Element
 // views are its descendants.
-class OSTScreenView final : public QWidget {
+class OSTScreenView final : public QWidget, public OSTSelectionGroupDelegate {
     Q_OBJECT
+    Q_INTERFACES(ostrel::OSTSelectionGroupDelegate)
 
 public:
     // Replaces the dynamic variables in the screen JSON text; identity when none is given.
@@ -108,6 +112,12 @@ public:
     // `parentOrigin` in screen coordinates (see the rounding rule above).
     static QRect pixelGeometry(const QRectF &frame, QPointF parentOrigin);
 
+    // OSTSelectionGroupDelegate
+    void selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
+                                    const std::shared_ptr<const OSTAction> &action) override;
+    bool selectionGroupShouldHandleAction(OSTSelectionGroup &group,
+                                          const std::shared_ptr<const OSTAction> &action) override;
+
 protected:
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -127,6 +137,8 @@ private:
     void loadImages();
     void loadLabels();
     void loadButtons();
+    void loadSelectionGroups();
+    void loadInputs();
     void fillContentView();
     void fillGroups();
     void placeInGroup(const QString &key, OSTView &group);
@@ -136,6 +148,7 @@ private:
     void requiredImageFinished();
     void buttonTapped(OSTButton *button);
     void switchTapped();
+    void inputDidTapReturn(OSTInput &input);
     void tapRecognized();
     void contentScrolled(int offset);
 

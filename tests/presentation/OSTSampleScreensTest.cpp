@@ -70,19 +70,24 @@ double differingShare(const QImage &actual, const QImage &expected, int toleranc
     return double(differing) / (double(actual.width()) * actual.height());
 }
 
-TEST(SampleScreens, WelcomeScreenMatchesItsReference)
+const QStringList sampleNames = {u"welcome"_s, u"signup"_s};
+
+TEST(SampleScreens, EachSampleMatchesItsReference)
 {
-    const QImage rendered = renderSample(u"welcome"_s);
-    ASSERT_EQ(rendered.size(), QSize(750, 1334));
-    const QString reference = testFolder().filePath(u"references/welcome.png"_s);
-    if (qEnvironmentVariableIsSet("OSTREL_UPDATE_REFERENCES")) {
-        ASSERT_TRUE(rendered.save(reference));
+    for (const QString &name : sampleNames) {
+        SCOPED_TRACE(name.toStdString());
+        const QImage rendered = renderSample(name);
+        ASSERT_EQ(rendered.size(), QSize(750, 1334));
+        const QString reference = testFolder().filePath(u"references/%1.png"_s.arg(name));
+        if (qEnvironmentVariableIsSet("OSTREL_UPDATE_REFERENCES")) {
+            ASSERT_TRUE(rendered.save(reference));
+        }
+        const QImage expected = QImage(reference).convertToFormat(QImage::Format_ARGB32);
+        ASSERT_FALSE(expected.isNull()) << "no reference at " << reference.toStdString();
+        // Small tolerance for antialiasing and font rasterisation; a moved or recoloured element
+        // changes far more than this.
+        EXPECT_LT(differingShare(rendered, expected, 8), 0.002);
     }
-    const QImage expected = QImage(reference).convertToFormat(QImage::Format_ARGB32);
-    ASSERT_FALSE(expected.isNull()) << "no reference at " << reference.toStdString();
-    // Small tolerance for antialiasing and font rasterisation; a moved or recoloured element
-    // changes far more than this.
-    EXPECT_LT(differingShare(rendered, expected, 8), 0.002);
 }
 
 TEST(SampleScreens, PreviewWritesExactlyWhatTheScreenViewRenders)
@@ -90,18 +95,21 @@ TEST(SampleScreens, PreviewWritesExactlyWhatTheScreenViewRenders)
 #ifndef OSTREL_PREVIEW_PATH
     GTEST_SKIP() << "ostrel-preview is not built";
 #else
-    const QImage rendered = renderSample(u"welcome"_s);
-    QTemporaryDir output;
-    QProcess preview;
-    preview.start(QString::fromUtf8(OSTREL_PREVIEW_PATH),
-                  {testFolder().filePath(u"samples/welcome.json"_s), u"--size"_s, u"375x667"_s, u"--ratio"_s, u"2"_s,
-                   u"--var"_s, u"first_name=Ada"_s, u"--images"_s, testFolder().filePath(u"samples"_s), u"-o"_s,
-                   output.filePath(u"welcome.png"_s)});
-    ASSERT_TRUE(preview.waitForFinished(60000));
-    EXPECT_EQ(preview.exitCode(), 0) << preview.readAllStandardError().toStdString();
-    const QImage written = QImage(output.filePath(u"welcome.png"_s)).convertToFormat(QImage::Format_ARGB32);
-    ASSERT_EQ(written.size(), rendered.size());
-    EXPECT_EQ(differingShare(written, rendered, 0), 0.0);
+    for (const QString &name : sampleNames) {
+        SCOPED_TRACE(name.toStdString());
+        const QImage rendered = renderSample(name);
+        QTemporaryDir output;
+        QProcess preview;
+        preview.start(QString::fromUtf8(OSTREL_PREVIEW_PATH),
+                      {testFolder().filePath(u"samples/%1.json"_s.arg(name)), u"--size"_s, u"375x667"_s, u"--ratio"_s,
+                       u"2"_s, u"--var"_s, u"first_name=Ada"_s, u"--images"_s, testFolder().filePath(u"samples"_s),
+                       u"-o"_s, output.filePath(u"out.png"_s)});
+        ASSERT_TRUE(preview.waitForFinished(60000));
+        EXPECT_EQ(preview.exitCode(), 0) << preview.readAllStandardError().toStdString();
+        const QImage written = QImage(output.filePath(u"out.png"_s)).convertToFormat(QImage::Format_ARGB32);
+        ASSERT_EQ(written.size(), rendered.size());
+        EXPECT_EQ(differingShare(written, rendered, 0), 0.0);
+    }
 #endif
 }
 

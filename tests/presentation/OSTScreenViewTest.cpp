@@ -3,6 +3,10 @@
 
 #include "OSTScreenTestSupport.h"
 
+#include "input/OSTInput.h"
+#include "input/OSTPicker.h"
+#include "input/OSTSelectionGroup.h"
+#include "input/OSTTextField.h"
 #include "render/OSTLabel.h"
 #include "render/OSTLayoutManager.h"
 #include "render/OSTView.h"
@@ -272,6 +276,72 @@ TEST(ScreenView, ResizingLaysTheScreenOutAgainOnceForABurstOfSizes)
     EXPECT_EQ(view->layoutManager().baseElement()->frame().size(), QSizeF(800, 600));
     EXPECT_EQ(view->contentView()->size(), QSize(800, 600));
     EXPECT_EQ(time.clock().pendingTimerCount(), 0);
+}
+
+QString field(const QString &key, int order, const QString &extra = {})
+{
+    return uR"("%1": {"x": "10", "y": "%2", "width": "200", "height": "40", "inputOrder": "%3"%4})"_s
+        .arg(key)
+        .arg(order * 50)
+        .arg(order)
+        .arg(extra.isEmpty() ? QString() : u", "_s + extra);
+}
+
+TEST(ScreenView, InputsChainInInputOrderAndTheLastReturnMovesToTheNextScreen)
+{
+    test::OSTEventRecorder events;
+    RecordingScreenViewDelegate delegate;
+    const auto view = screenView(uR"({"inputs": {%1, %2, %3}})"_s.arg(field(u"a"_s, 3), field(u"b"_s, 1),
+                                                                       field(u"c"_s, 2, uR"("picker": {"pickerData": ["x", "y"]})"_s)));
+    ASSERT_TRUE(view);
+    view->setDelegate(&delegate);
+    const auto input = [&](const QString &key) {
+        QWidget *widget = view->views().value(key);
+        if (auto *text = qobject_cast<OSTTextField *>(widget))
+            return static_cast<OSTInput *>(text);
+        return static_cast<OSTInput *>(qobject_cast<OSTPicker *>(widget));
+    };
+    ASSERT_TRUE(input(u"c"_s));
+    EXPECT_EQ(input(u"b"_s)->nextInput(), view->views().value(u"c"_s));
+    EXPECT_EQ(input(u"c"_s)->nextInput(), view->views().value(u"a"_s));
+    EXPECT_EQ(input(u"a"_s)->nextInput(), nullptr);
+    EXPECT_EQ(view->validationItems().size(), 3);
+
+    view->show();
+    view->views().value(u"a"_s)->setFocus();
+    QTest::keyClick(view->views().value(u"a"_s), Qt::Key_Return);
+    EXPECT_EQ(delegate.calls, QStringList{u"next"_s});
+    const auto returns = events.parametersOf(u"OST Welcome Action Tapped"_s);
+    ASSERT_EQ(returns.size(), 1u);
+    EXPECT_EQ(returns.front().value(u"action_name"_s), u"textFieldReturn"_s);
+
+    const auto single = screenView(uR"({"inputs": {%1}})"_s.arg(field(u"only"_s, 5)));
+    ASSERT_TRUE(single);
+    EXPECT_EQ(qobject_cast<OSTTextField *>(single->views().value(u"only"_s))->nextInput(), nullptr);
+}
+
+TEST(ScreenView, SelectionGroupsTakeTheirButtonsValidationAndPassTheirActionOn)
+{
+    test::OSTEventRecorder events;
+    RecordingScreenViewDelegate delegate;
+    const auto view = screenView(uR"({
+        "buttons": {"free": {"x": "0", "y": "0", "width": "100", "height": "40", "buttonType": "toggle", %1},
+                    "plus": {"x": "0", "y": "50", "width": "100", "height": "40", "buttonType": "toggle", %1},
+                    "alone": {"x": "0", "y": "100", "width": "100", "height": "40", %1}},
+        "selectionGroups": {"plan": {"elements": {"free": "F", "plus": "P", "ghost": "G"}, "maximumSelection": "1",
+                                     "onClick": {"func": "next"}},
+                            "broken": 7}})"_s.arg(QString::fromUtf8(buttonStates)));
+    ASSERT_TRUE(view);
+    view->setDelegate(&delegate);
+    EXPECT_EQ(view->validationItems().keys(), (QStringList{u"alone"_s, u"plan"_s}));
+    view->show();
+    QTest::mouseClick(view->views().value(u"plus"_s), Qt::LeftButton);
+    EXPECT_EQ(delegate.calls, QStringList{u"action next"_s});
+    const auto taps = events.parametersOf(u"OST Welcome Action Tapped"_s);
+    ASSERT_EQ(taps.size(), 1u);
+    EXPECT_EQ(taps.front().value(u"action_type"_s), u"selectionGroup"_s);
+    EXPECT_EQ(taps.front().value(u"button_id"_s), u"plus"_s);
+    EXPECT_EQ(taps.front().value(u"button_value"_s), u"P"_s);
 }
 
 } // namespace

@@ -1,0 +1,48 @@
+#include "input/OSTInput.h"
+
+#include "core/OSTDictionaryHelpers.h"
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+OSTInput::OSTInput(QWidget &widget, int inputPosition)
+    : m_widget(widget),
+      m_inputPosition(inputPosition)
+{
+}
+
+int OSTInput::inputPositionWithProperties(const QVariantMap &properties)
+{
+    const double position = ost_finiteDouble(ost_numberForKey(properties, u"inputOrder"_s)).value_or(0);
+    return int(std::clamp(position, double(std::numeric_limits<int>::min()), double(std::numeric_limits<int>::max())));
+}
+
+void OSTInput::chainInputs(QList<OSTInput *> inputs)
+{
+    inputs.removeAll(nullptr);
+    std::stable_sort(inputs.begin(), inputs.end(),
+                     [](const OSTInput *a, const OSTInput *b) { return a->inputPosition() < b->inputPosition(); });
+    for (qsizetype index = 0; index < inputs.size(); ++index) {
+        const bool isLast = index + 1 == inputs.size();
+        inputs[index]->setNextInput(isLast ? nullptr : &inputs[index + 1]->inputWidget());
+        if (!isLast)
+            QWidget::setTabOrder(&inputs[index]->inputWidget(), &inputs[index + 1]->inputWidget());
+    }
+}
+
+void OSTInput::handOnFocus()
+{
+    if (m_nextInput) {
+        m_nextInput->setFocus(Qt::TabFocusReason);
+        return;
+    }
+    if (m_returnHandler)
+        m_returnHandler(*this);
+    m_widget.clearFocus();
+}
+
+} // namespace ostrel

@@ -1,0 +1,186 @@
+#include "input/OSTSelectionGroup.h"
+
+#include "core/OSTDictionaryHelpers.h"
+#include "core/OSTLogging.h"
+#include "experience/OSTAction.h"
+#include "input/OSTButton.h"
+#include "input/OSTValidationItemModel.h"
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+int boundForKey(const QVariantMap &properties, const QString &key)
+{
+    const double number = ost_finiteDouble(ost_numberForKey(properties, key)).value_or(0);
+    return int(std::clamp(number, 0.0, double(std::numeric_limits<int>::max())));
+}
+
+} // namespace
+
+OSTSelectionGroup::OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent)
+    : QObject(parent),
+      m_name(name),
+      m_maximumSelection(boundForKey(properties, u"maximumSelection"_s)),
+      m_minimumSelection(boundForKey(properties, u"minimumSelection"_s))
+{
+    readElements(properties);
+    if (const std::optional<QVariantMap> onClick = ost_dictionaryForKey(properties, u"onClick"_s))
+        m_action = std::make_shared<const OSTAction>(*onClick);
+}
+
+OSTSelectionGroup::~OSTSelectionGroup() = default;
+
+void OSTSelectionGroup::readElements(const QVariantMap &properties)
+{
+    const QVariantMap elements = ost_dictionaryForKey(properties, u"elements"_s).value_or(QVariantMap());
+    for (auto entry = elements.constBegin(); entry != elements.constEnd(); ++entry) {
+        QVariant value;
+        if (entry.value().metaType() == QMetaType::fromType<QString>())
+            value = entry.value();
+        else if (const QVariant number = ost_numberForKey(elements, entry.key()); !number.isNull())
+            value = number;
+        else if (const std::optional<QVariantMap> dictionary = ost_dictionaryForKey(elements, entry.key()))
+            value = *dictionary;
+        if (value.isNull()) {
+            OSTLogging::logDebug(u"The selection group \"%1\" skips \"%2\": its value is no string, number or dictionary."_s,
+                                 m_name, entry.key());
+            continue;
+        }
+        m_elementKeys.append(entry.key());
+        m_values.append(value);
+    }
+}
+
+QList<OSTButton *> OSTSelectionGroup::elements() const
+{
+    QList<OSTButton *> buttons;
+    for (const QPointer<OSTButton> &button : m_elements)
+        if (button)
+            buttons.append(button);
+    return buttons;
+}
+
+void OSTSelectionGroup::setElements(const QList<OSTButton *> &buttons)
+{
+    for (const QPointer<OSTButton> &button : std::as_const(m_elements))
+        if (button)
+            disconnect(button, &OSTButton::tapped, this, nullptr);
+    m_elements.clear();
+    for (OSTButton *button : buttons) {
+        if (!button)
+            continue;
+        // A member button does nothing on its own: only the group decides its selected state.
+        disconnect(button, &OSTButton::tapped, nullptr, nullptr);
+        button->setCheckable(true);
+        connect(button, &OSTButton::tapped, this, [this](OSTButton *tapped) {
+            // The click has already toggled the button; the group decides instead.
+            tapped->setChecked(!tapped->isChecked());
+            elementTapped(tapped);
+        });
+        m_elements.append(button);
+    }
+}
+
+void OSTSelectionGroup::setDelegate(QObject *delegate)
+{
+    m_delegate = qobject_cast<OSTSelectionGroupDelegate *>(delegate) ? delegate : nullptr;
+}
+
+OSTSelectionGroupDelegate *OSTSelectionGroup::delegate() const
+{
+    return qobject_cast<OSTSelectionGroupDelegate *>(m_delegate.data());
+}
+
+int OSTSelectionGroup::currentSelection() const
+{
+    const QList<OSTButton *> buttons = elements();
+    return int(std::count_if(buttons.begin(), buttons.end(), [](const OSTButton *button) { return button->isChecked(); }));
+}
+
+QVariant OSTSelectionGroup::valueForElementWithKey(const QString &key) const
+{
+    const qsizetype index = m_elementKeys.indexOf(key);
+    return index >= 0 ? m_values.at(index) : QVariant();
+}
+
+void OSTSelectionGroup::elementTapped(OSTButton *button)
+{
+    if (!button)
+        return;
+    const QString buttonName = button->name();
+    if (m_maximumSelection >= 2 && !button->isChecked() && currentSelection() >= m_maximumSelection) {
+        if (OSTSelectionGroupDelegate *target = delegate())
+            target->selectionGroupDidTapButton(*this, buttonName, nullptr);
+        return;
+    }
+    if (m_maximumSelection == 1 && !button->isChecked())
+        for (OSTButton *member : elements())
+            member->setChecked(false);
+    button->setChecked(!button->isChecked());
+
+    if (const std::shared_ptr<OSTValidationItemModel> itemModel = model())
+        itemModel->valueChanged();
+    validate();
+
+    std::shared_ptr<const OSTAction> releasedAction;
+    if (OSTSelectionGroupDelegate *target = delegate(); target && m_action && currentSelection() >= m_minimumSelection) {
+        target->selectionGroupShouldHandleAction(*this, m_action);
+        releasedAction = m_action;
+    }
+    // The delegate may have removed the group's screen while it was asked.
+    if (OSTSelectionGroupDelegate *target = delegate())
+        target->selectionGroupDidTapButton(*this, buttonName, releasedAction);
+}
+
+void OSTSelectionGroup::validate()
+{
+    const std::shared_ptr<OSTValidationItemModel> itemModel = model();
+    const bool optional = itemModel && itemModel->isOptional();
+    const bool valid = optional || m_minimumSelection == 0 || currentSelection() >= m_minimumSelection;
+    if (valid)
+        m_shouldShowErrorMessage = true;
+    if (itemModel)
+        itemModel->setValid(valid);
+}
+
+QVariant OSTSelectionGroup::value() const
+{
+    QVariantList selected;
+    for (OSTButton *button : elements()) {
+        if (!button->isChecked())
+            continue;
+        if (const QVariant value = valueForElementWithKey(button->name()); !value.isNull())
+            selected.append(value);
+    }
+    return selected;
+}
+
+void OSTSelectionGroup::setValue(const QVariant &value)
+{
+    const QVariantList list = value.metaType() == QMetaType::fromType<QVariantList>() ? value.toList() : QVariantList();
+    QStringList selectedKeys;
+    for (const QVariant &entry : list) {
+        const auto found = std::find_if(m_values.cbegin(), m_values.cend(), [&entry](const QVariant &candidate) {
+            if (ost_isNumber(candidate) && ost_isNumber(entry))
+                return candidate.toDouble() == entry.toDouble();
+            return candidate.metaType() == entry.metaType() && candidate == entry;
+        });
+        if (found != m_values.cend())
+            selectedKeys.append(m_elementKeys.at(found - m_values.cbegin()));
+    }
+    for (OSTButton *button : elements())
+        button->setChecked(selectedKeys.contains(button->name()));
+}
+
+void OSTSelectionGroup::modelDidChange()
+{
+    validate();
+}
+
+} // namespace ostrel

@@ -1,0 +1,472 @@
+#include "input/OSTTextField.h"
+
+#include "core/OSTDictionaryHelpers.h"
+#include "core/OSTRegularExpression.h"
+#include "input/OSTContentInsets.h"
+#include "input/OSTPhoneNumberFormatter.h"
+#include "input/OSTPhoneNumberManager.h"
+#include "input/OSTToolbar.h"
+#include "input/OSTValidationItemModel.h"
+#include "render/OSTFontResolver.h"
+#include "render/OSTLabel.h"
+#include "render/OSTTextAttributes.h"
+#include "render/OSTView.h"
+
+#include <QGraphicsOpacityEffect>
+#include <QKeyEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+constexpr int phoneNumberMaxLength = 14;
+constexpr int pinMaxLength = 4;
+constexpr int defaultLeftInset = 10;
+constexpr int clearButtonRightInset = 16;
+
+QVariantMap invalidPropertiesOf(const QVariantMap &properties)
+{
+    const QVariantMap states = ost_dictionaryForKey(properties, u"states"_s).value_or(QVariantMap());
+    const std::optional<QVariantMap> invalid = ost_dictionaryForKey(states, u"invalid"_s);
+    return invalid ? ost_mergeIntoDictionary(*invalid, properties) : properties;
+}
+
+// A boolean written as a JSON boolean or as a string ("YES", "true", "1"...).
+bool boolForKey(const QVariantMap &properties, const QString &key, bool fallback)
+{
+    const QVariant value = properties.value(key);
+    if (value.metaType() == QMetaType::fromType<bool>())
+        return value.toBool();
+    if (const std::optional<QString> text = ost_stringForKey(properties, key))
+        return ost_boolValue(*text);
+    return fallback;
+}
+
+int integerForKey(const QVariantMap &properties, const QString &key)
+{
+    const double number = ost_finiteDouble(ost_numberForKey(properties, key)).value_or(0);
+    return int(std::clamp(number, double(std::numeric_limits<int>::min()), double(std::numeric_limits<int>::max())));
+}
+
+std::optional<QString> alignmentWordOf(const QVariantMap &properties)
+{
+    for (const QString &key : {u"contentAlignment"_s, u"textAlignment"_s, u"alignment"_s})
+        if (std::optional<QString> word = ost_stringForKey(properties, key))
+            return word;
+    return std::nullopt;
+}
+
+Qt::Alignment verticalAlignmentOf(const QVariantMap &properties)
+{
+    switch (UIControlContentVerticalAlignmentFromString(ost_stringForKey(properties, u"verticalAlignment"_s))) {
+    case UIControlContentVerticalAlignmentTop:
+        return Qt::AlignTop;
+    case UIControlContentVerticalAlignmentBottom:
+        return Qt::AlignBottom;
+    case UIControlContentVerticalAlignmentCenter:
+    case UIControlContentVerticalAlignmentFill:
+        break;
+    }
+    return Qt::AlignVCenter;
+}
+
+Qt::InputMethodHints keyboardHintsOf(UIKeyboardType keyboard)
+{
+    switch (keyboard) {
+    case UIKeyboardTypeNumberPad:
+        return Qt::ImhDigitsOnly;
+    case UIKeyboardTypePhonePad:
+    case UIKeyboardTypeNamePhonePad:
+        return Qt::ImhDialableCharactersOnly;
+    case UIKeyboardTypeDecimalPad:
+        return Qt::ImhFormattedNumbersOnly;
+    case UIKeyboardTypeEmailAddress:
+        return Qt::ImhEmailCharactersOnly;
+    case UIKeyboardTypeURL:
+    case UIKeyboardTypeWebSearch:
+        return Qt::ImhUrlCharactersOnly;
+    case UIKeyboardTypeASCIICapable:
+        return Qt::ImhLatinOnly;
+    default:
+        break;
+    }
+    return Qt::ImhNone;
+}
+
+bool isPhoneType(OSTTextFieldType type)
+{
+    return type == OSTTextFieldTypePhoneNumber || type == OSTTextFieldTypePhoneNumberValidated;
+}
+
+// The length of the common start of two texts, at most `limit`.
+qsizetype commonPrefixLength(const QString &a, const QString &b, qsizetype limit)
+{
+    qsizetype length = 0;
+    while (length < limit && length < a.size() && length < b.size() && a.at(length) == b.at(length))
+        ++length;
+    return length;
+}
+
+} // namespace
+
+OSTTextField::OSTTextField(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
+    : QLineEdit(parent),
+      OSTInput(*this, inputPositionWithProperties(properties)),
+      m_name(name),
+      m_normalStateProperties(properties),
+      m_invalidStateProperties(invalidPropertiesOf(properties)),
+      m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), properties, this))
+{
+    setGeometry(frame);
+    setFrame(false);
+    m_backgroundView->hide();
+    QPalette clearBase = palette();
+    clearBase.setColor(QPalette::Base, Qt::transparent);
+    setPalette(clearBase);
+
+    if (const std::optional<QVariantMap> placeholder = ost_dictionaryForKey(properties, u"placeholder"_s)) {
+        m_placeholderLabel = new OSTLabel(QRect(QPoint(), frame.size()), *placeholder, this);
+        m_placeholderLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+    const QString placeholderText = m_placeholderLabel ? m_placeholderLabel->text() : QString();
+    setAccessibleName(!placeholderText.isEmpty()
+                          ? placeholderText
+                          : ost_stringForKey(properties, u"accessibilityLabel"_s).value_or(name));
+
+    readBehaviour(properties);
+    applyInputMethodHints(properties);
+    buildToolbar(properties);
+
+    connect(this, &QLineEdit::textEdited, this, &OSTTextField::userEdited);
+    connect(this, &QLineEdit::cursorPositionChanged, this,
+            [this](int, int newPosition) { keepCaretOutOfPrefix(newPosition); });
+    updateView();
+    const QVariantMap textProperties = ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap());
+    replaceText(ost_stringForKey(textProperties, u"text"_s).value_or(QString()));
+}
+
+OSTTextField::~OSTTextField() = default;
+
+void OSTTextField::readBehaviour(const QVariantMap &properties)
+{
+    const double opacity = std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0);
+    if (opacity < 1.0) {
+        auto *fade = new QGraphicsOpacityEffect(this);
+        fade->setOpacity(opacity);
+        setGraphicsEffect(fade);
+    }
+    setEchoMode(boolForKey(properties, u"secureTextEntry"_s, false) ? Password : Normal);
+    if (const std::optional<QString> alignment = alignmentWordOf(properties))
+        setAlignment(OSTTextAttributes(QVariantMap{{u"alignment"_s, *alignment}}).horizontalAlignment() | verticalAlignmentOf(properties));
+
+    m_maxLength = std::max(integerForKey(properties, u"maxLength"_s), -1);
+    m_minLength = integerForKey(properties, u"minLength"_s);
+    if (m_maxLength >= 0)
+        m_minLength = std::min(m_minLength, m_maxLength);
+    m_validationPattern = ost_stringForKey(properties, u"validationPattern"_s).value_or(QString());
+    m_clearButtonMode = UITextFieldViewModeFromString(ost_stringForKey(properties, u"clearButtonMode"_s));
+    setClearButtonEnabled(m_clearButtonMode != UITextFieldViewModeNever);
+    m_clearsOnBeginEditing = boolForKey(properties, u"clearsOnBeginEditing"_s, false);
+    m_enablesReturnKeyAutomatically = boolForKey(properties, u"enablesReturnKeyAutomatically"_s, false);
+
+    m_type = OSTTextFieldTypeFromString(ost_stringForKey(properties, u"textType"_s));
+    switch (m_type) {
+    case OSTTextFieldTypePhoneNumber:
+    case OSTTextFieldTypePhoneNumberValidated:
+        m_maxLength = phoneNumberMaxLength;
+        break;
+    case OSTTextFieldTypePhoneNumberPin:
+        m_maxLength = pinMaxLength;
+        m_autoSubmit = boolForKey(properties, u"autoSubmit"_s, true);
+        break;
+    case OSTTextFieldTypePassword:
+        setEchoMode(Password);
+        break;
+    case OSTTextFieldTypePlain:
+        break;
+    }
+}
+
+void OSTTextField::applyInputMethodHints(const QVariantMap &properties)
+{
+    UIKeyboardType keyboard = UIKeyboardTypeFromString(ost_stringForKey(properties, u"keyboardType"_s));
+    if (isPhoneType(m_type) || m_type == OSTTextFieldTypePhoneNumberPin)
+        keyboard = UIKeyboardTypePhonePad;
+    Qt::InputMethodHints hints = keyboardHintsOf(keyboard);
+    if (m_type == OSTTextFieldTypePhoneNumberPin)
+        hints = Qt::ImhDigitsOnly;
+    if (UITextAutocapitalizationTypeFromString(ost_stringForKey(properties, u"autocapitalizationType"_s))
+        == UITextAutocapitalizationTypeNone)
+        hints |= Qt::ImhNoAutoUppercase;
+    if (UITextAutocorrectionTypeFromString(ost_stringForKey(properties, u"autocorrectionType"_s))
+        == UITextAutocorrectionTypeNo)
+        hints |= Qt::ImhNoPredictiveText;
+    if (echoMode() == Password)
+        hints |= Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText;
+    setInputMethodHints(hints);
+}
+
+void OSTTextField::buildToolbar(const QVariantMap &properties)
+{
+    const std::optional<QVariantMap> toolbar = ost_dictionaryForKey(properties, u"toolbar"_s);
+    if (!toolbar)
+        return;
+    // Desktops have no on-screen keyboard to carry the bar: it stays hidden and Escape and
+    // Return run its buttons; a virtual-keyboard host may show it.
+    m_toolbar = new OSTToolbar(*toolbar, this);
+    m_toolbar->hide();
+    m_toolbar->setCancelBlock([this] { clearFocus(); });
+    m_toolbar->setDoneBlock([this] { textFieldShouldReturn(); });
+}
+
+bool OSTTextField::showsInvalidLook() const
+{
+    const std::shared_ptr<OSTValidationItemModel> itemModel = model();
+    return m_shouldShowInvalidState && itemModel && !itemModel->isValid();
+}
+
+void OSTTextField::updateView()
+{
+    const QVariantMap &state = showsInvalidLook() ? m_invalidStateProperties : m_normalStateProperties;
+    const QVariantMap text = ost_dictionaryForKey(state, u"text"_s).value_or(QVariantMap());
+    m_backgroundView->customizeWithProperties(state);
+
+    const QMargins defaultInsets(defaultLeftInset, 0,
+                                 m_clearButtonMode == UITextFieldViewModeNever ? 0 : clearButtonRightInset, 0);
+    m_contentInsets = ost_contentInsetsForKey(text, u"contentInsets"_s)
+                          .value_or(ost_contentInsetsForKey(state, u"contentInsets"_s).value_or(defaultInsets));
+    setTextMargins(m_contentInsets);
+
+    QFont textFont = OSTFontResolver::fontWithProperties(text).value_or(font());
+    textFont.setUnderline(ost_stringForKey(text, u"style"_s) == u"underlined"_s);
+    setFont(textFont);
+    QPalette textPalette = palette();
+    if (ost_stringForKey(text, u"textColor"_s))
+        textPalette.setColor(QPalette::Text, OSTTextAttributes(text).textColor());
+    setPalette(textPalette);
+    if (const std::optional<QString> alignment = alignmentWordOf(text))
+        setAlignment(OSTTextAttributes(QVariantMap{{u"alignment"_s, *alignment}}).horizontalAlignment() | (this->alignment() & Qt::AlignVertical_Mask));
+
+    layOutOverlays();
+    updateAccessibility();
+    update();
+}
+
+void OSTTextField::updateAccessibility()
+{
+    const std::shared_ptr<OSTValidationItemModel> itemModel = model();
+    setAccessibleDescription(showsInvalidLook() ? itemModel->errorMessage() : QString());
+}
+
+void OSTTextField::replaceText(const QString &text)
+{
+    const QString old = QLineEdit::text();
+    const QString next = text.isNull() ? QString() : finalizedTextFromText(text);
+    QLineEdit::setText(next);
+    m_lastText = next;
+    if (next != old)
+        textFieldDidChange();
+}
+
+QString OSTTextField::finalizedTextFromText(const QString &text) const
+{
+    if (m_formattingBlock)
+        return m_formattingBlock(text, FormattingMode::Formatted);
+    return m_maxLength >= 1 ? text.left(m_maxLength) : text;
+}
+
+void OSTTextField::setFormattingBlock(FormattingBlock block)
+{
+    QString raw = text();
+    if (m_formattingBlock && !raw.isEmpty())
+        raw = m_formattingBlock(raw, FormattingMode::Raw);
+    m_formattingBlock = std::move(block);
+    replaceText(raw);
+}
+
+void OSTTextField::userEdited(const QString &proposed)
+{
+    const QString old = m_lastText;
+    // Qt has applied the edit already; the caret ends the inserted text and what follows it was
+    // not touched, which locates the replaced range.
+    const qsizetype caret = cursorPosition();
+    qsizetype unchangedTail = proposed.size() - caret;
+    if (unchangedTail < 0 || unchangedTail > old.size() || old.right(unchangedTail) != proposed.right(unchangedTail))
+        unchangedTail = 0;
+    const qsizetype start = commonPrefixLength(old, proposed, std::min(caret, old.size() - unchangedTail));
+    const qsizetype replacedLength = old.size() - unchangedTail - start;
+    const QString replacement = proposed.mid(start, proposed.size() - unchangedTail - start);
+
+    if (m_formattingBlock) {
+        const bool caretWasAtEnd = unchangedTail == 0;
+        QLineEdit::setText(finalizedTextFromText(proposed));
+        if (!caretWasAtEnd)
+            placeCaretAfterFormatting(start, replacedLength, replacement);
+    } else if (m_maxLength >= 1 && proposed.size() > m_maxLength) {
+        QLineEdit::setText(proposed.left(m_maxLength));
+        setCursorPosition(int(std::min<qsizetype>(start + replacement.size(), m_maxLength)));
+    }
+    m_lastText = text();
+    textFieldDidChange();
+}
+
+void OSTTextField::placeCaretAfterFormatting(qsizetype start, qsizetype replacedLength, const QString &replacement)
+{
+    const QString formatted = text();
+    const qsizetype base = replacement.size() >= replacedLength ? start + replacement.size() : start;
+    qsizetype skip = 0;
+    for (qsizetype index = 0; index < replacement.size(); ++index) {
+        while (start + index + skip < formatted.size() && formatted.at(start + index + skip) != replacement.at(index))
+            ++skip;
+    }
+    const qsizetype position = base + skip;
+    setCursorPosition(int(position <= formatted.size() ? position : formatted.size()));
+}
+
+void OSTTextField::keepCaretOutOfPrefix(int newPosition)
+{
+    if (m_beginningCaretOffset > 0 && newPosition < m_beginningCaretOffset && text().size() >= m_beginningCaretOffset)
+        setCursorPosition(m_beginningCaretOffset);
+}
+
+void OSTTextField::textFieldDidChange()
+{
+    if (m_placeholderLabel)
+        m_placeholderLabel->setVisible(text().isEmpty());
+    validate();
+    if (const std::shared_ptr<OSTValidationItemModel> itemModel = model())
+        itemModel->valueChanged();
+}
+
+void OSTTextField::validate()
+{
+    const std::shared_ptr<OSTValidationItemModel> itemModel = model();
+    if (!itemModel)
+        return;
+    const QString current = text();
+    if (m_type == OSTTextFieldTypePhoneNumberPin) {
+        itemModel->setValid(OSTPhoneNumberManager::sharedManager().validatePIN(current));
+        return;
+    }
+    const bool hasContent = itemModel->isOptional() || !current.isEmpty();
+    // Compared as unsigned: a negative minimum can never be reached.
+    const bool lengthOK = !hasContent || quint64(current.size()) >= quint64(qint64(m_minLength));
+    bool valid = false;
+    if (hasContent && lengthOK)
+        valid = m_validationPattern.isEmpty() || OSTRegularExpression(m_validationPattern).numberOfMatches(current) == 1;
+    itemModel->setValid(valid);
+}
+
+QVariant OSTTextField::value() const
+{
+    const QString current = text();
+    if (current.isEmpty())
+        return {};
+    return isPhoneType(m_type) ? OSTPhoneNumberFormatter::normalizedPhoneNumber(current) : current;
+}
+
+void OSTTextField::setValue(const QVariant &value)
+{
+    if (value.metaType() != QMetaType::fromType<QString>())
+        return;
+    QLineEdit::setText(finalizedTextFromText(value.toString()));
+    m_lastText = text();
+    if (m_placeholderLabel)
+        m_placeholderLabel->setVisible(text().isEmpty());
+    m_shouldShowInvalidState = true;
+    updateView();
+}
+
+void OSTTextField::validityChanged()
+{
+    updateView();
+    const std::shared_ptr<OSTValidationItemModel> itemModel = model();
+    if (m_autoSubmit && itemModel && itemModel->isValid())
+        textFieldShouldReturn();
+}
+
+void OSTTextField::pickerDidChangeCountry(OSTPicker &picker, const QString &country, const QString &code)
+{
+    if (picker.type() != OSTPickerTypeCountryCode || !isPhoneType(m_type))
+        return;
+    m_beginningCaretOffset = int(code.size()) + 1;
+    setFormattingBlock([code, country](const QString &text, FormattingMode mode) {
+        return OSTPhoneNumberFormatter::liveFormattedPhoneNumber(
+            text, code, country, mode == FormattingMode::Raw ? OSTPhoneNumberFormatter::Mode::Raw
+                                                             : OSTPhoneNumberFormatter::Mode::Formatted);
+    });
+}
+
+void OSTTextField::textFieldShouldReturn()
+{
+    handOnFocus();
+}
+
+void OSTTextField::focusInEvent(QFocusEvent *event)
+{
+    m_shouldShowInvalidState = false;
+    if (m_clearsOnBeginEditing)
+        replaceText(QString());
+    updateView();
+    QLineEdit::focusInEvent(event);
+}
+
+void OSTTextField::focusOutEvent(QFocusEvent *event)
+{
+    QLineEdit::focusOutEvent(event);
+    m_shouldShowInvalidState = true;
+    updateView();
+    validate();
+    if (const std::shared_ptr<OSTValidationItemModel> itemModel = model())
+        itemModel->valueChanged();
+}
+
+void OSTTextField::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!(m_enablesReturnKeyAutomatically && text().isEmpty()))
+            m_toolbar ? m_toolbar->doneTapped() : textFieldShouldReturn();
+        return;
+    case Qt::Key_Escape:
+        if (m_toolbar) {
+            m_toolbar->cancelTapped();
+            return;
+        }
+        break;
+    default:
+        break;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void OSTTextField::paintEvent(QPaintEvent *event)
+{
+    {
+        QPainter painter(this);
+        m_backgroundView->render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
+    }
+    QLineEdit::paintEvent(event);
+}
+
+void OSTTextField::resizeEvent(QResizeEvent *event)
+{
+    QLineEdit::resizeEvent(event);
+    layOutOverlays();
+}
+
+void OSTTextField::layOutOverlays()
+{
+    m_backgroundView->setGeometry(rect());
+    if (m_placeholderLabel)
+        m_placeholderLabel->setGeometry(rect().marginsRemoved(m_contentInsets));
+}
+
+} // namespace ostrel
