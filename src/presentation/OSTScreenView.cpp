@@ -41,7 +41,12 @@ constexpr int errorAnimationMilliseconds = 250;
 
 int roundedEdge(double edge)
 {
-    return int(std::floor(edge + 0.5));
+    // A hostile layout can produce values far beyond any widget; they are held to the largest
+    // widget size so that the arithmetic on edges stays within int.
+    if (!std::isfinite(edge))
+        return 0;
+    const double limit = QWIDGETSIZE_MAX;
+    return int(std::floor(std::clamp(edge, -limit, limit) + 0.5));
 }
 
 std::optional<QVariantMap> parseScreenJson(const QString &text)

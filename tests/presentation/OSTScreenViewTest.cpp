@@ -80,16 +80,29 @@ TEST(ScreenView, StacksByLayerWithTheBackgroundLowestAndGroupMembersInsideTheirG
 
 TEST(ScreenView, GroupsThatHoldThemselvesOrEachOtherAndSharedMembersNeitherHangNorLeakWindows)
 {
-    const auto view = screenView(uR"({
+    // Such groups never resolve; a preview still builds what it can.
+    const QString cyclic = uR"({
         "shapes": {"shared": {"width": "10", "height": "10"}},
         "groups": {"self": {"elements": ["self", "shared"]},
-                   "a": {"elements": ["b", "shared"]}, "b": {"elements": ["a"]}}})"_s);
-    if (!view)
-        return; // an unresolvable layout is a valid answer; what matters is that nothing hangs
+                   "a": {"elements": ["b", "shared"]}, "b": {"elements": ["a"]}}})"_s;
+    EXPECT_EQ(screenView(cyclic), nullptr);
+    std::unique_ptr<OSTScreenView> view(OSTScreenView::create(test::screenWithJson(cyclic), {375, 667}, {},
+                                                              OSTScreenView::UnresolvedLayout::ShowResolved));
+    ASSERT_TRUE(view);
+    EXPECT_EQ(view->views().size(), 4);
     for (QWidget *element : view->views()) {
         EXPECT_FALSE(element->isWindow()) << element->objectName().toStdString();
         EXPECT_TRUE(view->isAncestorOf(element));
     }
+
+    // Ten thousand elements, each placed below the previous one, still build.
+    QStringList shapes;
+    for (int index = 0; index < 10000; ++index)
+        shapes << uR"("s%1": {"y": "%2", "height": "1"})"_s.arg(index).arg(index ? u"{s%1.y} + 1"_s.arg(index - 1) : u"0"_s);
+    const auto crowded = screenView(uR"({"shapes": {%1}})"_s.arg(shapes.join(u","_s)));
+    ASSERT_TRUE(crowded);
+    EXPECT_EQ(crowded->views().size(), 10000);
+    EXPECT_EQ(crowded->views().value(u"s9999"_s)->y(), 9999);
 }
 
 TEST(ScreenView, FractionalFramesRoundByEdgesSoNeighboursTouchInAndOutOfGroups)
@@ -103,6 +116,7 @@ TEST(ScreenView, FractionalFramesRoundByEdgesSoNeighboursTouchInAndOutOfGroups)
         {{12.75, 0, 12.75, 10}, {}, {13, 0, 13, 10}}, // starts where the first ended
         {{25.5, 0.5, 0.4, 0.4}, {}, {26, 1, 0, 0}},
         {{2.6, 0, 10, 10}, {10.25, 0}, {3, 0, 10, 10}}, // 12.85 rounds to 13, the group's origin to 10
+        {{1e57, 0, 1e60, 10}, {}, {QWIDGETSIZE_MAX, 0, 0, 10}}, // held to the largest widget
     };
     for (const Case &c : cases)
         EXPECT_EQ(OSTScreenView::pixelGeometry(c.frame, c.parentOrigin), c.expected) << c.frame.x();
@@ -170,6 +184,7 @@ TEST(ScreenView, TapsOnThePageOutsideControlsEndEditingAndReachTheDelegate)
     }
     QTest::mouseClick(view->views().value(u"card"_s), Qt::LeftButton);
     QTest::mouseClick(view->views().value(u"go"_s), Qt::LeftButton);
+    EXPECT_EQ(delegate.calls.size(), 3);
 }
 
 TEST(ScreenView, KeyboardLiftsThePageOnlyWhenAScrollingElementEndsBelowItsTop)
