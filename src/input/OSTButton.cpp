@@ -37,7 +37,7 @@ OSTButton *OSTButton::create(const QRect &frame, const QVariantMap &properties, 
 
 OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QVariantMap &states,
                      const QString &name, QWidget *parent)
-    : QAbstractButton(parent), m_name(name)
+    : QAbstractButton(parent), m_name(name), m_titleLayer(new QWidget(this))
 {
     setGeometry(frame);
     setFocusPolicy(Qt::StrongFocus);
@@ -61,6 +61,12 @@ OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QV
         m_disabledLook = StateLook{ost_stringForKey(merged, u"text"_s).value_or(QString()), OSTTextAttributes(merged)};
         m_disabledBackground = addBackground(merged);
     }
+    // The state backgrounds are child widgets, which paint over their parent; the title and the
+    // focus frame go on a transparent layer above them so that an opaque background cannot hide them.
+    m_titleLayer->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_titleLayer->setGeometry(rect());
+    m_titleLayer->installEventFilter(this);
+    m_titleLayer->raise();
 
     // The title doubles as the accessible name; "&" would otherwise make a keyboard shortcut.
     setText(QString(m_normalLook.title).replace(u"&"_s, u"&&"_s));
@@ -121,8 +127,21 @@ QString OSTButton::currentTitle() const
 
 void OSTButton::paintEvent(QPaintEvent *)
 {
+    // Everything the button draws itself lies on the title layer (see the constructor).
+}
+
+bool OSTButton::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_titleLayer || event->type() != QEvent::Paint)
+        return QAbstractButton::eventFilter(watched, event);
+    paintTitleLayer();
+    return true;
+}
+
+void OSTButton::paintTitleLayer()
+{
     const StateLook &look = currentLook();
-    QPainter painter(this);
+    QPainter painter(m_titleLayer);
     painter.setRenderHint(QPainter::Antialiasing);
     if (!look.title.isEmpty())
         look.attributes.paint(painter, titleDocument(), QRectF(rect()));
@@ -167,6 +186,7 @@ void OSTButton::resizeEvent(QResizeEvent *event)
     for (OSTImageView *background : {m_normalBackground, m_highlightedBackground, m_disabledBackground})
         if (background)
             background->setGeometry(rect());
+    m_titleLayer->setGeometry(rect());
 }
 
 void OSTButton::handleClick()

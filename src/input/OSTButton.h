@@ -69,6 +69,7 @@ protected:
     virtual void updateBackgrounds();
     void modelDidChange() override;
     void paintEvent(QPaintEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -87,6 +88,7 @@ private:
     bool showsPressed() const;
     void updateToggleValidity();
     void handleClick();
+    void paintTitleLayer();
 
     const QString m_name;
     std::shared_ptr<const OSTAction> m_action;
@@ -94,6 +96,7 @@ private:
     StateLook m_normalLook;
     std::optional<StateLook> m_pressedLook;
     std::optional<StateLook> m_disabledLook;
+    QWidget *const m_titleLayer; // child, above the backgrounds
     OSTImageView *m_normalBackground = nullptr;      // children; null when the state is absent
     OSTImageView *m_highlightedBackground = nullptr;
     OSTImageView *m_disabledBackground = nullptr;
