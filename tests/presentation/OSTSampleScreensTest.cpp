@@ -24,9 +24,10 @@ namespace {
 constexpr qreal sampleRatio = 2;
 const QSizeF sampleArea(375, 667);
 
+// An absolute path: with a compiler cache __FILE__ may be relative to the build folder.
 QDir testFolder()
 {
-    return QFileInfo(QString::fromUtf8(__FILE__)).dir();
+    return QDir(QStringLiteral(QT_TESTCASE_SOURCEDIR "/presentation"));
 }
 
 QString sampleText(const QString &name)
