@@ -10,6 +10,7 @@
 #include "render/OSTFontResolver.h"
 #include "render/OSTLabel.h"
 #include "render/OSTTextAttributes.h"
+#include "render/OSTBackgroundView.h"
 #include "render/OSTView.h"
 
 #include <QGraphicsOpacityEffect>
@@ -450,8 +451,10 @@ void OSTTextField::keyPressEvent(QKeyEvent *event)
 void OSTTextField::paintEvent(QPaintEvent *event)
 {
     {
+        // The box view stays hidden so that it does not paint over the text; its box is drawn
+        // here, under the text.
         QPainter painter(this);
-        m_backgroundView->render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
+        m_backgroundView->container()->paintBox(painter);
     }
     QLineEdit::paintEvent(event);
 }

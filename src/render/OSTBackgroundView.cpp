@@ -145,6 +145,12 @@ QPainterPath OSTBackgroundView::outline() const
 void OSTBackgroundView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
+    paintBox(painter);
+}
+
+void OSTBackgroundView::paintBox(QPainter &painter) const
+{
+    painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     const QPainterPath shape = outline();
     if (m_gradient && !m_gradient->colors.isEmpty())
@@ -154,6 +160,7 @@ void OSTBackgroundView::paintEvent(QPaintEvent *)
     // With children, the border is drawn above them by the clip effect.
     if (!clipsChildren())
         paintBorder(painter);
+    painter.restore();
 }
 
 bool OSTBackgroundView::clipsChildren() const

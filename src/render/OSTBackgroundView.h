@@ -53,6 +53,9 @@ public:
     QPainterPath outline() const;
     // Draws the border (when there is one) along the outline.
     void paintBorder(QPainter &painter) const;
+    // Draws the whole box (fill, gradient, border) in its own coordinates, as paintEvent does;
+    // for widgets that draw a box under their own content instead of showing this view.
+    void paintBox(QPainter &painter) const;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
