@@ -3,16 +3,13 @@
 // backdrop. Images are the host's own (found in the main bundle, as cached images would be), so
 // no network is involved; building includes delivering them to their views.
 
-#include "OSTBenchmarkRunner.h"
+#include "OSTWidgetBenchmarkMain.h"
 #include "input/OSTButton.h"
 #include "input/OSTSwitch.h"
-#include "platform/OSTBundle.h"
 #include "render/OSTImageView.h"
 #include "render/OSTLabel.h"
 
-#include <QApplication>
 #include <QImage>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
@@ -25,15 +22,6 @@ namespace {
 
 constexpr qreal devicePixelRatio = 2;
 const QString imageAddress = u"https://images.example.test/%1.png"_s;
-
-void writeHostImages(const QString &folder)
-{
-    for (int index = 0; index < 4; ++index) {
-        QImage image(120, 120, QImage::Format_ARGB32);
-        image.fill(QColor::fromHsv(index * 80, 200, 230));
-        image.save(folder + u"/picture%1.png"_s.arg(index));
-    }
-}
 
 QRect cell(int index)
 {
@@ -118,12 +106,5 @@ BENCHMARK(BM_PaintFortyElements)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QTemporaryDir data;
-    qputenv("XDG_DATA_HOME", data.path().toUtf8());
-    QApplication application(argc, argv);
-    QTemporaryDir bundle;
-    writeHostImages(bundle.path());
-    OSTBundle::setMainBundlePath(bundle.path());
-    return bench::runRegisteredBenchmarks(argc, argv);
+    return ostrel::bench::runWidgetBenchmarks(argc, argv);
 }

@@ -8,14 +8,11 @@
 // and still held afterwards, divided by the number of elements. Image pixels are allocated by
 // QImage with malloc, not operator new, so bitmaps are excluded by construction.
 
-#include "OSTBenchmarkRunner.h"
+#include "OSTWidgetBenchmarkMain.h"
 #include "experience/OSTScreen.h"
-#include "platform/OSTBundle.h"
 #include "presentation/OSTScreenView.h"
 
-#include <QApplication>
 #include <QImage>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
@@ -57,15 +54,6 @@ namespace {
 
 constexpr qreal devicePixelRatio = 2;
 constexpr int elementCount = 40;
-
-void writeHostImages(const QString &folder)
-{
-    for (int index = 0; index < 4; ++index) {
-        QImage image(120, 120, QImage::Format_ARGB32);
-        image.fill(QColor::fromHsv(index * 80, 200, 230));
-        image.save(folder + u"/picture%1.png"_s.arg(index));
-    }
-}
 
 QString frame(int index)
 {
@@ -169,12 +157,5 @@ BENCHMARK(BM_ScreenWidgetMemory)->Iterations(3);
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QTemporaryDir data;
-    qputenv("XDG_DATA_HOME", data.path().toUtf8());
-    QApplication application(argc, argv);
-    QTemporaryDir bundle;
-    writeHostImages(bundle.path());
-    OSTBundle::setMainBundlePath(bundle.path());
-    return bench::runRegisteredBenchmarks(argc, argv);
+    return ostrel::bench::runWidgetBenchmarks(argc, argv);
 }

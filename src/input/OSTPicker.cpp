@@ -7,7 +7,7 @@
 #include "input/OSTToolbar.h"
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTBackgroundView.h"
-#include "render/OSTDateFormatter.h"
+#include "core/OSTDateFormatter.h"
 #include "render/OSTImageView.h"
 #include "render/OSTLabel.h"
 

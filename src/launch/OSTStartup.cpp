@@ -15,7 +15,7 @@
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
 #include "platform/OSTURLOpener.h"
-#include "render/OSTDateFormatter.h"
+#include "core/OSTDateFormatter.h"
 #include "users/OSTAttributionManager.h"
 #include "users/OSTFacebookManager.h"
 #include "users/OSTUserManager.h"

@@ -1,5 +1,6 @@
 #include "users/OSTUserManager.h"
 
+#include "core/OSTDateFormatter.h"
 #include "core/OSTFileManager.h"
 #include "core/OSTJsonWriter.h"
 #include "core/OSTLogging.h"
@@ -16,7 +17,6 @@
 
 #include <QDateTime>
 #include <QImage>
-#include <QLocale>
 #include <QMutexLocker>
 
 using namespace Qt::StringLiterals;
@@ -32,13 +32,6 @@ const QString userPropertiesEndpoint = u"user_properties"_s;
 const QString nameParameter = u"ost_name"_s;
 const QString userIDParameter = u"ost_user_id"_s;
 constexpr double userPropertiesTimeout = 5.0;
-
-// The SDK's timestamp text ("yyyy-MM-dd HH:mm:ss.SSSSSS", UTC, milliseconds then "000"), the
-// form every date takes on the wire.
-QString timestampText(const QDateTime &date)
-{
-    return QLocale::c().toString(date.toUTC(), u"yyyy-MM-dd HH:mm:ss.zzz000"_s);
-}
 
 // The service keeps the name and identifier it received beside the properties; they are the
 // user's fields, never properties of their own.
@@ -248,7 +241,7 @@ QVariantMap OSTUserManager::normalizedUserProperties(const QVariantMap &properti
 QVariant OSTUserManager::normalizedValue(const QString &key, const QVariant &value) const
 {
     if (value.typeId() == QMetaType::QDateTime)
-        return timestampText(value.toDateTime());
+        return ost_timestampFormatter().stringFromDate(value.toDateTime());
     if (value.typeId() == QMetaType::QImage) {
         const QString fileName = key + u".png"_s;
         if (m_files.saveImage(value.value<QImage>(), fileName))

@@ -1,4 +1,4 @@
-#include "render/OSTDateFormatter.h"
+#include "core/OSTDateFormatter.h"
 
 #include <gtest/gtest.h>
 
