@@ -52,10 +52,14 @@ std::optional<int> PreviewApp::start()
 {
     if (m_options.check)
         return checkFile();
+    const bool staysOpen = m_options.watch || m_options.window;
+    // Watched before the first render, so that an edit made as soon as the first image appears
+    // is not missed.
+    if (staysOpen)
+        m_watcher.addPath(ScreenSource::load(m_options.file, m_options.screenKey).path);
     const bool rendered = renderOnce();
-    if (!m_options.watch && !m_options.window)
+    if (!staysOpen)
         return rendered ? Success : Unusable;
-    m_watcher.addPath(ScreenSource::load(m_options.file, m_options.screenKey).path);
     return std::nullopt;
 }
 
