@@ -26,3 +26,10 @@ fuzz:
 
 clean:
 	rm -rf build
+
+# The showcase: builds the demo host and the development service, then runs scripts/run-demo.
+# `make demo DEMO=--autoplay` (or a machine without a display) walks the install flow by itself.
+.PHONY: demo
+demo: configure
+	cmake --build --preset $(PRESET) --target ostrel-demo ostrel-devserver -j $(JOBS)
+	./scripts/run-demo --build build/$(PRESET) $(DEMO)

@@ -1,0 +1,93 @@
+#include "DemoWindow.h"
+
+#include <ostrel/Ostrel.h>
+
+#include <QJsonDocument>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTime>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel::demo {
+
+namespace {
+
+// The host logs what it received, but never a password in clear.
+QVariantMap withSecretsHidden(QVariantMap fields)
+{
+    if (fields.contains(u"password"_s))
+        fields.insert(u"password"_s, u"••••••••"_s);
+    return fields;
+}
+
+} // namespace
+
+DemoWindow::DemoWindow(QWidget *parent)
+    : QWidget(parent), m_userLabel(new QLabel(this)), m_handOverLog(new QPlainTextEdit(this))
+{
+    setWindowTitle(u"Brightday"_s);
+    setFixedSize(375, 667);
+    auto *title = new QLabel(u"<h2>Brightday</h2>A host application with Ostrel %1"_s.arg(Ostrel::version()), this);
+    title->setWordWrap(true);
+    m_userLabel->setWordWrap(true);
+    m_handOverLog->setReadOnly(true);
+    m_handOverLog->setPlaceholderText(u"What the experience hands over to the host appears here."_s);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 16, 16, 16);
+    layout->addWidget(title);
+    layout->addWidget(m_userLabel);
+    layout->addWidget(new QLabel(u"Handed over to the host:"_s, this));
+    layout->addWidget(m_handOverLog, 1);
+    layout->addWidget(addButton(u"Show the automatic experience"_s, [this] { presentExperience(OSTExperienceTypeAutomatic); }));
+    layout->addWidget(addButton(u"Sign up"_s, [this] { presentExperience(OSTExperienceTypeSignUp); }));
+    layout->addWidget(addButton(u"Log in"_s, [this] { presentExperience(OSTExperienceTypeLogin); }));
+    layout->addWidget(addButton(u"Log out"_s, [this] {
+        Ostrel::logOutUser();
+        refreshUser();
+    }));
+    refreshUser();
+}
+
+void DemoWindow::showHandOver(const QString &callback, const QVariantMap &fields, const QString &outcome)
+{
+    const QByteArray json = QJsonDocument::fromVariant(withSecretsHidden(fields)).toJson(QJsonDocument::Indented);
+    m_handOverLog->appendPlainText(u"%1  %2 → %3\n%4"_s.arg(QTime::currentTime().toString(u"HH:mm:ss"_s), callback,
+                                                           outcome, QString::fromUtf8(json).trimmed()));
+    refreshUser();
+}
+
+void DemoWindow::refreshUser()
+{
+    const OSTUser user = Ostrel::currentUser();
+    if (!user.userID() || user.userID()->isEmpty()) {
+        m_userLabel->setText(u"Nobody is signed in."_s);
+        return;
+    }
+    m_userLabel->setText(u"Signed in as <b>%1</b> (%2)"_s.arg(user.properties().value(u"name"_s).toString().toHtmlEscaped(),
+                                                              user.userID()->toHtmlEscaped()));
+}
+
+void DemoWindow::presentExperience(OSTExperienceType experienceType)
+{
+    OSTExperienceSettings settings = OSTExperienceSettings::settings();
+    settings.experienceType = experienceType;
+    settings.presentingViewController = this;
+    Ostrel::presentExperienceWithSettings(settings, [this](bool presented) {
+        if (!presented)
+            m_handOverLog->appendPlainText(u"Nothing to show for that experience now."_s);
+        refreshUser();
+    });
+}
+
+QPushButton *DemoWindow::addButton(const QString &title, const std::function<void()> &action)
+{
+    auto *button = new QPushButton(title, this);
+    connect(button, &QPushButton::clicked, this, action);
+    return button;
+}
+
+} // namespace ostrel::demo

@@ -1,0 +1,82 @@
+// ostrel-demo: a host application that shows the demo experience at start, answers sign-ups and
+// log-ins itself and lists the SDK's events as they fire. With --autoplay it walks the install
+// flow by itself and checks what the development service received (see scripts/run-demo).
+#include "AutoplayWalk.h"
+#include "DemoExperienceDelegate.h"
+#include "DemoOptions.h"
+#include "DemoWindow.h"
+#include "EventPanel.h"
+#include "OSTDevelopmentFacebookAdapter.h"
+
+#include <ostrel/Ostrel.h>
+
+#include <QApplication>
+#include <QTextStream>
+
+using namespace Qt::StringLiterals;
+using namespace ostrel;
+using namespace ostrel::demo;
+
+namespace {
+
+void placeBeside(QWidget &panel, const QWidget &window)
+{
+    panel.move(window.frameGeometry().right() + 16, window.y());
+}
+
+void presentAtStart(DemoWindow &window, bool autoplay)
+{
+    OSTExperienceSettings settings = OSTExperienceSettings::settings();
+    settings.presentingViewController = &window;
+    Ostrel::presentExperienceWithSettings(settings, [autoplay](bool presented) {
+        if (presented)
+            return;
+        QTextStream(stderr) << "ostrel-demo: the SDK has no experience to show now" << Qt::endl;
+        if (autoplay)
+            QCoreApplication::exit(1);
+    });
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(u"ostrel-demo"_s);
+
+    QString error;
+    const std::optional<DemoOptions> options = DemoOptions::parse(QApplication::arguments(), error);
+    if (!options) {
+        QTextStream(stderr) << error << Qt::endl;
+        return 2;
+    }
+    if (!options->bundlePath.isEmpty())
+        Ostrel::setMainBundlePath(options->bundlePath);
+
+    DemoWindow window;
+    EventPanel eventPanel;
+    auto delegate = std::make_shared<DemoExperienceDelegate>(options->answerDelay);
+    QObject::connect(delegate.get(), &DemoExperienceDelegate::received, &window, &DemoWindow::showHandOver);
+    Ostrel::setExperienceDelegate(delegate);
+    auto facebook = std::make_shared<OSTDevelopmentFacebookAdapter>(&window);
+    OSTDevelopmentFacebookAdapter::registerWithRuntime(facebook);
+    Ostrel::start();
+
+    window.show();
+    placeBeside(eventPanel, window);
+    eventPanel.show();
+    window.raise();
+    window.activateWindow();
+    presentAtStart(window, options->autoplay);
+
+    std::unique_ptr<AutoplayWalk> walk;
+    if (options->autoplay) {
+        walk = std::make_unique<AutoplayWalk>(&window, AutoplayWalk::Settings{options->screensFolder,
+                                                                              options->serviceOutputPath,
+                                                                              options->serviceDatabasePath,
+                                                                              options->timeLimit});
+        QObject::connect(walk.get(), &AutoplayWalk::finished, &application, &QCoreApplication::exit);
+        walk->start();
+    }
+    return QApplication::exec();
+}
