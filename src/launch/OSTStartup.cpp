@@ -15,6 +15,7 @@
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
 #include "platform/OSTURLOpener.h"
+#include "presentation/OSTRootPresenter.h"
 #include "core/OSTDateFormatter.h"
 #include "users/OSTAttributionManager.h"
 #include "users/OSTFacebookManager.h"
@@ -94,6 +95,7 @@ void OSTStartup::connectExperienceManager()
         .isLaunchedLifetime = [&service] { return service.launchedLifetime(); },
     });
     connectUserToExperience();
+    experience.setPresenter(std::make_shared<OSTRootPresenter>());
     OSTFlowManager &flows = OSTFlowManager::sharedManager();
     service.launchParameterSources().cachedVersions = [&flows] { return flows.cachedVersions(); };
     service.connectLaunchResponseReceiver(

@@ -143,14 +143,19 @@ OSTStatusBarStyle OSTRootController::preferredStatusBarStyle() const
 void OSTRootController::load(Completion completion)
 {
     waitForLaunch([this, completion = std::move(completion)](bool started) {
-        OSTViewController *child = started ? makeChild() : nullptr;
-        if (!child) {
+        if (!started) {
             callCompletion(completion, false);
             return;
         }
-        m_child = child;
-        embedAppearing(child);
-        callCompletion(completion, true);
+        makeChild([this, completion](OSTViewController *child) {
+            if (!child) {
+                callCompletion(completion, false);
+                return;
+            }
+            m_child = child;
+            embedAppearing(child);
+            callCompletion(completion, true);
+        });
     });
 }
 
@@ -164,9 +169,23 @@ void OSTRootController::waitForLaunch(std::function<void(bool success)> then)
     });
 }
 
-OSTViewController *OSTRootController::makeChild()
+void OSTRootController::makeChild(Delivery then)
 {
-    return m_childFactory ? m_childFactory() : nullptr;
+    if (!m_childFactory) {
+        then(nullptr);
+        return;
+    }
+    m_childFactory(coveredAreaSize(), [self = QPointer<OSTRootController>(this), then = std::move(then)](
+                                          OSTViewController *child) {
+        if (self && self->m_state != State::Dismissed) {
+            then(child);
+            return;
+        }
+        // Built for a presentation that ended meanwhile.
+        delete child;
+        if (self)
+            then(nullptr);
+    });
 }
 
 void OSTRootController::embed(OSTViewController *child)
@@ -257,18 +276,23 @@ void OSTRootController::presentLaunchCover(Completion completion)
 void OSTRootController::presentExperience(Completion completion)
 {
     waitForLaunch([this, completion = std::move(completion)](bool started) {
-        OSTViewController *child = started ? makeChild() : nullptr;
-        if (!child) {
+        if (!started) {
             failPresentation(completion);
             return;
         }
-        m_child = child;
-        if (m_launchController) {
-            crossFadeFromLaunch(completion);
-            return;
-        }
-        embed(child);
-        presentModally(m_options->presentAnimation, completion);
+        makeChild([this, completion](OSTViewController *child) {
+            if (!child) {
+                failPresentation(completion);
+                return;
+            }
+            m_child = child;
+            if (m_launchController) {
+                crossFadeFromLaunch(completion);
+                return;
+            }
+            embed(child);
+            presentModally(m_options->presentAnimation, completion);
+        });
     });
 }
 

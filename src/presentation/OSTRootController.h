@@ -32,9 +32,12 @@ class OSTRootController : public OSTViewController {
 
 public:
     using Completion = std::function<void(bool success)>;
-    // Builds the controller to show; null when there is nothing to show. Called on the GUI
-    // thread once the SDK has launched; the root controller takes ownership of the result.
-    using ChildFactory = std::function<OSTViewController *()>;
+    // Receives the controller to show; null when there is nothing to show.
+    using Delivery = std::function<void(OSTViewController *child)>;
+    // Builds the controller to show, to fill an area of the given size, and hands it over, possibly
+    // later. Called on the GUI thread once the SDK has launched; the root controller takes
+    // ownership of what it receives (and deletes it when it has been dismissed meanwhile).
+    using ChildFactory = std::function<void(QSizeF area, Delivery deliver)>;
     // Runs the block once the SDK's launch has finished, with whether the SDK is started.
     using LaunchWaiter = std::function<void(std::function<void(bool success)>)>;
 
@@ -96,7 +99,7 @@ private:
     void embed(OSTViewController *child);
     // The same inside an immediate appearance of the child, for a child shown at once.
     void embedAppearing(OSTViewController *child);
-    OSTViewController *makeChild();
+    void makeChild(Delivery then);
 
     void presentLaunch(Completion completion);
     void presentLaunchCover(Completion completion);

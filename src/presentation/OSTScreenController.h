@@ -83,6 +83,7 @@ public:
     void setDelegate(OSTScreenControllerDelegate *delegate);
     // Kept weakly; registers the screen and its inputs with the flow's validation.
     void setValidationManager(const std::shared_ptr<OSTValidationManager> &manager);
+    std::shared_ptr<OSTValidationManager> validationManager() const { return m_validationManager.lock(); }
 
     void handleAction(const std::shared_ptr<const OSTAction> &action);
 

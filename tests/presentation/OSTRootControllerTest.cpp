@@ -54,13 +54,15 @@ struct Factory {
     QPointer<Experience> made;
     OSTRootController::ChildFactory make()
     {
-        return [this]() -> OSTViewController * {
+        return [this](QSizeF, OSTRootController::Delivery deliver) {
             ++calls;
-            if (empty)
-                return nullptr;
+            if (empty) {
+                deliver(nullptr);
+                return;
+            }
             made = new Experience;
             made->hidesStatusBar = hidesStatusBar;
-            return made.data();
+            deliver(made.data());
         };
     }
 };
