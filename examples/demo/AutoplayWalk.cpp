@@ -20,13 +20,15 @@ namespace {
 // A pushed screen slides in; input waits until it has come to rest.
 constexpr qint64 settleMilliseconds = 600;
 constexpr int tickMilliseconds = 100;
+// A tapped switch or button animates before a picture shows its new state.
+constexpr qint64 inputSettleMilliseconds = 400;
 // Once the expected events are all there, the walk watches a little longer for extra ones.
 constexpr qint64 quietMilliseconds = 1000;
 
 const QString walkName = u"Ada Lovelace"_s;
 const QString walkEmail = u"ada@example.com"_s;
 const QString walkPassword = u"analytical-engine"_s;
-const QString walkPhone = u"7700900123"_s;
+const QString walkPhone = u"612345678"_s;
 
 void say(const QString &line)
 {
@@ -78,8 +80,8 @@ void AutoplayWalk::addSteps()
     addStep(u"type the e-mail address"_s, [this] { return type(u"email"_s, walkEmail); });
     addStep(u"type the password"_s, [this] { return type(u"password"_s, walkPassword); });
     addStep(u"open the country picker"_s, [this] { return tap(u"country"_s); });
-    addStep(u"arrow down to Canada"_s, [this] { return pressKeyInWheel(u"country"_s, Qt::Key_Down); });
-    addStep(u"arrow down to the United Kingdom"_s, [this] { return pressKeyInWheel(u"country"_s, Qt::Key_Down); });
+    for (const QString &country : {u"Canada"_s, u"the United Kingdom"_s, u"France"_s})
+        addStep(u"arrow down to "_s + country, [this] { return pressKeyInWheel(u"country"_s, Qt::Key_Down); });
     addStep(u"choose it with Return"_s, [this] { return pressKeyInWheel(u"country"_s, Qt::Key_Return); });
     addStep(u"type the phone number"_s, [this] { return type(u"phone"_s, walkPhone); });
     addStep(u"picture of signup"_s, [this] { return saveScreen(u"signup"_s); });
@@ -144,6 +146,7 @@ AutoplayWalk::Progress AutoplayWalk::tap(const QString &elementKey)
     // Through the window, so the press reaches whatever lies at that point, as a real click does.
     const QPoint centre = element->mapTo(m_window, element->rect().center());
     QTest::mouseClick(m_window->windowHandle(), Qt::LeftButton, {}, centre);
+    m_sinceLastInput.start();
     return Progress::Done;
 }
 
@@ -173,6 +176,8 @@ AutoplayWalk::Progress AutoplayWalk::pressKeyInWheel(const QString &pickerKey, Q
 
 AutoplayWalk::Progress AutoplayWalk::saveScreen(const QString &screenKey)
 {
+    if (m_sinceLastInput.isValid() && m_sinceLastInput.elapsed() < inputSettleMilliseconds)
+        return Progress::Waiting;
     ++m_savedScreens;
     const QString path =
         QDir(m_settings.screensFolder).filePath(u"%1-%2.png"_s.arg(m_savedScreens, 2, 10, QChar(u'0')).arg(screenKey));
@@ -189,8 +194,10 @@ AutoplayWalk::Progress AutoplayWalk::enterSentPIN()
     const std::optional<VerificationPINReader::Verification> verification = m_pinReader.lastVerification();
     if (!verification)
         return Progress::Waiting;
-    say(u"the service sent PIN %1 to %2"_s.arg(verification->pin, verification->phoneNumber));
-    return type(u"pin"_s, verification->pin);
+    const Progress typed = type(u"pin"_s, verification->pin);
+    if (typed == Progress::Done)
+        say(u"typed PIN %1, which the service sent to %2"_s.arg(verification->pin, verification->phoneNumber));
+    return typed;
 }
 
 AutoplayWalk::Progress AutoplayWalk::waitForDismissal()

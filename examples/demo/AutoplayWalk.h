@@ -85,6 +85,7 @@ private:
     QTimer m_watchdog;
     QString m_shownScreen;
     QElapsedTimer m_sinceScreenShown;
+    QElapsedTimer m_sinceLastInput;
     int m_savedScreens = 0;
     std::optional<QElapsedTimer> m_eventCheckStarted;
     std::optional<QElapsedTimer> m_eventsMatchedSince;

@@ -76,6 +76,11 @@ int main(int argc, char **argv)
                                                                               options->serviceDatabasePath,
                                                                               options->timeLimit});
         QObject::connect(walk.get(), &AutoplayWalk::finished, &application, &QCoreApplication::exit);
+        QObject::connect(delegate.get(), &DemoExperienceDelegate::received,
+                         [](const QString &callback, const QVariantMap &fields, const QString &outcome) {
+                             QTextStream(stdout) << "host: " << callback << " (" << QStringList(fields.keys()).join(u", "_s)
+                                                 << ") -> " << outcome << Qt::endl;
+                         });
         walk->start();
     }
     return QApplication::exec();
