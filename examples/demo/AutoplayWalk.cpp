@@ -27,7 +27,7 @@ constexpr qint64 quietMilliseconds = 1000;
 
 const QString walkName = u"Ada Lovelace"_s;
 const QString walkEmail = u"ada@example.com"_s;
-const QString walkPassword = u"analytical-engine"_s;
+const QString walkPassword = u"lovelace1843"_s;
 const QString walkPhone = u"612345678"_s;
 
 void say(const QString &line)

@@ -1,7 +1,7 @@
 #include "DemoAccounts.h"
 #include "DemoExperienceDelegate.h"
 
-#include "OSTTestSupport.h"
+#include "support/OSTTestSupport.h"
 
 #include <gtest/gtest.h>
 

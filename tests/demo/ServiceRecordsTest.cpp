@@ -2,7 +2,7 @@
 #include "ServiceEventLog.h"
 #include "VerificationPINReader.h"
 
-#include "OSTTestSupport.h"
+#include "support/OSTTestSupport.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -77,8 +77,9 @@ TEST(VerificationPINReader, TakesTheLastWellFormedPINLine)
     for (const auto &sample : cases) {
         const auto verification = VerificationPINReader::lastVerificationIn(sample.output);
         ASSERT_EQ(verification.has_value(), sample.pin.has_value()) << sample.output.toStdString();
-        if (verification)
+        if (verification) {
             EXPECT_EQ(verification->pin, *sample.pin);
+        }
     }
 
     QTemporaryDir folder;
