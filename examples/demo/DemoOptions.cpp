@@ -25,6 +25,8 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, QStr
     parser.setApplicationDescription(u"A host application that shows Ostrel's experiences."_s);
     const QCommandLineOption bundle(u"bundle"_s, u"The folder holding Info.json."_s, u"folder"_s);
     const QCommandLineOption autoplay(u"autoplay"_s, u"Walk the install flow by itself and check the events."_s);
+    const QCommandLineOption measure(u"measure"_s, u"Print the time to the first screen and the memory, then quit."_s);
+    const QCommandLineOption withoutSDK(u"without-sdk"_s, u"Do not start the SDK (the baseline of --measure)."_s);
     const QCommandLineOption screens(u"screens"_s, u"Where the walk saves a picture of each screen."_s, u"folder"_s);
     const QCommandLineOption serviceOutput(u"service-output"_s, u"The development service's output (for the PIN)."_s,
                                            u"file"_s);
@@ -34,7 +36,7 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, QStr
                                        u"45"_s);
     const QCommandLineOption answerDelay(u"answer-delay"_s, u"Milliseconds the host takes to answer (default 300)."_s,
                                          u"milliseconds"_s, u"300"_s);
-    parser.addOptions({bundle, autoplay, screens, serviceOutput, serviceDatabase, timeLimit, answerDelay});
+    parser.addOptions({bundle, autoplay, measure, withoutSDK, screens, serviceOutput, serviceDatabase, timeLimit, answerDelay});
     parser.addHelpOption();
     if (!parser.parse(arguments)) {
         error = parser.errorText() + u"\n\n"_s + parser.helpText();
@@ -44,6 +46,8 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, QStr
     DemoOptions options;
     options.bundlePath = parser.value(bundle);
     options.autoplay = parser.isSet(autoplay);
+    options.measure = parser.isSet(measure);
+    options.withoutSDK = parser.isSet(withoutSDK);
     options.screensFolder = parser.value(screens);
     options.serviceOutputPath = parser.value(serviceOutput);
     options.serviceDatabasePath = parser.value(serviceDatabase);
@@ -55,6 +59,11 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, QStr
     }
     options.timeLimit = *limit;
     options.answerDelay = *delay;
+    if (options.autoplay && (options.measure || options.withoutSDK)) {
+        error = u"--autoplay walks the experience; it cannot be combined with --measure or --without-sdk\n\n"_s
+                + parser.helpText();
+        return std::nullopt;
+    }
     if (options.autoplay
         && (options.screensFolder.isEmpty() || options.serviceOutputPath.isEmpty() || options.serviceDatabasePath.isEmpty())) {
         error = u"--autoplay needs --screens, --service-output and --service-database\n\n"_s + parser.helpText();

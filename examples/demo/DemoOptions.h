@@ -14,6 +14,10 @@ struct DemoOptions {
     QString bundlePath;
     // Walk the install flow by itself and check what the service received.
     bool autoplay = false;
+    // Measure the cost of an experience on screen (HostMeasurement) instead of walking.
+    bool measure = false;
+    // The same host without starting the SDK (with measure: the baseline).
+    bool withoutSDK = false;
     QString screensFolder;
     QString serviceOutputPath;
     QString serviceDatabasePath;

@@ -49,7 +49,6 @@ DemoWindow::DemoWindow(QWidget *parent)
         Ostrel::logOutUser();
         refreshUser();
     }));
-    refreshUser();
 }
 
 void DemoWindow::showHandOver(const QString &callback, const QVariantMap &fields, const QString &outcome)

@@ -26,7 +26,8 @@ public:
 
     // Adds what the delegate received and how the host answered to the hand-over log.
     void showHandOver(const QString &callback, const QVariantMap &fields, const QString &outcome);
-    // Reads the SDK's current user again.
+    // Reads the SDK's current user again (not done on construction: a host measured without the
+    // SDK must not touch it).
     void refreshUser();
 
 private:

@@ -1,11 +1,13 @@
 // ostrel-demo: a host application that shows the demo experience at start, answers sign-ups and
 // log-ins itself and lists the SDK's events as they fire. With --autoplay it walks the install
-// flow by itself and checks what the development service received (see scripts/run-demo).
+// flow by itself and checks what the development service received; with --measure it reports
+// what the experience costs the host (see scripts/run-demo).
 #include "AutoplayWalk.h"
 #include "DemoExperienceDelegate.h"
 #include "DemoOptions.h"
 #include "DemoWindow.h"
 #include "EventPanel.h"
+#include "HostMeasurement.h"
 #include "OSTDevelopmentFacebookAdapter.h"
 
 #include <ostrel/Ostrel.h>
@@ -24,17 +26,26 @@ void placeBeside(QWidget &panel, const QWidget &window)
     panel.move(window.frameGeometry().right() + 16, window.y());
 }
 
-void presentAtStart(DemoWindow &window, bool autoplay)
+void presentAtStart(DemoWindow &window, bool exitWhenNothingShows)
 {
     OSTExperienceSettings settings = OSTExperienceSettings::settings();
     settings.presentingViewController = &window;
-    Ostrel::presentExperienceWithSettings(settings, [autoplay](bool presented) {
+    Ostrel::presentExperienceWithSettings(settings, [exitWhenNothingShows](bool presented) {
         if (presented)
             return;
         QTextStream(stderr) << "ostrel-demo: the SDK has no experience to show now" << Qt::endl;
-        if (autoplay)
+        if (exitWhenNothingShows)
             QCoreApplication::exit(1);
     });
+}
+
+void printHandOvers(const DemoExperienceDelegate &delegate)
+{
+    QObject::connect(&delegate, &DemoExperienceDelegate::received,
+                     [](const QString &callback, const QVariantMap &fields, const QString &outcome) {
+                         QTextStream(stdout) << "host: " << callback << " (" << QStringList(fields.keys()).join(u", "_s)
+                                             << ") -> " << outcome << Qt::endl;
+                     });
 }
 
 } // namespace
@@ -57,17 +68,29 @@ int main(int argc, char **argv)
     EventPanel eventPanel;
     auto delegate = std::make_shared<DemoExperienceDelegate>(options->answerDelay);
     QObject::connect(delegate.get(), &DemoExperienceDelegate::received, &window, &DemoWindow::showHandOver);
-    Ostrel::setExperienceDelegate(delegate);
     auto facebook = std::make_shared<OSTDevelopmentFacebookAdapter>(&window);
-    OSTDevelopmentFacebookAdapter::registerWithRuntime(facebook);
-    Ostrel::start();
+
+    std::unique_ptr<HostMeasurement> measurement;
+    if (options->measure) {
+        measurement = std::make_unique<HostMeasurement>(
+            options->withoutSDK ? HostMeasurement::SDK::NotStarted : HostMeasurement::SDK::Started, u"welcomeTitle"_s);
+        QObject::connect(measurement.get(), &HostMeasurement::finished, &application, &QCoreApplication::exit);
+        measurement->start();
+    }
+    if (!options->withoutSDK) {
+        Ostrel::setExperienceDelegate(delegate);
+        OSTDevelopmentFacebookAdapter::registerWithRuntime(facebook);
+        Ostrel::start();
+        window.refreshUser();
+    }
 
     window.show();
     placeBeside(eventPanel, window);
     eventPanel.show();
     window.raise();
     window.activateWindow();
-    presentAtStart(window, options->autoplay);
+    if (!options->withoutSDK)
+        presentAtStart(window, options->autoplay || options->measure);
 
     std::unique_ptr<AutoplayWalk> walk;
     if (options->autoplay) {
@@ -76,11 +99,7 @@ int main(int argc, char **argv)
                                                                               options->serviceDatabasePath,
                                                                               options->timeLimit});
         QObject::connect(walk.get(), &AutoplayWalk::finished, &application, &QCoreApplication::exit);
-        QObject::connect(delegate.get(), &DemoExperienceDelegate::received,
-                         [](const QString &callback, const QVariantMap &fields, const QString &outcome) {
-                             QTextStream(stdout) << "host: " << callback << " (" << QStringList(fields.keys()).join(u", "_s)
-                                                 << ") -> " << outcome << Qt::endl;
-                         });
+        printHandOvers(*delegate);
         walk->start();
     }
     return QApplication::exec();

@@ -1,4 +1,5 @@
 #include "DemoOptions.h"
+#include "HostMeasurement.h"
 #include "ServiceEventLog.h"
 #include "VerificationPINReader.h"
 
@@ -108,10 +109,27 @@ TEST(DemoOptions, AutoplayNeedsItsFoldersAndLimitsArePositive)
         autoplay + QStringList{u"--time-limit"_s, u"0"_s},
         autoplay + QStringList{u"--answer-delay"_s, u"soon"_s},
         {u"ostrel-demo"_s, u"--no-such-option"_s},
+        autoplay + QStringList{u"--measure"_s},
     };
     for (const QStringList &arguments : refused) {
         error.clear();
         EXPECT_FALSE(DemoOptions::parse(arguments, error)) << arguments.join(u' ').toStdString();
         EXPECT_FALSE(error.isEmpty());
     }
+}
+
+TEST(HostMeasurement, ReadsPrivateDirtyAndResidentMemoryFromTheRollup)
+{
+    const QString rollup = u"55ad811a4000-7ffff3785000 ---p 00000000 00:00 0 [rollup]\n"
+                           "Rss:                1752 kB\nPss:                 212 kB\nPss_Dirty:           112 kB\n"
+                           "Shared_Dirty:          0 kB\nPrivate_Clean:        40 kB\nPrivate_Dirty:       96 kB\n"_s;
+    const auto usage = HostMeasurement::memoryUsageIn(rollup);
+    ASSERT_TRUE(usage);
+    EXPECT_EQ(usage->privateDirtyKilobytes, 96) << "not Pss_Dirty, which comes first";
+    EXPECT_EQ(usage->residentKilobytes, 1752);
+    EXPECT_FALSE(HostMeasurement::memoryUsageIn(u"Rss: 1752 kB\n"_s)) << "no private dirty line";
+
+    const auto own = HostMeasurement::currentMemoryUsage();
+    ASSERT_TRUE(own);
+    EXPECT_GT(own->residentKilobytes, own->privateDirtyKilobytes);
 }

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+#include <optional>
+
+namespace ostrel::demo {
+
+// What an experience costs the host, measured from inside the demo (`scripts/run-demo --measure`):
+// the time from the SDK's launch-finished callback to the first paint of the first screen, and
+// the process's private dirty and resident memory once the screen is on display. Without the
+// SDK (the same host that never starts it) only the memory, once the window has settled.
+// Prints "measure: ..." lines and ends with finished().
+//
+// Lives on the GUI thread; watches paints through an application-wide event filter.
+class HostMeasurement : public QObject {
+    Q_OBJECT
+
+public:
+    struct MemoryUsage {
+        qint64 privateDirtyKilobytes = 0;
+        qint64 residentKilobytes = 0;
+    };
+    enum class SDK { Started, NotStarted };
+
+    // `firstScreenElement` is the element key of a view on the first screen shown.
+    HostMeasurement(SDK sdk, QString firstScreenElement, QObject *parent = nullptr);
+
+    // Call before the SDK is started, so the launch-finished callback is the measurement's.
+    void start();
+
+    // The totals of /proc/self/smaps_rollup; nullopt when it cannot be read.
+    static std::optional<MemoryUsage> currentMemoryUsage();
+    static std::optional<MemoryUsage> memoryUsageIn(const QString &smapsRollup);
+
+signals:
+    void finished(int exitCode);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void reportMemoryAfterSettling();
+    void reportMemory();
+
+    const SDK m_sdk;
+    const QString m_firstScreenElement;
+    QElapsedTimer m_sinceLaunchFinished;
+    bool m_painted = false;
+};
+
+} // namespace ostrel::demo
