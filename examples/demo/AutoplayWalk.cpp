@@ -22,6 +22,8 @@ constexpr qint64 settleMilliseconds = 600;
 constexpr int tickMilliseconds = 100;
 // A tapped switch or button animates before a picture shows its new state.
 constexpr qint64 inputSettleMilliseconds = 400;
+// Longer than the host takes to answer and the loading overlay to fade.
+constexpr qint64 answerMilliseconds = 1200;
 // Once the expected events are all there, the walk watches a little longer for extra ones.
 constexpr qint64 quietMilliseconds = 1000;
 
@@ -29,6 +31,7 @@ const QString walkName = u"Ada Lovelace"_s;
 const QString walkEmail = u"ada@example.com"_s;
 const QString walkPassword = u"lovelace1843"_s;
 const QString walkPhone = u"612345678"_s;
+const QString strangerEmail = u"grace@example.com"_s;
 
 void say(const QString &line)
 {
@@ -43,7 +46,7 @@ AutoplayWalk::AutoplayWalk(QWidget *window, Settings settings, QObject *parent)
       m_settings(std::move(settings)),
       m_pinReader(m_settings.serviceOutputPath),
       m_eventLog(m_settings.serviceDatabasePath),
-      m_expectedEvents(ExpectedEvents::installWalk())
+      m_expectedEvents(ExpectedEvents::demoWalk())
 {
     m_ticker.setInterval(tickMilliseconds);
     connect(&m_ticker, &QTimer::timeout, this, &AutoplayWalk::runCurrentStep);
@@ -104,6 +107,17 @@ void AutoplayWalk::addSteps()
     addStep(u"tap Finish"_s, [this] { return tap(u"finish"_s); });
 
     addStep(u"the sign-up hand-over and the experience closing"_s, [this] { return waitForDismissal(); });
+
+    addStep(u"tap the host's Log in button"_s, [this] { return tap(u"showLogIn"_s); });
+    addStep(u"the log-in screen"_s, [this] { return waitForScreen(u"login"_s); });
+    addStep(u"type an address nobody signed up with"_s, [this] { return type(u"loginEmail"_s, strangerEmail); });
+    addStep(u"type the password"_s, [this] { return type(u"loginPassword"_s, walkPassword); });
+    addStep(u"tap Log in with the unknown address"_s, [this] { return tap(u"loginSubmit"_s); });
+    addStep(u"the host's answer"_s, [this] { return pause(answerMilliseconds); });
+    addStep(u"picture of login"_s, [this] { return saveScreen(u"login-rejected"_s); });
+    addStep(u"correct the address"_s, [this] { return type(u"loginEmail"_s, walkEmail); });
+    addStep(u"tap Log in with the signed-up address"_s, [this] { return tap(u"loginSubmit"_s); });
+    addStep(u"the log-in hand-over and the experience closing"_s, [this] { return waitForDismissal(); });
     addStep(u"the service storing the expected events"_s, [this] { return checkStoredEvents(); });
 }
 
@@ -160,7 +174,10 @@ AutoplayWalk::Progress AutoplayWalk::type(const QString &elementKey, const QStri
         tap(elementKey);
         return Progress::Waiting;
     }
+    // Replaces what the field holds, as a person selecting it all and typing over it.
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(field, text);
+    m_sinceLastInput.start();
     return Progress::Done;
 }
 
@@ -172,6 +189,11 @@ AutoplayWalk::Progress AutoplayWalk::pressKeyInWheel(const QString &pickerKey, Q
         return Progress::Waiting;
     QTest::keyClick(wheel, key);
     return Progress::Done;
+}
+
+AutoplayWalk::Progress AutoplayWalk::pause(qint64 milliseconds) const
+{
+    return m_sinceLastInput.elapsed() < milliseconds ? Progress::Waiting : Progress::Done;
 }
 
 AutoplayWalk::Progress AutoplayWalk::saveScreen(const QString &screenKey)

@@ -18,10 +18,12 @@
 
 namespace ostrel::demo {
 
-// Walks the demo experience's install flow by itself, as a person would: waits for each screen,
-// taps buttons, types into the text fields (found by their element keys), chooses a country with
-// the arrow keys, reads the PIN the service sent, saves a picture of every screen, then reads
-// what the service stored and checks that the expected milestones arrived in order.
+// Walks the demo experience by itself, as a person would: the install flow into the sign-up
+// flow, then the host's log-in (first with an address the host does not know, which it
+// rejects, then with the signed-up one). It waits for each screen, taps buttons, types into the
+// text fields (found by their element keys), chooses a country with the arrow keys, reads the PIN
+// the service sent, saves a picture of every screen, then reads what the service stored and
+// checks that the expected milestones arrived in order.
 //
 // Steps run one per tick of a short timer; a step that waits (for a screen, the PIN, the
 // dismissal, the service) is tried again on the next tick. A watchdog ends the walk with a
@@ -65,6 +67,8 @@ private:
     Progress tap(const QString &elementKey);
     Progress type(const QString &elementKey, const QString &text);
     Progress pressKeyInWheel(const QString &pickerKey, Qt::Key key);
+    // Waits until `milliseconds` have passed since the last tap or typing.
+    Progress pause(qint64 milliseconds) const;
     Progress saveScreen(const QString &screenKey);
     Progress enterSentPIN();
     Progress waitForDismissal();

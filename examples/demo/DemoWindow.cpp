@@ -42,10 +42,11 @@ DemoWindow::DemoWindow(QWidget *parent)
     layout->addWidget(m_userLabel);
     layout->addWidget(new QLabel(u"Handed over to the host:"_s, this));
     layout->addWidget(m_handOverLog, 1);
-    layout->addWidget(addButton(u"Show the automatic experience"_s, [this] { presentExperience(OSTExperienceTypeAutomatic); }));
-    layout->addWidget(addButton(u"Sign up"_s, [this] { presentExperience(OSTExperienceTypeSignUp); }));
-    layout->addWidget(addButton(u"Log in"_s, [this] { presentExperience(OSTExperienceTypeLogin); }));
-    layout->addWidget(addButton(u"Log out"_s, [this] {
+    layout->addWidget(addButton(u"showAutomatic"_s, u"Show the automatic experience"_s,
+                                [this] { presentExperience(OSTExperienceTypeAutomatic); }));
+    layout->addWidget(addButton(u"showSignUp"_s, u"Sign up"_s, [this] { presentExperience(OSTExperienceTypeSignUp); }));
+    layout->addWidget(addButton(u"showLogIn"_s, u"Log in"_s, [this] { presentExperience(OSTExperienceTypeLogin); }));
+    layout->addWidget(addButton(u"logOut"_s, u"Log out"_s, [this] {
         Ostrel::logOutUser();
         refreshUser();
     }));
@@ -82,9 +83,10 @@ void DemoWindow::presentExperience(OSTExperienceType experienceType)
     });
 }
 
-QPushButton *DemoWindow::addButton(const QString &title, const std::function<void()> &action)
+QPushButton *DemoWindow::addButton(const QString &objectName, const QString &title, const std::function<void()> &action)
 {
     auto *button = new QPushButton(title, this);
+    button->setObjectName(objectName);
     connect(button, &QPushButton::clicked, this, action);
     return button;
 }

@@ -32,7 +32,8 @@ public:
 
 private:
     void presentExperience(OSTExperienceType experienceType);
-    QPushButton *addButton(const QString &title, const std::function<void()> &action);
+    // The object name lets the autoplay walk find the button.
+    QPushButton *addButton(const QString &objectName, const QString &title, const std::function<void()> &action);
 
     QLabel *m_userLabel; // children
     QPlainTextEdit *m_handOverLog;

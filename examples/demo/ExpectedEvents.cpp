@@ -11,7 +11,7 @@ ExpectedEvents::ExpectedEvents(QList<Expectation> expectations)
 {
 }
 
-ExpectedEvents ExpectedEvents::installWalk()
+ExpectedEvents ExpectedEvents::demoWalk()
 {
     const auto displayed = [](const QString &name, const QString &key) {
         return Expectation{u"OST %1 Displayed"_s.arg(name), {{u"experience_key"_s, key}}};
@@ -47,6 +47,12 @@ ExpectedEvents ExpectedEvents::installWalk()
         button(u"Notifications"_s, u"notifications"_s, u"finish"_s, u"next"_s),
         {u"OST Signup"_s, {}},
         {u"OST Sign Up Flow Complete"_s, {{u"flow_key"_s, u"SIGNUP"_s}, {u"screen_key"_s, u"notifications"_s}}},
+        displayed(u"Log In"_s, u"login"_s),
+        {u"OST Log In Flow Start"_s, {{u"flow_key"_s, u"LOGIN"_s}}},
+        button(u"Log In"_s, u"login"_s, u"loginSubmit"_s, u"next"_s),
+        button(u"Log In"_s, u"login"_s, u"loginSubmit"_s, u"next"_s),
+        {u"OST Login"_s, {}},
+        {u"OST Log In Flow Complete"_s, {{u"flow_key"_s, u"LOGIN"_s}, {u"screen_key"_s, u"login"_s}}},
     });
 }
 

@@ -19,8 +19,9 @@ public:
 
     explicit ExpectedEvents(QList<Expectation> expectations);
 
-    // The milestones of walking the install flow into the sign-up flow of the demo experience.
-    static ExpectedEvents installWalk();
+    // The milestones of AutoplayWalk: the install flow into the sign-up flow of the demo
+    // experience, then the log-in flow, rejected once.
+    static ExpectedEvents demoWalk();
 
     const QList<Expectation> &expectations() const { return m_expectations; }
 

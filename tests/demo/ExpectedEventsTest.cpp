@@ -65,13 +65,3 @@ TEST(ExpectedEvents, EachKindOfDeviationIsReported)
         EXPECT_EQ(threeSteps().firstDifference(events), deviation.difference) << deviation.what;
     }
 }
-
-TEST(ExpectedEvents, TheInstallWalkStartsWithTheSessionAndEndsWithTheCompletedSignUpFlow)
-{
-    const QList<ExpectedEvents::Expectation> &walk = ExpectedEvents::installWalk().expectations();
-    ASSERT_GE(walk.size(), 3);
-    EXPECT_EQ(walk.first().eventType, u"OST Session Start"_s);
-    EXPECT_EQ(walk.at(2).eventType, u"OST Install Flow Start"_s);
-    EXPECT_EQ(walk.last().eventType, u"OST Sign Up Flow Complete"_s);
-    EXPECT_EQ(walk.last().parameters.value(u"flow_key"_s), u"SIGNUP"_s);
-}
