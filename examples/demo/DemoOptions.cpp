@@ -32,7 +32,7 @@ std::optional<DemoOptions> DemoOptions::parse(const QStringList &arguments, QStr
                                            u"file"_s);
     const QCommandLineOption serviceDatabase(u"service-database"_s, u"The development service's database."_s,
                                              u"file"_s);
-    const QCommandLineOption timeLimit(u"time-limit"_s, u"Seconds the walk may take (default 45)."_s, u"seconds"_s,
+    const QCommandLineOption timeLimit(u"time-limit"_s, u"Seconds the walk or the measurement may take (default 45)."_s, u"seconds"_s,
                                        u"45"_s);
     const QCommandLineOption answerDelay(u"answer-delay"_s, u"Milliseconds the host takes to answer (default 300)."_s,
                                          u"milliseconds"_s, u"300"_s);

@@ -21,6 +21,7 @@ struct DemoOptions {
     QString screensFolder;
     QString serviceOutputPath;
     QString serviceDatabasePath;
+    // How long the walk or the measurement may take before it gives up.
     std::chrono::milliseconds timeLimit{45000};
     // How long the host's delegate takes to answer, like a back end.
     std::chrono::milliseconds answerDelay{300};

@@ -34,8 +34,9 @@ std::optional<qint64> kilobytesOf(const QString &smapsRollup, const QString &fie
 
 } // namespace
 
-HostMeasurement::HostMeasurement(SDK sdk, QString firstScreenElement, QObject *parent)
-    : QObject(parent), m_sdk(sdk), m_firstScreenElement(std::move(firstScreenElement))
+HostMeasurement::HostMeasurement(SDK sdk, QString firstScreenElement, std::chrono::milliseconds timeLimit,
+                                 QObject *parent)
+    : QObject(parent), m_sdk(sdk), m_firstScreenElement(std::move(firstScreenElement)), m_timeLimit(timeLimit)
 {
 }
 
@@ -47,6 +48,12 @@ void HostMeasurement::start()
     }
     qApp->installEventFilter(this);
     Ostrel::executeAfterLaunch([this](bool) { m_sinceLaunchFinished.start(); });
+    QTimer::singleShot(m_timeLimit, this, [this] {
+        if (m_painted)
+            return;
+        say(u"the first screen was not painted within %1 s"_s.arg(m_timeLimit.count() / 1000.0));
+        emit finished(3);
+    });
 }
 
 bool HostMeasurement::eventFilter(QObject *watched, QEvent *event)

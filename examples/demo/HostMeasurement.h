@@ -6,6 +6,7 @@
 #include <QString>
 #include <QWidget>
 
+#include <chrono>
 #include <optional>
 
 namespace ostrel::demo {
@@ -27,8 +28,9 @@ public:
     };
     enum class SDK { Started, NotStarted };
 
-    // `firstScreenElement` is the element key of a view on the first screen shown.
-    HostMeasurement(SDK sdk, QString firstScreenElement, QObject *parent = nullptr);
+    // `firstScreenElement` is the element key of a view on the first screen shown; without its
+    // paint within `timeLimit` the measurement fails.
+    HostMeasurement(SDK sdk, QString firstScreenElement, std::chrono::milliseconds timeLimit, QObject *parent = nullptr);
 
     // Call before the SDK is started, so the launch-finished callback is the measurement's.
     void start();
@@ -49,6 +51,7 @@ private:
 
     const SDK m_sdk;
     const QString m_firstScreenElement;
+    const std::chrono::milliseconds m_timeLimit;
     QElapsedTimer m_sinceLaunchFinished;
     bool m_painted = false;
 };

@@ -73,7 +73,8 @@ int main(int argc, char **argv)
     std::unique_ptr<HostMeasurement> measurement;
     if (options->measure) {
         measurement = std::make_unique<HostMeasurement>(
-            options->withoutSDK ? HostMeasurement::SDK::NotStarted : HostMeasurement::SDK::Started, u"welcomeTitle"_s);
+            options->withoutSDK ? HostMeasurement::SDK::NotStarted : HostMeasurement::SDK::Started, u"welcomeTitle"_s,
+            options->timeLimit);
         QObject::connect(measurement.get(), &HostMeasurement::finished, &application, &QCoreApplication::exit);
         measurement->start();
     }
