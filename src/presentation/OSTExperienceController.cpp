@@ -142,15 +142,15 @@ OSTScreenController *OSTExperienceController::makeScreenController(const std::sh
 
 void OSTExperienceController::viewDidAppear(OSTAnimation animation)
 {
+    // The flow starts before its first screen is reported displayed (by the base, below).
+    if (!m_didAppear) {
+        m_didAppear = true;
+        if (const std::shared_ptr<const OSTFlow> flow = currentFlow()) {
+            OSTEventHook::sendEvent(OSTInternalEvent::flowStartedEvent(*flow));
+            OSTUserManager::sharedManager().setLastViewedVariation(flow->variationName());
+        }
+    }
     OSTNavigationController::viewDidAppear(animation);
-    if (m_didAppear)
-        return;
-    m_didAppear = true;
-    const std::shared_ptr<const OSTFlow> flow = currentFlow();
-    if (!flow)
-        return;
-    OSTEventHook::sendEvent(OSTInternalEvent::flowStartedEvent(*flow));
-    OSTUserManager::sharedManager().setLastViewedVariation(flow->variationName());
 }
 
 // --- State ------------------------------------------------------------------------------------
@@ -268,10 +268,12 @@ void OSTExperienceController::startFlowWithKey(const QString &key)
 
 void OSTExperienceController::close()
 {
-    const OSTScreenController *top = topScreenController();
-    const std::shared_ptr<const OSTFlow> flow = currentFlow();
-    if (top && flow) {
-        const auto manager = m_validationManagers.value(flow->key());
+    if (m_dismissed)
+        return;
+    if (const OSTScreenController *top = topScreenController()) {
+        // The screen's own manager: on the first screen of a flow chosen by a differently written
+        // key, that is where the fields are.
+        const auto manager = validationManagerOf(*top);
         const QVariantMap fields = manager ? manager->allFieldsUpToGroupWithKey(top->screen()->key()) : QVariantMap();
         OSTExperienceManager::sharedManager().sendToDelegate(
             [&fields](OSTExperienceDelegate &delegate) { delegate.willCloseWithFields(fields); });
@@ -281,6 +283,9 @@ void OSTExperienceController::close()
 
 void OSTExperienceController::dismissExperience()
 {
+    // Answers still on their way find the experience gone and are dropped.
+    m_dismissed = true;
+    hideLoadingOverlay();
     OSTExperienceManager::sharedManager().dismissExperienceWithCompletion(nullptr);
 }
 
@@ -346,6 +351,8 @@ void OSTExperienceController::validateController(OSTScreenController &controller
     QPointer<OSTScreenController> screenController(&controller);
     validateScreenOfController(controller, [this, pending, screenController] {
         *pending = false;
+        if (m_dismissed)
+            return;
         if (!screenController || !isValid(*screenController)) {
             hideLoadingOverlay();
             return;
@@ -464,6 +471,8 @@ void OSTExperienceController::validateFlowOfController(OSTScreenController &cont
 
 void OSTExperienceController::endFlow(const FlowEnd &end, const std::optional<QString> &userID)
 {
+    if (m_dismissed)
+        return;
     hideLoadingOverlay();
     if (goToFirstInvalidScreenOfFlow(*end.flow))
         return; // the host marked a field invalid: the user corrects it first
