@@ -108,7 +108,7 @@ void OSTExperienceController::controllerWithType(int type, QSizeF area, Completi
 }
 
 OSTExperienceController::OSTExperienceController(QSizeF area, OSTScreenController *first, const QString &experienceKey)
-    : OSTNavigationController(first), m_area(area), m_screenEnvironment(OSTScreenEnvironment::forExperience(area))
+    : OSTNavigationController(first), m_screenEnvironment(OSTScreenEnvironment::forExperience(area))
 {
     // The first screen uses the key the experience was chosen by, later screens their flow's
     // own key: a flow delivered under a key with capitals then has two managers. Kept as the
@@ -185,12 +185,6 @@ void OSTExperienceController::removeValidationManagerForFlowWithKey(const QStrin
     m_validationManagers.remove(key);
 }
 
-std::shared_ptr<OSTValidationManager> OSTExperienceController::validationManagerOf(
-    const OSTScreenController &controller) const
-{
-    return controller.validationManager();
-}
-
 // --- Navigation -------------------------------------------------------------------------------
 
 void OSTExperienceController::goToNextScreen()
@@ -204,7 +198,7 @@ void OSTExperienceController::goToNextScreen()
         dismissExperience();
         return;
     }
-    if (const auto manager = validationManagerOf(*top))
+    if (const auto manager = top->validationManager())
         OSTExperienceManager::sharedManager().appendDynamicVariables(manager->allSavableFieldsOfGroupWithKey(screen.key()));
     const std::shared_ptr<const OSTScreen> after = screenAfter(*flow, screen);
     OSTScreenController *next = after ? makeScreenController(after) : nullptr;
@@ -273,7 +267,7 @@ void OSTExperienceController::close()
     if (const OSTScreenController *top = topScreenController()) {
         // The screen's own manager: on the first screen of a flow chosen by a differently written
         // key, that is where the fields are.
-        const auto manager = validationManagerOf(*top);
+        const auto manager = top->validationManager();
         const QVariantMap fields = manager ? manager->allFieldsUpToGroupWithKey(top->screen()->key()) : QVariantMap();
         OSTExperienceManager::sharedManager().sendToDelegate(
             [&fields](OSTExperienceDelegate &delegate) { delegate.willCloseWithFields(fields); });
@@ -365,7 +359,7 @@ void OSTExperienceController::validateController(OSTScreenController &controller
             return;
         }
         *pending = true;
-        const std::shared_ptr<OSTValidationManager> manager = validationManagerOf(*screenController);
+        const std::shared_ptr<OSTValidationManager> manager = screenController->validationManager();
         validateFlowOfController(*screenController, [this, pending, flow, screen, manager](const std::optional<QString> &userID) {
             *pending = false;
             endFlow({flow, screen, manager}, userID);
@@ -379,7 +373,7 @@ void OSTExperienceController::validateController(OSTScreenController &controller
 
 void OSTExperienceController::validateScreenOfController(OSTScreenController &controller, Done done)
 {
-    const std::shared_ptr<OSTValidationManager> manager = validationManagerOf(controller);
+    const std::shared_ptr<OSTValidationManager> manager = controller.validationManager();
     const QString screenKey = controller.screen()->key();
     const QVariantMap unique = manager ? manager->uniqueFieldsOfGroupWithKey(screenKey) : QVariantMap();
     QPointer<OSTScreenController> screenController(&controller);
@@ -411,7 +405,7 @@ void OSTExperienceController::validateScreenOfController(OSTScreenController &co
 
 void OSTExperienceController::validatePhoneNumberOfControllerIfAny(OSTScreenController &controller, Done done)
 {
-    const std::shared_ptr<OSTValidationManager> manager = validationManagerOf(controller);
+    const std::shared_ptr<OSTValidationManager> manager = controller.validationManager();
     const QString screenKey = controller.screen()->key();
     const std::shared_ptr<OSTValidationItemModel> item =
         manager ? manager->phoneNumberItemOfGroupWithKey(screenKey) : nullptr;
@@ -434,7 +428,7 @@ void OSTExperienceController::validatePhoneNumberOfControllerIfAny(OSTScreenCont
 
 void OSTExperienceController::validateFlowOfController(OSTScreenController &controller, UserDone done)
 {
-    const std::shared_ptr<OSTValidationManager> manager = validationManagerOf(controller);
+    const std::shared_ptr<OSTValidationManager> manager = controller.validationManager();
     const std::shared_ptr<const OSTFlow> flow = controller.screen()->flow();
     const QString key = flow ? flow->key() : QString();
     const QVariantMap fields = manager ? manager->allFields() : QVariantMap();

@@ -108,12 +108,10 @@ private:
     void recordAccount(const FlowEnd &end, const std::optional<QString> &userID);
     void runEndAction(const OSTFlow &flow);
 
-    std::shared_ptr<OSTValidationManager> validationManagerOf(const OSTScreenController &controller) const;
     void showLoadingOverlay();
     void hideLoadingOverlay();
     void dismissExperience();
 
-    const QSizeF m_area;
     const OSTScreenController::Environment m_screenEnvironment;
     QHash<QString, std::shared_ptr<OSTValidationManager>> m_validationManagers;
     QPointer<OSTLoadingOverlay> m_loadingOverlay; // child of the view, made on first use
