@@ -118,6 +118,7 @@ void OSTStartup::connectUserToExperience()
     QObject::connect(&users, &OSTUserManager::propertiesChanged, &users,
                      [&experience](const QVariantMap &properties) { experience.appendDynamicVariables(properties); });
     QObject::connect(&users, &OSTUserManager::didLogOut, &users, [&experience] { experience.cleanDynamicVariables(); });
+    users.connectCurrentScreenSource([&experience] { return experience.currentScreen(); });
 }
 
 void OSTStartup::connectAttributionManager()

@@ -108,7 +108,7 @@ void OSTExperienceController::controllerWithType(int type, QSizeF area, Completi
 }
 
 OSTExperienceController::OSTExperienceController(QSizeF area, OSTScreenController *first, const QString &experienceKey)
-    : OSTNavigationController(first), m_area(area), m_screenEnvironment(OSTScreenEnvironment::forExperience(area))
+    : OSTNavigationController(first), m_screenEnvironment(OSTScreenEnvironment::forExperience(area))
 {
     // The first screen uses the key the experience was chosen by, later screens their flow's
     // own key: a flow delivered under a key with capitals then has two managers. Kept as the
@@ -142,15 +142,15 @@ OSTScreenController *OSTExperienceController::makeScreenController(const std::sh
 
 void OSTExperienceController::viewDidAppear(OSTAnimation animation)
 {
+    // The flow starts before its first screen is reported displayed (by the base, below).
+    if (!m_didAppear) {
+        m_didAppear = true;
+        if (const std::shared_ptr<const OSTFlow> flow = currentFlow()) {
+            OSTEventHook::sendEvent(OSTInternalEvent::flowStartedEvent(*flow));
+            OSTUserManager::sharedManager().setLastViewedVariation(flow->variationName());
+        }
+    }
     OSTNavigationController::viewDidAppear(animation);
-    if (m_didAppear)
-        return;
-    m_didAppear = true;
-    const std::shared_ptr<const OSTFlow> flow = currentFlow();
-    if (!flow)
-        return;
-    OSTEventHook::sendEvent(OSTInternalEvent::flowStartedEvent(*flow));
-    OSTUserManager::sharedManager().setLastViewedVariation(flow->variationName());
 }
 
 // --- State ------------------------------------------------------------------------------------
@@ -185,12 +185,6 @@ void OSTExperienceController::removeValidationManagerForFlowWithKey(const QStrin
     m_validationManagers.remove(key);
 }
 
-std::shared_ptr<OSTValidationManager> OSTExperienceController::validationManagerOf(
-    const OSTScreenController &controller) const
-{
-    return controller.validationManager();
-}
-
 // --- Navigation -------------------------------------------------------------------------------
 
 void OSTExperienceController::goToNextScreen()
@@ -204,7 +198,7 @@ void OSTExperienceController::goToNextScreen()
         dismissExperience();
         return;
     }
-    if (const auto manager = validationManagerOf(*top))
+    if (const auto manager = top->validationManager())
         OSTExperienceManager::sharedManager().appendDynamicVariables(manager->allSavableFieldsOfGroupWithKey(screen.key()));
     const std::shared_ptr<const OSTScreen> after = screenAfter(*flow, screen);
     OSTScreenController *next = after ? makeScreenController(after) : nullptr;
@@ -268,10 +262,12 @@ void OSTExperienceController::startFlowWithKey(const QString &key)
 
 void OSTExperienceController::close()
 {
-    const OSTScreenController *top = topScreenController();
-    const std::shared_ptr<const OSTFlow> flow = currentFlow();
-    if (top && flow) {
-        const auto manager = m_validationManagers.value(flow->key());
+    if (m_dismissed)
+        return;
+    if (const OSTScreenController *top = topScreenController()) {
+        // The screen's own manager: on the first screen of a flow chosen by a differently written
+        // key, that is where the fields are.
+        const auto manager = top->validationManager();
         const QVariantMap fields = manager ? manager->allFieldsUpToGroupWithKey(top->screen()->key()) : QVariantMap();
         OSTExperienceManager::sharedManager().sendToDelegate(
             [&fields](OSTExperienceDelegate &delegate) { delegate.willCloseWithFields(fields); });
@@ -281,6 +277,9 @@ void OSTExperienceController::close()
 
 void OSTExperienceController::dismissExperience()
 {
+    // Answers still on their way find the experience gone and are dropped.
+    m_dismissed = true;
+    hideLoadingOverlay();
     OSTExperienceManager::sharedManager().dismissExperienceWithCompletion(nullptr);
 }
 
@@ -346,6 +345,8 @@ void OSTExperienceController::validateController(OSTScreenController &controller
     QPointer<OSTScreenController> screenController(&controller);
     validateScreenOfController(controller, [this, pending, screenController] {
         *pending = false;
+        if (m_dismissed)
+            return;
         if (!screenController || !isValid(*screenController)) {
             hideLoadingOverlay();
             return;
@@ -358,7 +359,7 @@ void OSTExperienceController::validateController(OSTScreenController &controller
             return;
         }
         *pending = true;
-        const std::shared_ptr<OSTValidationManager> manager = validationManagerOf(*screenController);
+        const std::shared_ptr<OSTValidationManager> manager = screenController->validationManager();
         validateFlowOfController(*screenController, [this, pending, flow, screen, manager](const std::optional<QString> &userID) {
             *pending = false;
             endFlow({flow, screen, manager}, userID);
@@ -372,7 +373,7 @@ void OSTExperienceController::validateController(OSTScreenController &controller
 
 void OSTExperienceController::validateScreenOfController(OSTScreenController &controller, Done done)
 {
-    const std::shared_ptr<OSTValidationManager> manager = validationManagerOf(controller);
+    const std::shared_ptr<OSTValidationManager> manager = controller.validationManager();
     const QString screenKey = controller.screen()->key();
     const QVariantMap unique = manager ? manager->uniqueFieldsOfGroupWithKey(screenKey) : QVariantMap();
     QPointer<OSTScreenController> screenController(&controller);
@@ -404,7 +405,7 @@ void OSTExperienceController::validateScreenOfController(OSTScreenController &co
 
 void OSTExperienceController::validatePhoneNumberOfControllerIfAny(OSTScreenController &controller, Done done)
 {
-    const std::shared_ptr<OSTValidationManager> manager = validationManagerOf(controller);
+    const std::shared_ptr<OSTValidationManager> manager = controller.validationManager();
     const QString screenKey = controller.screen()->key();
     const std::shared_ptr<OSTValidationItemModel> item =
         manager ? manager->phoneNumberItemOfGroupWithKey(screenKey) : nullptr;
@@ -427,7 +428,7 @@ void OSTExperienceController::validatePhoneNumberOfControllerIfAny(OSTScreenCont
 
 void OSTExperienceController::validateFlowOfController(OSTScreenController &controller, UserDone done)
 {
-    const std::shared_ptr<OSTValidationManager> manager = validationManagerOf(controller);
+    const std::shared_ptr<OSTValidationManager> manager = controller.validationManager();
     const std::shared_ptr<const OSTFlow> flow = controller.screen()->flow();
     const QString key = flow ? flow->key() : QString();
     const QVariantMap fields = manager ? manager->allFields() : QVariantMap();
@@ -464,6 +465,8 @@ void OSTExperienceController::validateFlowOfController(OSTScreenController &cont
 
 void OSTExperienceController::endFlow(const FlowEnd &end, const std::optional<QString> &userID)
 {
+    if (m_dismissed)
+        return;
     hideLoadingOverlay();
     if (goToFirstInvalidScreenOfFlow(*end.flow))
         return; // the host marked a field invalid: the user corrects it first

@@ -108,17 +108,16 @@ private:
     void recordAccount(const FlowEnd &end, const std::optional<QString> &userID);
     void runEndAction(const OSTFlow &flow);
 
-    std::shared_ptr<OSTValidationManager> validationManagerOf(const OSTScreenController &controller) const;
     void showLoadingOverlay();
     void hideLoadingOverlay();
     void dismissExperience();
 
-    const QSizeF m_area;
     const OSTScreenController::Environment m_screenEnvironment;
     QHash<QString, std::shared_ptr<OSTValidationManager>> m_validationManagers;
     QPointer<OSTLoadingOverlay> m_loadingOverlay; // child of the view, made on first use
     QPointer<QShortcut> m_closeWhileWaiting;       // child of the view; on while the overlay is up
     bool m_didAppear = false;
+    bool m_dismissed = false; // closed or at the end of its flows; later answers are dropped
 };
 
 } // namespace ostrel

@@ -166,8 +166,13 @@ void OSTScreenController::validityChanged()
     const bool valid = !groupModel || groupModel->isValid();
     for (QWidget *view : m_screenView->views()) {
         auto *button = qobject_cast<OSTButton *>(view);
-        if (button && button->action() && button->action()->type() == OSTActionTypeNext)
-            button->setEnabled(valid);
+        if (!button || !button->action() || button->action()->type() != OSTActionTypeNext)
+            continue;
+        // Qt hands the focus of a disabled button to the next input, whose editing would hide the
+        // error the user must see; the screen keeps it instead.
+        if (!valid && button->hasFocus())
+            m_screenView->setFocus(Qt::OtherFocusReason);
+        button->setEnabled(valid);
     }
     const std::optional<QString> message = groupModel ? groupModel->stateSensitiveErrorMessage() : std::nullopt;
     m_screenView->showErrorMessage(message.value_or(QString()), OSTAnimation::Animated);

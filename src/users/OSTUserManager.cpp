@@ -144,8 +144,9 @@ void OSTUserManager::logInUserWithID(const QVariant &userID, Registration regist
                 user.appendUserProperties(properties);
         });
     });
-    OSTEventHook::sendEvent(registration == Registration::SignUp ? OSTInternalEvent::signupEvent(nullptr)
-                                                                 : OSTInternalEvent::loginEvent(nullptr));
+    const std::shared_ptr<const OSTTrackedItem> screen = m_currentScreen ? m_currentScreen() : nullptr;
+    OSTEventHook::sendEvent(registration == Registration::SignUp ? OSTInternalEvent::signupEvent(screen.get())
+                                                                 : OSTInternalEvent::loginEvent(screen.get()));
 }
 
 void OSTUserManager::logOutUser()

@@ -2,12 +2,15 @@
 
 #include <ostrel/OSTUser.h>
 
+#include "events/OSTTrackedItem.h"
+
 #include <QMutex>
 #include <QObject>
 #include <QVariantMap>
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace ostrel {
@@ -76,6 +79,11 @@ public:
     // The user part of a launch response ("app_user": "ab_tests", "user_properties").
     void processLaunchResponse(const std::optional<QVariantMap> &response);
 
+    // The screen on display (null when none), whose flow the sign-up and log-in events name.
+    // Start-up connects the experience manager's.
+    using CurrentScreenSource = std::function<std::shared_ptr<const OSTTrackedItem>()>;
+    void connectCurrentScreenSource(CurrentScreenSource source) { m_currentScreen = std::move(source); }
+
 signals:
     // The user's properties changed (a log-out does not count: see didLogOut()).
     void propertiesChanged(const QVariantMap &properties);
@@ -100,6 +108,7 @@ private:
     mutable QMutex m_userMutex;
     OSTUser m_currentUser;
     std::atomic<bool> m_requiresLogin = true;
+    CurrentScreenSource m_currentScreen;
 };
 
 } // namespace ostrel

@@ -32,6 +32,15 @@ std::vector<QVariantMap> OSTEventRecorder::parametersOf(const QString &name, con
     return found;
 }
 
+QStringList OSTEventRecorder::names() const
+{
+    QMutexLocker locker(&m_mutex);
+    QStringList names;
+    for (const auto &event : m_events)
+        names << event->name();
+    return names;
+}
+
 std::vector<QVariantMap> OSTEventRecorder::statistics(const QString &kind) const
 {
     return parametersOf(QStringLiteral("$$OST Timing"), kind);

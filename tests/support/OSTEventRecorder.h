@@ -4,6 +4,7 @@
 #include "events/OSTEventHook.h"
 
 #include <QMutex>
+#include <QStringList>
 #include <QString>
 #include <QVariantMap>
 
@@ -24,6 +25,8 @@ public:
     // Parameters of the events called `name`, oldest first; with `kind`, only statistical events
     // whose "event" parameter is `kind`.
     std::vector<QVariantMap> parametersOf(const QString &name, const QString &kind = {}) const;
+    // The names of every event, oldest first.
+    QStringList names() const;
     // Statistical events ("$$OST Timing") of one kind, e.g. "launch" or "image_download".
     std::vector<QVariantMap> statistics(const QString &kind) const;
 
