@@ -29,8 +29,8 @@ ExpectedEvents ExpectedEvents::demoWalk()
     };
     return ExpectedEvents({
         {u"OST Session Start"_s, {{u"session_launch"_s, true}}},
-        displayed(u"Welcome"_s, u"welcome"_s),
         {u"OST Install Flow Start"_s, {{u"flow_key"_s, u"install"_s}}},
+        displayed(u"Welcome"_s, u"welcome"_s),
         button(u"Welcome"_s, u"welcome"_s, u"createAccount"_s, u"startFlow"_s),
         displayed(u"Sign Up"_s, u"signup"_s),
         button(u"Sign Up"_s, u"signup"_s, u"signupContinue"_s, u"next"_s),
@@ -45,13 +45,13 @@ ExpectedEvents ExpectedEvents::demoWalk()
         {u"OST Notifications Action Tapped"_s,
          {{u"experience_key"_s, u"notifications"_s}, {u"action_type"_s, u"switch"_s}, {u"action_name"_s, u"switchTap"_s}}},
         button(u"Notifications"_s, u"notifications"_s, u"finish"_s, u"next"_s),
-        {u"OST Signup"_s, {}},
+        {u"OST Signup"_s, {{u"flow_key"_s, u"SIGNUP"_s}, {u"screen_key"_s, u"notifications"_s}}},
         {u"OST Sign Up Flow Complete"_s, {{u"flow_key"_s, u"SIGNUP"_s}, {u"screen_key"_s, u"notifications"_s}}},
-        displayed(u"Log In"_s, u"login"_s),
         {u"OST Log In Flow Start"_s, {{u"flow_key"_s, u"LOGIN"_s}}},
+        displayed(u"Log In"_s, u"login"_s),
         button(u"Log In"_s, u"login"_s, u"loginSubmit"_s, u"next"_s),
         button(u"Log In"_s, u"login"_s, u"loginSubmit"_s, u"next"_s),
-        {u"OST Login"_s, {}},
+        {u"OST Login"_s, {{u"flow_key"_s, u"LOGIN"_s}, {u"screen_key"_s, u"login"_s}}},
         {u"OST Log In Flow Complete"_s, {{u"flow_key"_s, u"LOGIN"_s}, {u"screen_key"_s, u"login"_s}}},
     });
 }
