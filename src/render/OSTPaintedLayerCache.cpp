@@ -1,0 +1,80 @@
+#include "render/OSTPaintedLayerCache.h"
+
+#include <QCache>
+#include <QPainter>
+
+namespace ostrel {
+
+namespace {
+
+// Enough for a full phone screen at ratio 3 several times over; a bitmap larger than the whole
+// budget is painted but not kept.
+constexpr qsizetype budgetBytes = 24 * 1024 * 1024;
+
+QCache<QString, QImage> &layers()
+{
+    static QCache<QString, QImage> cache(budgetBytes);
+    return cache;
+}
+
+qsizetype cost(const QImage &image)
+{
+    return std::max<qsizetype>(image.sizeInBytes(), 1);
+}
+
+QString keyAtRatio(const QString &key, const QSize &size, qreal ratio)
+{
+    return key + QStringLiteral("@%1x%2@%3").arg(size.width()).arg(size.height()).arg(ratio);
+}
+
+} // namespace
+
+QImage OSTPaintedLayerCache::layer(const QString &key, const QSize &size, qreal ratio, const Painting &paint)
+{
+    if (size.isEmpty() || !(ratio > 0))
+        return {};
+    const QString fullKey = keyAtRatio(key, size, ratio);
+    if (const QImage *kept = layers().object(fullKey))
+        return *kept;
+    QImage image((QSizeF(size) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return {};
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    {
+        QPainter painter(&image);
+        paint(painter);
+    }
+    const qsizetype imageCost = cost(image);
+    if (imageCost <= budgetBytes)
+        layers().insert(fullKey, new QImage(image), imageCost);
+    return image;
+}
+
+void OSTPaintedLayerCache::drawLayer(QPainter &painter, const QPoint &topLeft, const QImage &layer)
+{
+    if (!layer.isNull())
+        painter.drawImage(topLeft, layer);
+}
+
+qreal OSTPaintedLayerCache::devicePixelRatio(const QPainter &painter)
+{
+    return painter.device() ? painter.device()->devicePixelRatioF() : 1;
+}
+
+qsizetype OSTPaintedLayerCache::count()
+{
+    return layers().count();
+}
+
+qsizetype OSTPaintedLayerCache::bytes()
+{
+    return layers().totalCost();
+}
+
+void OSTPaintedLayerCache::clear()
+{
+    layers().clear();
+}
+
+} // namespace ostrel
