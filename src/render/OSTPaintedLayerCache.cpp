@@ -1,6 +1,7 @@
 #include "render/OSTPaintedLayerCache.h"
 
 #include <QCache>
+#include <QPaintEngine>
 #include <QPainter>
 
 namespace ostrel {
@@ -59,7 +60,11 @@ void OSTPaintedLayerCache::drawLayer(QPainter &painter, const QPoint &topLeft, c
 
 qreal OSTPaintedLayerCache::devicePixelRatio(const QPainter &painter)
 {
-    return painter.device() ? painter.device()->devicePixelRatioF() : 1;
+    // The engine's device, not painter.device(): a widget rendered into an image (previews,
+    // captures) is painted through a redirection, and only the engine knows the image's ratio.
+    const QPaintEngine *engine = painter.paintEngine();
+    const QPaintDevice *device = engine && engine->paintDevice() ? engine->paintDevice() : painter.device();
+    return device ? device->devicePixelRatioF() : 1;
 }
 
 qsizetype OSTPaintedLayerCache::count()

@@ -37,7 +37,7 @@ public:
     // Draws the layer at `topLeft` (in points) as one copy of pixels.
     static void drawLayer(QPainter &painter, const QPoint &topLeft, const QImage &layer);
 
-    // The device pixel ratio `painter` paints at (1 without a device).
+    // The device pixel ratio `painter` paints at, also through a redirection (1 without a device).
     static qreal devicePixelRatio(const QPainter &painter);
 
     // Layers kept now, and the bytes they take.
