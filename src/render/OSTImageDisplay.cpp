@@ -112,9 +112,7 @@ void OSTImageDisplay::paintEvent(QPaintEvent *)
     if (m_image.isNull())
         return;
     QPainter painter(this);
-    const QImage layer = OSTPaintedLayerCache::layer(layerKey(), size(), OSTPaintedLayerCache::devicePixelRatio(painter),
-                                                     [this](QPainter &layerPainter) { paintImage(layerPainter); });
-    OSTPaintedLayerCache::drawLayer(painter, QPoint(), layer);
+    OSTPaintedLayerCache::draw(painter, layerKey(), size(), [this](QPainter &layerPainter) { paintImage(layerPainter); });
 }
 
 QString OSTImageDisplay::layerKey() const

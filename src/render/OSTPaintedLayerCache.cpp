@@ -23,6 +23,12 @@ qsizetype cost(const QImage &image)
     return std::max<qsizetype>(image.sizeInBytes(), 1);
 }
 
+bool fitsBudget(const QSize &size, qreal ratio)
+{
+    const QSizeF pixels = QSizeF(size) * ratio;
+    return pixels.width() * pixels.height() * 4 <= qreal(budgetBytes);
+}
+
 QString keyAtRatio(const QString &key, const QSize &size, qreal ratio)
 {
     return key + QStringLiteral("@%1x%2@%3").arg(size.width()).arg(size.height()).arg(ratio);
@@ -52,10 +58,18 @@ QImage OSTPaintedLayerCache::layer(const QString &key, const QSize &size, qreal 
     return image;
 }
 
-void OSTPaintedLayerCache::drawLayer(QPainter &painter, const QPoint &topLeft, const QImage &layer)
+void OSTPaintedLayerCache::draw(QPainter &painter, const QString &key, const QSize &size, const Painting &paint)
 {
-    if (!layer.isNull())
-        painter.drawImage(topLeft, layer);
+    const qreal ratio = devicePixelRatio(painter);
+    if (!fitsBudget(size, ratio)) {
+        painter.save();
+        paint(painter);
+        painter.restore();
+        return;
+    }
+    const QImage kept = layer(key, size, ratio, paint);
+    if (!kept.isNull())
+        painter.drawImage(QPoint(), kept);
 }
 
 qreal OSTPaintedLayerCache::devicePixelRatio(const QPainter &painter)

@@ -34,8 +34,10 @@ public:
     // null image.
     static QImage layer(const QString &key, const QSize &size, qreal ratio, const Painting &paint);
 
-    // Draws the layer at `topLeft` (in points) as one copy of pixels.
-    static void drawLayer(QPainter &painter, const QPoint &topLeft, const QImage &layer);
+    // Draws the layer named `key` of `size` points at the painter's origin, painting it first
+    // when it is not kept. A layer larger than the whole budget is not worth keeping: `paint`
+    // then draws straight onto `painter`.
+    static void draw(QPainter &painter, const QString &key, const QSize &size, const Painting &paint);
 
     // The device pixel ratio `painter` paints at, also through a redirection (1 without a device).
     static qreal devicePixelRatio(const QPainter &painter);

@@ -56,7 +56,7 @@ void OSTRoundedClipEffect::draw(QPainter *painter)
     keepCovered(layer, outlineMask(size, ratio, offset));
     if (m_box->hasBorder()) {
         QPainter layerPainter(&layer);
-        OSTPaintedLayerCache::drawLayer(layerPainter, QPoint(), borderLayer(size, ratio, offset));
+        layerPainter.drawImage(QPoint(), borderLayer(size, ratio, offset));
     }
     painter->drawImage(offset, layer);
 }

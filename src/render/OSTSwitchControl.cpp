@@ -121,12 +121,10 @@ void OSTSwitchControl::paintEvent(QPaintEvent *)
                             .arg(m_thumbTint.rgba(), 0, 16)
                             .arg(m_thumbPosition)
                             .arg(hasFocus() ? palette().color(QPalette::Highlight).rgba() : 0, 0, 16);
-    const QImage layer = OSTPaintedLayerCache::layer(key, size(), OSTPaintedLayerCache::devicePixelRatio(painter),
-                                                     [this](QPainter &layerPainter) {
-                                                         layerPainter.setRenderHint(QPainter::Antialiasing);
-                                                         paintSwitch(layerPainter);
-                                                     });
-    OSTPaintedLayerCache::drawLayer(painter, QPoint(), layer);
+    OSTPaintedLayerCache::draw(painter, key, size(), [this](QPainter &layerPainter) {
+        layerPainter.setRenderHint(QPainter::Antialiasing);
+        paintSwitch(layerPainter);
+    });
 }
 
 void OSTSwitchControl::paintSwitch(QPainter &painter) const

@@ -67,6 +67,22 @@ TEST(PaintedLayerCache, PaintsOncePerKeySizeAndRatioAndLetsTheOldestGoBeyondItsB
     EXPECT_EQ(paintings, before + 1) << "the oldest went first";
 }
 
+TEST(PaintedLayerCache, AViewLargerThanTheWholeBudgetPaintsStraightOntoTheScreen)
+{
+    OSTPaintedLayerCache::clear();
+    OSTImageDisplay display;
+    display.resize(3000, 2200); // 26 MB at ratio 1
+    display.setContentMode(UIViewContentModeScaleToFill);
+    display.setImage(imageOfColor(Qt::red));
+    const QImage image = capture(display, 1);
+    EXPECT_TRUE(colorNear(pixelAt(image, {2990, 2190}), QColor(Qt::red)));
+    EXPECT_EQ(OSTPaintedLayerCache::count(), 0) << "nothing kept";
+
+    display.resize(300, 220);
+    EXPECT_TRUE(colorNear(pixelAt(capture(display, 1), {290, 210}), QColor(Qt::red)));
+    EXPECT_EQ(OSTPaintedLayerCache::count(), 1);
+}
+
 class KeptLayerPixels : public ::testing::TestWithParam<qreal> {};
 
 TEST_P(KeptLayerPixels, ViewsShowEveryChangeOfWhatTheirKeptLayersDepictAndMatchDirectPainting)
