@@ -11,6 +11,7 @@
 #include "OSTWidgetBenchmarkMain.h"
 #include "experience/OSTScreen.h"
 #include "presentation/OSTScreenView.h"
+#include "render/OSTPaintedLayerCache.h"
 
 #include <QImage>
 
@@ -114,7 +115,9 @@ OSTScreenView *buildView(const std::shared_ptr<const OSTScreen> &screen)
     return view;
 }
 
-void BM_ScreenFromJsonToPaint(benchmark::State &state)
+enum class KeptLayers { Reused, ClearedEachTime };
+
+void measureScreenFromJsonToPaint(benchmark::State &state, KeptLayers keptLayers)
 {
     const auto screen = benchmarkScreen();
     QImage target(QSize(375, 667) * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
@@ -130,12 +133,27 @@ void BM_ScreenFromJsonToPaint(benchmark::State &state)
         benchmark::DoNotOptimize(target.constBits());
         state.PauseTiming();
         view.reset();
+        if (keptLayers == KeptLayers::ClearedEachTime)
+            OSTPaintedLayerCache::clear();
         state.ResumeTiming();
     }
     state.counters["per_element_us"] = benchmark::Counter(
         double(state.iterations()) * elementCount, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
+
+// A screen built again: the pictures its views share with the previous build are kept layers.
+void BM_ScreenFromJsonToPaint(benchmark::State &state)
+{
+    measureScreenFromJsonToPaint(state, KeptLayers::Reused);
+}
 BENCHMARK(BM_ScreenFromJsonToPaint)->Unit(benchmark::kMillisecond);
+
+// A screen whose pictures were never painted: every layer is painted for the first time.
+void BM_ScreenFromJsonToPaintFirstTime(benchmark::State &state)
+{
+    measureScreenFromJsonToPaint(state, KeptLayers::ClearedEachTime);
+}
+BENCHMARK(BM_ScreenFromJsonToPaintFirstTime)->Unit(benchmark::kMillisecond);
 
 void BM_ScreenWidgetMemory(benchmark::State &state)
 {

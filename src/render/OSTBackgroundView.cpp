@@ -217,6 +217,11 @@ void OSTBackgroundView::paintGradient(QPainter &painter, const QPainterPath &sha
     painter.fillPath(shape, linear);
 }
 
+QString OSTBackgroundView::borderKey() const
+{
+    return u"%1 %2"_s.arg(m_borderWidth).arg(m_borderColor.rgba(), 0, 16);
+}
+
 void OSTBackgroundView::paintBorder(QPainter &painter) const
 {
     if (m_borderWidth <= 0)

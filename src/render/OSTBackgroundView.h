@@ -51,6 +51,9 @@ public:
 
     // The box's rounded outline in its own coordinates.
     QPainterPath outline() const;
+    bool hasBorder() const { return m_borderWidth > 0; }
+    // Names the border's width and colour, for keeping its drawing.
+    QString borderKey() const;
     // Draws the border (when there is one) along the outline.
     void paintBorder(QPainter &painter) const;
     // Draws the whole box (fill, gradient, border) in its own coordinates, as paintEvent does;

@@ -1,5 +1,7 @@
 #include "render/OSTImageDisplay.h"
 
+#include "render/OSTPaintedLayerCache.h"
+
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QPainter>
@@ -110,6 +112,23 @@ void OSTImageDisplay::paintEvent(QPaintEvent *)
     if (m_image.isNull())
         return;
     QPainter painter(this);
+    OSTPaintedLayerCache::draw(painter, layerKey(), size(), [this](QPainter &layerPainter) { paintImage(layerPainter); });
+}
+
+QString OSTImageDisplay::layerKey() const
+{
+    const QMargins insets = m_capInsets ? fittedInsets() : QMargins();
+    return u"image %1 %2 %3 %4 %5 %6 %7"_s.arg(m_image.cacheKey())
+        .arg(int(m_contentMode))
+        .arg(m_capInsets ? 1 : 0)
+        .arg(insets.left())
+        .arg(insets.top())
+        .arg(insets.right())
+        .arg(insets.bottom());
+}
+
+void OSTImageDisplay::paintImage(QPainter &painter) const
+{
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.setClipRect(rect());
     if (m_capInsets) {

@@ -13,7 +13,7 @@ namespace ostrel {
 // Paints one image inside its rectangle: placed by a content mode (scaled to fill, fitted,
 // filled, centred or pinned to an edge or corner), or, with cap insets, stretched as a nine-patch
 // whose corners keep their size. Nothing is drawn outside the rectangle. Accessibility reads it
-// as a graphic.
+// as a graphic. The image is drawn once per size and ratio and kept (OSTPaintedLayerCache).
 //
 // Lives on the GUI thread; owned by its parent widget.
 class OSTImageDisplay final : public QWidget {
@@ -39,6 +39,9 @@ protected:
 
 private:
     QMargins fittedInsets() const;
+    // Names everything paintImage draws but the size and ratio.
+    QString layerKey() const;
+    void paintImage(QPainter &painter) const;
 
     QImage m_image;
     UIViewContentMode m_contentMode = UIViewContentModeScaleAspectFill;

@@ -6,6 +6,9 @@
 #include "render/OSTBackgroundView.h"
 #include "render/OSTImageDisplay.h"
 #include "render/OSTPropertyValues.h"
+#include "users/OSTUserManager.h"
+
+#include <ostrel/OSTUser.h>
 
 #include <QPointer>
 
@@ -34,6 +37,22 @@ std::optional<QMargins> capInsetsWithProperties(const QVariantMap &properties)
     return QMargins(values[1], values[0], values[3], values[2]);
 }
 
+// "{name}" in "image" names the user property holding the address.
+std::optional<QString> referencedUserProperty(const QString &image)
+{
+    if (image.size() >= 2 && image.startsWith(u'{') && image.endsWith(u'}'))
+        return image.mid(1, image.size() - 2);
+    return std::nullopt;
+}
+
+// The current user's properties, read only when the image names one of them.
+QVariantMap userPropertiesReferencedBy(const QVariantMap &properties)
+{
+    if (!referencedUserProperty(ost_stringForKey(properties, u"image"_s).value_or(QString())))
+        return {};
+    return OSTUserManager::sharedManager().currentUser().properties();
+}
+
 void appendIfValid(QList<QUrl> &candidates, const QString &address, QUrl::ParsingMode mode)
 {
     if (address.isEmpty())
@@ -48,7 +67,7 @@ void appendIfValid(QList<QUrl> &candidates, const QString &address, QUrl::Parsin
 OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
     : OSTView(frame, properties, Styling::InSubclassConstructor, parent),
       m_display(new OSTImageDisplay(container())),
-      m_candidates(candidateURLsWithProperties(properties)),
+      m_candidates(candidateURLsWithProperties(properties, userPropertiesReferencedBy(properties))),
       m_imageRequired(ost_boolValue(ost_stringForKey(properties, u"required"_s).value_or(QString())))
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -61,14 +80,17 @@ OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, QW
     customizeWithProperties(properties);
 }
 
-QList<QUrl> OSTImageView::candidateURLsWithProperties(const QVariantMap &properties)
+QList<QUrl> OSTImageView::candidateURLsWithProperties(const QVariantMap &properties, const QVariantMap &userProperties)
 {
     QList<QUrl> candidates;
     QString image = ost_stringForKey(properties, u"image"_s).value_or(QString());
-    // "{name}" names a user property holding the address. No user manager exists yet to hold
-    // one, so such an image counts as empty and the placeholder is used.
-    if (image.size() >= 2 && image.startsWith(u'{') && image.endsWith(u'}'))
+    if (const auto propertyName = referencedUserProperty(image)) {
+        // Only a text can be an address; anything else the user holds under that name is skipped.
+        const QVariant address = userProperties.value(*propertyName);
+        if (address.typeId() == QMetaType::QString)
+            appendIfValid(candidates, address.toString(), QUrl::StrictMode);
         image.clear();
+    }
     const QString address = image.isEmpty() ? ost_stringForKey(properties, u"tempImage"_s).value_or(QString()) : image;
     appendIfValid(candidates, QString::fromLatin1(QUrl::toPercentEncoding(address, queryAllowedCharacters)),
                   QUrl::StrictMode);

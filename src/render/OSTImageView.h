@@ -13,7 +13,8 @@ class OSTImageDisplay;
 // The "images" element, and the state backgrounds of buttons: one remote image in an element box.
 // It reads the box keys of OSTView and
 //
-//   "image"        the image's address, or "{name}" for the address a user property holds
+//   "image"        the image's address, or "{name}" for the address the current user's
+//                  property of that name holds (tried first)
 //   "tempImage"    the address to use while "image" is empty or names a user property
 //   "backupImage"  the address tried last
 //   "required"     "true" when the screen should wait for the image
@@ -43,8 +44,11 @@ public:
     // The addresses this view tries, in order.
     const QList<QUrl> &candidateURLs() const { return m_candidates; }
 
-    // The candidate addresses the properties name, in the order they are tried.
-    static QList<QUrl> candidateURLsWithProperties(const QVariantMap &properties);
+    // The candidate addresses the properties name, in the order they are tried: the address the
+    // user property named by "{name}" holds (taken from `userProperties`), the image or its
+    // placeholder, the backup.
+    static QList<QUrl> candidateURLsWithProperties(const QVariantMap &properties,
+                                                   const QVariantMap &userProperties = {});
 
 signals:
     void requiredImageFinished();

@@ -1,9 +1,13 @@
 #include "render/OSTSwitchControl.h"
 
+#include "render/OSTPaintedLayerCache.h"
+
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPropertyAnimation>
+
+using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
@@ -106,6 +110,25 @@ void OSTSwitchControl::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    // A switch at rest looks like every other switch of its size and colours; while the thumb
+    // slides, each frame is new.
+    if (m_slide->state() == QAbstractAnimation::Running) {
+        paintSwitch(painter);
+        return;
+    }
+    const QString key = u"switch %1 %2 %3 %4 %5"_s.arg(m_tint.rgba(), 0, 16)
+                            .arg(m_onTint.rgba(), 0, 16)
+                            .arg(m_thumbTint.rgba(), 0, 16)
+                            .arg(m_thumbPosition)
+                            .arg(hasFocus() ? palette().color(QPalette::Highlight).rgba() : 0, 0, 16);
+    OSTPaintedLayerCache::draw(painter, key, size(), [this](QPainter &layerPainter) {
+        layerPainter.setRenderHint(QPainter::Antialiasing);
+        paintSwitch(layerPainter);
+    });
+}
+
+void OSTSwitchControl::paintSwitch(QPainter &painter) const
+{
     const QRectF track = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     const qreal radius = track.height() / 2;
 

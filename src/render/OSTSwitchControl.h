@@ -49,6 +49,7 @@ protected:
 
 private:
     void slideThumb(Animation animation);
+    void paintSwitch(QPainter &painter) const;
 
     QPropertyAnimation *const m_slide; // child
     QColor m_onTint;

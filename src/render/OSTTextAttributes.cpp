@@ -4,6 +4,7 @@
 #include "render/OSTAlphaBlur.h"
 #include "render/OSTColorHelpers.h"
 #include "render/OSTFontResolver.h"
+#include "render/OSTPaintedLayerCache.h"
 #include "render/OSTPropertyValues.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -93,7 +94,7 @@ void OSTTextAttributes::paintShadow(QPainter &painter, QTextDocument &document,
 {
     // The text drawn as coverage only, blurred, then coloured: the same soft shadow as an
     // element's drop shadow.
-    const qreal ratio = painter.device() ? painter.device()->devicePixelRatioF() : 1;
+    const qreal ratio = OSTPaintedLayerCache::devicePixelRatio(painter);
     const qreal sigma = m_shadow->blurRadius / 2 * ratio;
     const int margin = OSTAlphaBlur::reach(sigma) + 1;
     const QSizeF size = document.size();

@@ -44,8 +44,7 @@ public:
     std::shared_ptr<OSTExperiencePresenter::Presentation>
     presentationWithSettings(const OSTExperienceSettings &settings) override
     {
-        requestedTypes.push_back(settings.experienceType);
-        return last = std::make_shared<Presentation>();
+        return presentationWithType(settings.experienceType);
     }
     std::shared_ptr<OSTExperiencePresenter::Presentation> presentationWithType(int type) override
     {
@@ -65,11 +64,8 @@ struct UserState {
 
 // Completions and what they received.
 struct CompletionRecorder {
-    OSTExperienceManager::Completion completion()
-    {
-        return [this](bool success) { calls.push_back(success); };
-    }
     std::vector<bool> calls;
+    OSTExperienceManager::Completion completion() { return [this](bool success) { calls.push_back(success); }; }
 };
 
 QVariantMap flowsNamed(const QStringList &keys)

@@ -5,9 +5,11 @@
 #include "input/OSTButton.h"
 #include "input/OSTImagePickerButton.h"
 #include "input/OSTValidationItemModel.h"
+#include "platform/OSTBundle.h"
 #include "render/OSTImageDisplay.h"
 #include "render/OSTImageView.h"
 #include "support/OSTDevServerProcess.h"
+#include "users/OSTUserManager.h"
 
 #include "OSTValidationTestFakes.h"
 #include "../render/OSTPixelTestSupport.h"
@@ -106,6 +108,66 @@ TEST(Button, ToggleTakesPartInValidationAndDisabledShowsOnlyItsBackground)
     EXPECT_TRUE(plain->disabledBackground()->isVisibleTo(plain.get()));
 }
 
+int countPixels(const QImage &image, const std::function<bool(QColor)> &accept)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            count += accept(image.pixelColor(x, y)) ? 1 : 0;
+    return count;
+}
+
+class ButtonPixels : public ::testing::TestWithParam<qreal> {};
+
+TEST_P(ButtonPixels, EachStateShowsItsOwnBackgroundImageAndTitleInsideRoundedCorners)
+{
+    // The host's own pictures, found by file name as images of the cache would be.
+    QTemporaryDir bundle;
+    const struct {
+        const char *name;
+        QColor color;
+    } pictures[] = {{"red.png", Qt::red}, {"green.png", Qt::green}, {"blue.png", Qt::blue}};
+    for (const auto &picture : pictures)
+        ASSERT_TRUE(imageOfColor(picture.color, {30, 12}).save(bundle.filePath(QString::fromLatin1(picture.name))));
+    OSTBundle::setMainBundlePath(bundle.path());
+
+    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), jsonObject(R"({"cornerRadius": "10",
+        "states": {"normal": {"text": "Go", "size": "18", "textColor": "#FFFFFF", "image": "https://img.test/red.png"},
+                   "pressed": {"image": "https://img.test/green.png"},
+                   "disabled": {"textColor": "#000000", "image": "https://img.test/blue.png"}}})"), u"go"_s));
+    ASSERT_TRUE(button);
+    button->setFocusPolicy(Qt::NoFocus); // the focus frame would cover the corners
+    button->show();
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return !button->normalBackground()->image().isNull() && !button->highlightedBackground()->image().isNull()
+            && !button->disabledBackground()->image().isNull();
+    }));
+
+    const qreal ratio = GetParam();
+    const auto whitish = [](QColor color) { return color.red() > 200 && color.green() > 200 && color.blue() > 200; };
+    const auto blackish = [](QColor color) { return color.alpha() > 200 && color.value() < 60; };
+    const auto expectState = [&](const QColor &background, const std::function<bool(QColor)> &title,
+                                 const char *state) {
+        const QImage image = capture(*button, ratio);
+        EXPECT_EQ(image.size(), QSize(120, 40) * ratio) << state;
+        EXPECT_TRUE(colorNear(pixelAt(image, {10, 20}), background)) << state << ": left of the title";
+        EXPECT_TRUE(colorNear(pixelAt(image, {110, 20}), background)) << state << ": right of the title";
+        EXPECT_LT(pixelAt(image, {0.5, 0.5}).alpha(), 40) << state << ": the corner is cut round";
+        const QImage titleArea = image.copy(QRect(QPoint(40, 8) * ratio, QSize(40, 24) * ratio));
+        EXPECT_GT(countPixels(titleArea, title), 10 * ratio * ratio) << state << ": the title is drawn over the picture";
+    };
+
+    expectState(Qt::red, whitish, "normal");
+    QTest::mousePress(button.get(), Qt::LeftButton, {}, QPoint(60, 20));
+    expectState(Qt::green, whitish, "highlighted");
+    QTest::mouseRelease(button.get(), Qt::LeftButton, {}, QPoint(60, 20));
+    expectState(Qt::red, whitish, "normal again after the release");
+    button->setEnabled(false);
+    expectState(Qt::blue, blackish, "disabled");
+}
+
+INSTANTIATE_TEST_SUITE_P(Ratios, ButtonPixels, ::testing::Values(1.0, 2.0), test::ratioTestName);
+
 TEST(ImagePickerButton, ChosenPictureBecomesValueAndBackgroundAndCancellingLeavesItInvalid)
 {
     QTemporaryDir folder;
@@ -173,12 +235,55 @@ TEST_F(ImageViewAgainstService, FallsThroughFailingCandidatesAndReportsRequiredI
 
 TEST(ImageView, CandidatesFollowTheOrderAndEscapingRules)
 {
-    const auto candidates = OSTImageView::candidateURLsWithProperties(jsonObject(R"({"image": "{avatar}",
-        "tempImage": "https://x.test/a b.png", "backupImage": "https://x.test/backup.png"})"));
+    const QVariantMap avatarImage = jsonObject(R"({"image": "{avatar}",
+        "tempImage": "https://x.test/a b.png", "backupImage": "https://x.test/backup.png"})");
+    const auto candidates = OSTImageView::candidateURLsWithProperties(avatarImage);
     ASSERT_EQ(candidates.size(), 2);
     EXPECT_EQ(candidates.at(0).toString(QUrl::FullyEncoded), u"https://x.test/a%20b.png"_s);
     EXPECT_EQ(candidates.at(1).toString(), u"https://x.test/backup.png"_s);
     EXPECT_TRUE(OSTImageView::candidateURLsWithProperties(jsonObject(R"({"image": 5, "backupImage": ""})")).isEmpty());
+
+    // The user property "{avatar}" names comes first, when it holds an address.
+    const struct {
+        QVariantMap userProperties;
+        QStringList expected;
+    } cases[] = {
+        {{{u"avatar"_s, u"https://x.test/me.png"_s}},
+         {u"https://x.test/me.png"_s, u"https://x.test/a%20b.png"_s, u"https://x.test/backup.png"_s}},
+        {{{u"avatar"_s, 42}}, {u"https://x.test/a%20b.png"_s, u"https://x.test/backup.png"_s}},
+        {{{u"avatar"_s, u""_s}}, {u"https://x.test/a%20b.png"_s, u"https://x.test/backup.png"_s}},
+        {{{u"other"_s, u"https://x.test/other.png"_s}}, {u"https://x.test/a%20b.png"_s, u"https://x.test/backup.png"_s}},
+    };
+    for (const auto &testCase : cases) {
+        QStringList addresses;
+        for (const QUrl &url : OSTImageView::candidateURLsWithProperties(avatarImage, testCase.userProperties))
+            addresses << url.toString(QUrl::FullyEncoded);
+        EXPECT_EQ(addresses, testCase.expected) << testCase.userProperties.keys().join(u',').toStdString();
+    }
+    const auto plain = OSTImageView::candidateURLsWithProperties(jsonObject(R"({"image": "https://x.test/{x}.png"})"),
+                                                                 {{u"x"_s, u"https://x.test/me.png"_s}});
+    ASSERT_EQ(plain.size(), 1) << "braces inside an address name no property";
+    EXPECT_EQ(plain.at(0).toString(QUrl::FullyEncoded), u"https://x.test/%7Bx%7D.png"_s);
+}
+
+TEST_F(ImageViewAgainstService, LoadsTheAddressTheCurrentUsersPropertyHoldsBeforeThePlaceholder)
+{
+    server.writeImage(u"avatar.png"_s, pngOf(imageOfColor(Qt::green)));
+    server.writeImage(u"placeholder.png"_s, pngOf(imageOfColor(Qt::blue)));
+    const QVariantMap properties{{u"image"_s, u"{avatar}"_s}, {u"tempImage"_s, imageURL(u"placeholder.png"_s)},
+                                 {u"required"_s, u"true"_s}, {u"contentMode"_s, u"scaleToFill"_s}};
+
+    OSTImageView withoutProperty(QRect(0, 0, 40, 40), properties);
+    ASSERT_TRUE(finishes(withoutProperty));
+    EXPECT_TRUE(colorNear(pixelAt(capture(withoutProperty, 1), {20, 20}), QColor(Qt::blue)))
+        << "no such property: the placeholder shows";
+
+    OSTUserManager::sharedManager().appendUserProperties({{u"avatar"_s, imageURL(u"avatar.png"_s)}},
+                                                         OSTUserManager::Delivery::KeepLocal);
+    OSTImageView withProperty(QRect(0, 0, 40, 40), properties);
+    ASSERT_EQ(withProperty.candidateURLs().size(), 2);
+    ASSERT_TRUE(finishes(withProperty));
+    EXPECT_TRUE(colorNear(pixelAt(capture(withProperty, 2), {20, 20}), QColor(Qt::green)));
 }
 
 TEST(ImageView, CapInsetsStretchOnlyTheMiddleAndHostileInsetsStayInBounds)

@@ -19,6 +19,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <optional>
 
 using namespace ostrel;
 using namespace Qt::StringLiterals;
@@ -44,12 +45,26 @@ protected:
         QCoreApplication::processEvents();
     }
 
-    void finishLaunchingAndWait()
+    // Returns the launch blocks' verdict.
+    bool finishLaunchingAndWait()
     {
-        bool finished = false;
-        OSTServiceManager::sharedManager().executeAfterLaunch([&](bool) { finished = true; });
+        std::optional<bool> success;
+        OSTServiceManager::sharedManager().executeAfterLaunch([&](bool result) { success = result; });
         Ostrel::applicationDidFinishLaunching();
-        ASSERT_TRUE(test::waitUntil([&] { return finished; }));
+        EXPECT_TRUE(test::waitUntil([&] { return success.has_value(); }));
+        return success.value_or(false);
+    }
+
+    // Starts the SDK while nothing listens on the service's port; returns that port.
+    quint16 launchWithTheServiceDown(std::uint32_t reachabilityFlags)
+    {
+        startService();
+        const quint16 port = server.port();
+        server.stop();
+        setReachability(reachabilityFlags);
+        Ostrel::start();
+        EXPECT_TRUE(finishLaunchingAndWait()) << "a launch that failed for the network still releases the waiting work";
+        return port;
     }
 
     QList<test::OSTRecordedRequest> launches() const { return server.recordedRequests(u"launch_v3"_s); }
@@ -88,13 +103,9 @@ TEST_F(LaunchRecovery, OneLaunchPerProcessWhateverTheHostCalls)
 TEST_F(LaunchRecovery, ALaunchRefusedByTheServiceIsResentOnATimerOnceItIsBack)
 {
     test::ManualClockScope time;
-    startService();
-    const quint16 port = server.port();
-    server.stop();
-    setReachability(OSTReachabilityFlagReachable);
-    Ostrel::start();
-    finishLaunchingAndWait();
+    const quint16 port = launchWithTheServiceDown(OSTReachabilityFlagReachable);
     ASSERT_EQ(attempts(), 1u);
+    EXPECT_EQ(events.statistics(u"launch"_s).front().value(u"type"_s), u"failure"_s) << "a refused connection";
 
     // The first wait is 5 s spread by ±20 %: nothing before 4 s, a retry by 6 s.
     time.advance(3.9);
@@ -124,12 +135,7 @@ TEST_F(LaunchRecovery, ALaunchRefusedByTheServiceIsResentOnATimerOnceItIsBack)
 TEST_F(LaunchRecovery, WithoutANetworkOnlyReachabilityTriggersTheResend)
 {
     test::ManualClockScope time;
-    startService();
-    const quint16 port = server.port();
-    server.stop();
-    setReachability(0u); // not reachable
-    Ostrel::start();
-    finishLaunchingAndWait();
+    const quint16 port = launchWithTheServiceDown(0u); // not reachable
     ASSERT_TRUE(server.start({.extraArguments = {u"--port"_s, QString::number(port)}}));
 
     time.advance(600);

@@ -90,18 +90,14 @@ private:
 
 // Each call of a login completion, with the thread it ran on.
 struct LoginCalls {
+    struct Call { bool success; std::optional<QVariantMap> userInfo; bool onGUIThread; };
+    std::vector<Call> calls;
     OSTFacebookManager::LoginCompletion completion()
     {
         return [this](bool success, const std::optional<QVariantMap> &userInfo) {
             calls.push_back({success, userInfo, QThread::currentThread() == QCoreApplication::instance()->thread()});
         };
     }
-    struct Call {
-        bool success;
-        std::optional<QVariantMap> userInfo;
-        bool onGUIThread;
-    };
-    std::vector<Call> calls;
 };
 
 class FacebookLogin : public ::testing::Test {

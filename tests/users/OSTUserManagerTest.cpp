@@ -50,14 +50,8 @@ protected:
     }
 
     QList<test::OSTRecordedRequest> propertyRequests() const { return server.recordedRequests(u"user_properties"_s); }
-    bool waitForPropertyRequests(int count) const
-    {
-        return test::waitUntil([&] { return propertyRequests().size() >= count; });
-    }
-    QVariantMap lastSentProperties() const
-    {
-        return propertyRequests().last().parameters.value(u"user_properties"_s).toMap();
-    }
+    bool waitForPropertyRequests(int count) const { return test::waitUntil([&] { return propertyRequests().size() >= count; }); }
+    QVariantMap lastSentProperties() const { return propertyRequests().last().parameters.value(u"user_properties"_s).toMap(); }
 
     // Sends another launch request, waits until its response was handed out and returns what
     // the service received.
