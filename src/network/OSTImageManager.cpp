@@ -141,13 +141,24 @@ void OSTImageManager::waitForDownload(const QUrl &url, Completion completion)
 {
     const QString key = keyFor(url);
     quint64 serial = 0;
+    QImage finished;
     {
         QMutexLocker locker(&m_downloads->lock);
-        const auto [entry, created] = m_downloads->pending.try_emplace(key);
-        entry->second.completions.push_back(std::move(completion));
-        if (!created)
-            return;
-        serial = entry->second.serial = ++m_downloads->nextSerial;
+        // A download of the same file may have finished since the caller looked: it is
+        // remembered before its waiting list goes.
+        if (const QImage *image = m_downloads->decoded.object(imageNameForURL(url))) {
+            finished = *image;
+        } else {
+            const auto [entry, created] = m_downloads->pending.try_emplace(key);
+            entry->second.completions.push_back(std::move(completion));
+            if (!created)
+                return;
+            serial = entry->second.serial = ++m_downloads->nextSerial;
+        }
+    }
+    if (!finished.isNull()) {
+        deliver(completion, finished);
+        return;
     }
     Task task = downloadImageWithURL(url);
     // The download may already have finished, and a new one for the same address begun.
@@ -165,6 +176,11 @@ bool OSTImageManager::isWaitingFor(const QUrl &url) const
 
 void OSTImageManager::finishDownload(Downloads &downloads, const QUrl &url, const QImage &image)
 {
+    const QString name = imageNameForURL(url);
+    // Remembered before the waiting list goes, so a caller arriving in between finds the image
+    // instead of starting a second download.
+    if (!image.isNull())
+        rememberImage(downloads, name, image);
     std::vector<Completion> waiting;
     {
         QMutexLocker locker(&downloads.lock);
@@ -174,11 +190,8 @@ void OSTImageManager::finishDownload(Downloads &downloads, const QUrl &url, cons
             downloads.pending.erase(entry);
         }
     }
-    if (!image.isNull()) {
-        const QString name = imageNameForURL(url);
+    if (!image.isNull())
         downloads.files.saveImage(image, name);
-        rememberImage(downloads, name, image);
-    }
     for (const Completion &completion : waiting)
         deliver(completion, image);
 }
