@@ -1,8 +1,9 @@
 #include "platform/ui/OSTModalPresenter.h"
 
+#include "platform/ui/OSTFadingPicture.h"
+
 #include <QAbstractAnimation>
 #include <QApplication>
-#include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -95,19 +96,26 @@ TEST(ModalPresenter, CrossDissolvesInAndOutAndFinishesAFadeBeforeTheNextOne)
     Answers answers;
 
     presenter.present(&host.window, OSTAnimation::Animated, answers.record());
-    auto *opacity = qobject_cast<QGraphicsOpacityEffect *>(controller.view()->graphicsEffect());
-    ASSERT_NE(opacity, nullptr);
-    EXPECT_DOUBLE_EQ(opacity->opacity(), 0.0);
+    // The view's picture fades in its place: an effect on the view would break the view's own.
+    auto *picture = host.window.findChild<OSTFadingPicture *>();
+    ASSERT_NE(picture, nullptr);
+    EXPECT_DOUBLE_EQ(picture->opacity(), 0.0);
+    EXPECT_EQ(picture->geometry(), controller.view()->geometry());
+    EXPECT_FALSE(controller.view()->isVisible());
     EXPECT_TRUE(answers.values.isEmpty());
     EXPECT_EQ(controller.appearanceState(), State::Appearing);
     finish(presenter.runningTransition());
     EXPECT_EQ(answers.values, QList<bool>{true});
-    EXPECT_EQ(controller.view()->graphicsEffect(), nullptr) << "the effect is only for the fade";
+    EXPECT_EQ(host.window.findChild<OSTFadingPicture *>(), nullptr) << "the picture is only for the fade";
+    EXPECT_TRUE(controller.view()->isVisible());
+    EXPECT_EQ(controller.view()->graphicsEffect(), nullptr);
     EXPECT_EQ(controller.appearanceState(), State::Appeared);
 
     presenter.dismiss(OSTAnimation::Animated, answers.record());
     EXPECT_EQ(controller.view()->parentWidget(), &host.window) << "still there while fading out";
+    ASSERT_NE(host.window.findChild<OSTFadingPicture *>(), nullptr);
     finish(presenter.runningTransition());
+    EXPECT_EQ(host.window.findChild<OSTFadingPicture *>(), nullptr);
     EXPECT_EQ(answers.values, (QList<bool>{true, true}));
     EXPECT_EQ(controller.view()->parentWidget(), nullptr);
 

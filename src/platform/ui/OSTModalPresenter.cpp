@@ -1,11 +1,11 @@
 #include "platform/ui/OSTModalPresenter.h"
 
 #include "platform/OSTDeviceScreen.h"
+#include "platform/ui/OSTFadingPicture.h"
 
 #include <QApplication>
 #include <QChildEvent>
 #include <QEvent>
-#include <QGraphicsOpacityEffect>
 #include <QLoggingCategory>
 #include <QPropertyAnimation>
 
@@ -138,26 +138,29 @@ void OSTModalPresenter::showAsOwnWindow()
 
 void OSTModalPresenter::fade(double from, double to, OSTAnimation animation, std::function<void()> done)
 {
-    QWidget *view = m_controller->view();
-    // A view with an effect of its own is not faded: a widget holds only one effect at a time.
-    if (animation == OSTAnimation::Immediate || m_transitionMilliseconds <= 0 || view->graphicsEffect()) {
+    if (animation == OSTAnimation::Immediate || m_transitionMilliseconds <= 0) {
         done();
         return;
     }
-    auto *opacity = new QGraphicsOpacityEffect(view);
-    opacity->setOpacity(from);
-    view->setGraphicsEffect(opacity);
-    auto *animationOfOpacity = new QPropertyAnimation(opacity, "opacity", this);
+    // The picture stands in for the view while it fades; the view comes back at the end when
+    // it fades in.
+    QWidget *view = m_controller->view();
+    auto *picture = new OSTFadingPicture(view, from);
+    view->hide();
+    auto *animationOfOpacity = new QPropertyAnimation(picture, "opacity", this);
     animationOfOpacity->setStartValue(from);
     animationOfOpacity->setEndValue(to);
     animationOfOpacity->setDuration(m_transitionMilliseconds);
     m_fade = animationOfOpacity;
     connect(animationOfOpacity, &QAbstractAnimation::finished, this,
-            [this, view = QPointer<QWidget>(view), done = std::move(done)] {
+            [this, view = QPointer<QWidget>(view), picture, fadesIn = to > from, done = std::move(done)] {
                 m_fade.clear();
-                // The effect is only for the fade: it would otherwise repaint the cover offscreen.
-                if (view)
-                    view->setGraphicsEffect(nullptr);
+                delete picture;
+                if (view && fadesIn) {
+                    view->show();
+                    view->raise();
+                    view->setFocus(Qt::OtherFocusReason);
+                }
                 done();
             });
     animationOfOpacity->start(QAbstractAnimation::DeleteWhenStopped);

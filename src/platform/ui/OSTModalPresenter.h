@@ -15,7 +15,7 @@ namespace ostrel {
 // Shows one controller modally. Over a host window the controller's view becomes a child widget
 // that covers the whole window, stays on top of the window's other children and follows its
 // size; without a host window the view becomes a phone-sized top-level window of its own. Presenting and
-// dismissing are cross-dissolves (an opacity effect) or immediate, and drive the controller's
+// dismissing are cross-dissolves (a fading picture of the view) or immediate, and drive the controller's
 // appearance. Dismissal puts back what presenting changed: the view leaves the window, the
 // event filter goes, and the widget that had the keyboard focus gets it back. A host window
 // destroyed while covered gives the view back to its controller first.
