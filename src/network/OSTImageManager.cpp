@@ -176,11 +176,13 @@ bool OSTImageManager::isWaitingFor(const QUrl &url) const
 
 void OSTImageManager::finishDownload(Downloads &downloads, const QUrl &url, const QImage &image)
 {
-    const QString name = imageNameForURL(url);
-    // Remembered before the waiting list goes, so a caller arriving in between finds the image
-    // instead of starting a second download.
-    if (!image.isNull())
+    // Remembered and stored before the waiting list goes: a caller arriving in between joins
+    // the list, one arriving after it finds the image, and none starts a second download.
+    if (!image.isNull()) {
+        const QString name = imageNameForURL(url);
         rememberImage(downloads, name, image);
+        downloads.files.saveImage(image, name);
+    }
     std::vector<Completion> waiting;
     {
         QMutexLocker locker(&downloads.lock);
@@ -190,8 +192,6 @@ void OSTImageManager::finishDownload(Downloads &downloads, const QUrl &url, cons
             downloads.pending.erase(entry);
         }
     }
-    if (!image.isNull())
-        downloads.files.saveImage(image, name);
     for (const Completion &completion : waiting)
         deliver(completion, image);
 }
