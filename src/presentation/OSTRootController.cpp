@@ -5,6 +5,7 @@
 #include "platform/OSTBundle.h"
 #include "platform/OSTDeviceScreen.h"
 #include "platform/OSTNotificationCenter.h"
+#include "platform/ui/OSTFadingPicture.h"
 #include "platform/ui/OSTModalPresenter.h"
 #include "presentation/OSTLaunchController.h"
 
@@ -315,11 +316,21 @@ void OSTRootController::crossFadeFromLaunch(Completion completion)
     experienceView->setAttribute(Qt::WA_TransparentForMouseEvents, true);
     launchView->setAttribute(Qt::WA_TransparentForMouseEvents, true);
 
+    // The experience fades in as a picture: its screens' own effects cannot be drawn through an
+    // opacity effect.
+    view()->layout()->activate();
+    auto *picture = new OSTFadingPicture(experienceView, 0.0);
+    experienceView->hide();
     auto *fade = new QParallelAnimationGroup(this);
     fade->addAnimation(opacityAnimation(fadeEffect(launchView, 1.0), 0.0, crossFadeMilliseconds, fade));
-    fade->addAnimation(opacityAnimation(fadeEffect(experienceView, 0.0), 1.0, crossFadeMilliseconds, fade));
+    auto *fadeIn = new QPropertyAnimation(picture, "opacity", fade);
+    fadeIn->setStartValue(0.0);
+    fadeIn->setEndValue(1.0);
+    fadeIn->setDuration(crossFadeMilliseconds);
+    fade->addAnimation(fadeIn);
     m_crossFade = fade;
-    connect(fade, &QAbstractAnimation::finished, this, [this, completion = std::move(completion)] {
+    connect(fade, &QAbstractAnimation::finished, this, [this, picture, completion = std::move(completion)] {
+        delete picture;
         finishCrossFade(completion);
     });
     setNeedsStatusBarAppearanceUpdate();
@@ -331,7 +342,7 @@ void OSTRootController::finishCrossFade(const Completion &completion)
     m_crossFade.clear();
     if (OSTViewController *child = m_child.data()) {
         child->view()->setAttribute(Qt::WA_TransparentForMouseEvents, false);
-        child->view()->setGraphicsEffect(nullptr);
+        child->view()->show();
         child->endAppearanceTransition();
     }
     if (OSTLaunchController *launch = m_launchController.data()) {

@@ -4,6 +4,7 @@
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
 #include "platform/OSTNotificationCenter.h"
+#include "platform/ui/OSTFadingPicture.h"
 #include "platform/ui/OSTModalPresenter.h"
 #include "presentation/OSTLaunchController.h"
 #include "support/OSTTestSupport.h"
@@ -11,7 +12,6 @@
 #include <QAbstractAnimation>
 #include <QCoreApplication>
 #include <QEvent>
-#include <QGraphicsOpacityEffect>
 #include <QPointer>
 #include <QTemporaryDir>
 
@@ -185,9 +185,10 @@ TEST(RootController, WhileStartingTheLaunchCoverIsShownThenCrossFadesToTheExperi
     EXPECT_EQ(root.runningCrossFade()->totalDuration(), 250);
     EXPECT_EQ(cover->appearanceState(), State::Disappearing);
     EXPECT_EQ(factory.made->appearanceState(), State::Appearing);
-    auto *fadeIn = qobject_cast<QGraphicsOpacityEffect *>(factory.made->view()->graphicsEffect());
-    ASSERT_NE(fadeIn, nullptr);
+    auto *fadeIn = root.view()->findChild<OSTFadingPicture *>();
+    ASSERT_NE(fadeIn, nullptr) << "the experience fades in as a picture of itself";
     EXPECT_DOUBLE_EQ(fadeIn->opacity(), 0.0);
+    EXPECT_EQ(fadeIn->geometry(), root.view()->rect());
     EXPECT_TRUE(answers.values.isEmpty());
 
     finish(root.runningCrossFade());
@@ -196,7 +197,8 @@ TEST(RootController, WhileStartingTheLaunchCoverIsShownThenCrossFadesToTheExperi
     EXPECT_TRUE(cover.isNull()) << "the cover goes once the experience is up";
     EXPECT_EQ(root.childViewController(), factory.made.data());
     EXPECT_EQ(factory.made->appearanceState(), State::Appeared);
-    EXPECT_EQ(factory.made->view()->graphicsEffect(), nullptr);
+    EXPECT_EQ(root.view()->findChild<OSTFadingPicture *>(), nullptr);
+    EXPECT_TRUE(factory.made->view()->isVisible());
     EXPECT_FALSE(factory.made->view()->testAttribute(Qt::WA_TransparentForMouseEvents));
 }
 
