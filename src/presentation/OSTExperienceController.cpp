@@ -1,5 +1,6 @@
 #include "presentation/OSTExperienceController.h"
 
+#include "core/OSTGuiThreadAnswer.h"
 #include "core/OSTLogging.h"
 #include "events/OSTEventHook.h"
 #include "events/OSTInternalEvent.h"
@@ -13,7 +14,6 @@
 #include "input/OSTValidationGroupModel.h"
 #include "input/OSTValidationItemModel.h"
 #include "input/OSTValidationManager.h"
-#include "presentation/OSTGuiThreadAnswer.h"
 #include "presentation/OSTScreenEnvironment.h"
 #include "render/OSTLoadingOverlay.h"
 #include "users/OSTUserManager.h"
@@ -100,15 +100,17 @@ void OSTExperienceController::controllerWithType(int type, QSizeF area, Completi
         completion(nullptr);
         return;
     }
+    const OSTScreenController::Environment environment = OSTScreenEnvironment::forExperience(area);
     OSTScreenController::controllerWithScreen(
-        flow->screens().front(), OSTScreenEnvironment::forExperience(area),
-        [area, key = *key, completion = std::move(completion)](OSTScreenController *first) {
-            completion(first ? new OSTExperienceController(area, first, key) : nullptr);
+        flow->screens().front(), environment,
+        [environment, key = *key, completion = std::move(completion)](OSTScreenController *first) {
+            completion(first ? new OSTExperienceController(environment, first, key) : nullptr);
         });
 }
 
-OSTExperienceController::OSTExperienceController(QSizeF area, OSTScreenController *first, const QString &experienceKey)
-    : OSTNavigationController(first), m_screenEnvironment(OSTScreenEnvironment::forExperience(area))
+OSTExperienceController::OSTExperienceController(const OSTScreenController::Environment &screenEnvironment,
+                                                 OSTScreenController *first, const QString &experienceKey)
+    : OSTNavigationController(first), m_screenEnvironment(screenEnvironment)
 {
     // The first screen uses the key the experience was chosen by, later screens their flow's
     // own key: a flow delivered under a key with capitals then has two managers. Kept as the
@@ -388,7 +390,7 @@ void OSTExperienceController::validateScreenOfController(OSTScreenController &co
         return;
     }
     const auto answer = ost_answerOnGuiThreadOnce<const OSTValidationResult &>(
-        this, u"The experience delegate's validateUniqueFields"_s,
+        this, u"The experience delegate's validateUniqueFields"_s, OSTAnswerDelivery::AtOnce,
         [manager, screenKey, done, checkPhone](const OSTValidationResult &result) {
             if (result.isValid()) {
                 checkPhone();
@@ -415,7 +417,7 @@ void OSTExperienceController::validatePhoneNumberOfControllerIfAny(OSTScreenCont
         return;
     }
     const auto answer = ost_answerOnGuiThreadOnce<bool>(
-        this, u"The phone number verification"_s, [manager, item, screenKey, done](bool verified) {
+        this, u"The phone number verification"_s, OSTAnswerDelivery::AtOnce, [manager, item, screenKey, done](bool verified) {
             if (!verified) {
                 OSTValidationResult result;
                 result.invalidateField(item->userPropertyName());
@@ -438,7 +440,7 @@ void OSTExperienceController::validateFlowOfController(OSTScreenController &cont
         done(userID);
     };
     const auto authenticated = ost_answerOnGuiThreadOnce<const OSTValidationResult &, const QString &>(
-        this, u"The experience delegate's answer at the end of flow \"%1\""_s.arg(key),
+        this, u"The experience delegate's answer at the end of flow \"%1\""_s.arg(key), OSTAnswerDelivery::AtOnce,
         [handOver](const OSTValidationResult &result, const QString &userID) {
             handOver(result, userID.isEmpty() ? std::nullopt : std::optional<QString>(userID));
         });
@@ -451,7 +453,7 @@ void OSTExperienceController::validateFlowOfController(OSTScreenController &cont
         handOverToHost = [&](OSTExperienceDelegate &delegate) { delegate.signUpWithFields(fields, authenticated); };
     } else if (key == recoverPasswordFlowKey) {
         const auto validated = ost_answerOnGuiThreadOnce<const OSTValidationResult &>(
-            this, u"The experience delegate's recoverPasswordWithFields"_s,
+            this, u"The experience delegate's recoverPasswordWithFields"_s, OSTAnswerDelivery::AtOnce,
             [handOver](const OSTValidationResult &result) { handOver(result, std::nullopt); });
         handOverToHost = [&fields, validated](OSTExperienceDelegate &delegate) {
             delegate.recoverPasswordWithFields(fields, validated);

@@ -86,7 +86,9 @@ private:
     using Done = std::function<void()>;
     using UserDone = std::function<void(const std::optional<QString> &userID)>;
 
-    OSTExperienceController(QSizeF area, OSTScreenController *first, const QString &experienceKey);
+    // `first` was made with `screenEnvironment`; later screens are made with it too.
+    OSTExperienceController(const OSTScreenController::Environment &screenEnvironment, OSTScreenController *first,
+                            const QString &experienceKey);
 
     OSTScreenController *topScreenController() const;
     // Makes a screen controller of this experience; null when the screen cannot be built.

@@ -1,7 +1,7 @@
 #include "presentation/OSTScreenEnvironment.h"
 
+#include "core/OSTGuiThreadAnswer.h"
 #include "experience/OSTExperienceManager.h"
-#include "presentation/OSTGuiThreadAnswer.h"
 #include "users/OSTFacebookLoginInfo.h"
 #include "users/OSTFacebookManager.h"
 #include "users/OSTUserManager.h"
@@ -25,7 +25,7 @@ void logInWithSocialAccount(const QVariantMap &info,
                             const OSTScreenController::SocialLogInCompletion &completion)
 {
     const auto answer = ost_answerOnGuiThreadOnce<bool, const std::optional<QVariantMap> &>(
-        guiThreadContext(), u"The social log-in"_s, [completion](bool success, const std::optional<QVariantMap> &userInfo) {
+        guiThreadContext(), u"The social log-in"_s, OSTAnswerDelivery::AtOnce, [completion](bool success, const std::optional<QVariantMap> &userInfo) {
             completion(success && userInfo, userInfo.value_or(QVariantMap()));
         });
     OSTFacebookManager::sharedManager().logInWithInfo(OSTFacebookLoginInfo(info), answer);
@@ -35,7 +35,7 @@ void authenticateWithHost(const QVariantMap &fields,
                           const OSTScreenController::AuthenticationCompletion &completion)
 {
     const auto answer = ost_answerOnGuiThreadOnce<const OSTValidationResult &, const QString &>(
-        guiThreadContext(), u"The experience delegate's authenticateFacebookWithFields"_s,
+        guiThreadContext(), u"The experience delegate's authenticateFacebookWithFields"_s, OSTAnswerDelivery::AtOnce,
         [completion](const OSTValidationResult &result, const QString &userID) { completion(result, userID); });
     const auto sent = OSTExperienceManager::sharedManager().sendToDelegate(
         [&](OSTExperienceDelegate &delegate) { delegate.authenticateFacebookWithFields(fields, answer); });

@@ -3,12 +3,11 @@
 #include <ostrel/OSTRuntime.h>
 
 #include "core/OSTDictionaryHelpers.h"
+#include "core/OSTGuiThreadAnswer.h"
 #include "core/OSTLogging.h"
 #include "platform/OSTBundle.h"
-#include "platform/OSTMainQueue.h"
 #include "platform/OSTURLOpener.h"
 
-#include <atomic>
 #include <type_traits>
 
 using namespace Qt::StringLiterals;
@@ -17,19 +16,13 @@ namespace ostrel {
 
 namespace {
 
-// An adapter's completion as the SDK passes it on: brought to the GUI thread, and only the
-// first call counts.
+// An adapter's completion as the SDK passes it on: brought to the GUI thread, always on a later
+// turn of the event loop, and only the first call counts.
 template <typename... Args>
 std::function<void(Args...)> deliveredOnceOnMainQueue(std::type_identity_t<std::function<void(Args...)>> completion)
 {
-    auto delivered = std::make_shared<std::atomic_flag>();
-    return [completion = std::move(completion), delivered](Args... args) {
-        if (delivered->test_and_set()) {
-            OSTLogging::logDebug(u"The Facebook adapter answered more than once; the extra answer is ignored."_s);
-            return;
-        }
-        OSTMainQueue::async([completion, ... values = std::decay_t<Args>(args)] { completion(values...); });
-    };
+    return ost_answerOnGuiThreadOnce<Args...>(nullptr, u"The Facebook adapter"_s, OSTAnswerDelivery::Posted,
+                                              std::move(completion));
 }
 
 bool isTrue(const QVariant &value)
