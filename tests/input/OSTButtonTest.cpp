@@ -28,15 +28,9 @@ namespace {
 using test::bindModel;
 using test::capture;
 using test::colorNear;
+using test::imageOfColor;
 using test::jsonObject;
 using test::pixelAt;
-
-QImage imageOfColor(const QColor &color, QSize size = {20, 20})
-{
-    QImage image(size, QImage::Format_ARGB32);
-    image.fill(color);
-    return image;
-}
 
 QByteArray pngOf(const QImage &image)
 {

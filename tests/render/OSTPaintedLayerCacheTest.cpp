@@ -18,15 +18,9 @@ namespace {
 
 using test::capture;
 using test::colorNear;
+using test::imageOfColor;
 using test::jsonObject;
 using test::pixelAt;
-
-QImage imageOfColor(const QColor &color, QSize size = {20, 20})
-{
-    QImage image(size, QImage::Format_ARGB32);
-    image.fill(color);
-    return image;
-}
 
 TEST(PaintedLayerCache, PaintsOncePerKeySizeAndRatioAndLetsTheOldestGoBeyondItsBudget)
 {

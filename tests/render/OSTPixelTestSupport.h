@@ -70,4 +70,12 @@ inline std::string ratioTestName(const ::testing::TestParamInfo<qreal> &paramete
     return "Ratio" + std::to_string(int(parameter.param));
 }
 
+// A plain image of one colour, for image views and button backgrounds.
+inline QImage imageOfColor(const QColor &color, QSize size = {20, 20})
+{
+    QImage image(size, QImage::Format_ARGB32);
+    image.fill(color);
+    return image;
+}
+
 } // namespace ostrel::test
