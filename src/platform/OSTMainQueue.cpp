@@ -1,12 +1,35 @@
 #include "platform/OSTMainQueue.h"
 
+#include "platform/OSTBlockingCall.h"
 #include "platform/OSTClock.h"
+#include "platform/OSTSerialQueue.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QMetaObject>
 #include <QThread>
 
+#include <atomic>
+
 namespace ostrel {
+
+namespace {
+
+Q_LOGGING_CATEGORY(mainQueueLog, "ostrel.queues")
+
+std::atomic<bool> applicationEnded = false;
+
+// How long the end of the application waits for the serial queues' last work.
+constexpr int queueDrainMilliseconds = 3000;
+
+void shutDownWithTheApplication()
+{
+    qAddPostRoutine(&OSTMainQueue::shutDown);
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(shutDownWithTheApplication)
 
 bool OSTMainQueue::isCurrent()
 {
@@ -30,7 +53,9 @@ void OSTMainQueue::sync(const std::function<void()> &work)
         work();
         return;
     }
-    QMetaObject::invokeMethod(QCoreApplication::instance(), work, Qt::BlockingQueuedConnection);
+    const auto ended = [] { return applicationEnded.load(); };
+    if (OSTBlockingCall::run(QCoreApplication::instance(), work, ended) == OSTBlockingCall::Outcome::Abandoned)
+        qCWarning(mainQueueLog) << "Dropped work for the main thread: the application has ended";
 }
 
 void OSTMainQueue::after(double seconds, std::function<void()> work)
@@ -41,6 +66,13 @@ void OSTMainQueue::after(double seconds, std::function<void()> work)
         return;
     }
     OSTClock::current().schedule(seconds, application, std::move(work));
+}
+
+void OSTMainQueue::shutDown()
+{
+    applicationEnded = true;
+    OSTBlockingCall::wakeWaiters();
+    OSTSerialQueue::stopAll(QDeadlineTimer(queueDrainMilliseconds));
 }
 
 } // namespace ostrel

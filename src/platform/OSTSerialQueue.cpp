@@ -1,20 +1,69 @@
 #include "platform/OSTSerialQueue.h"
 
+#include "platform/OSTBlockingCall.h"
+
+#include <QLoggingCategory>
 #include <QMetaObject>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QWaitCondition>
+
+#include <atomic>
+#include <vector>
 
 namespace ostrel {
 
+// What outlives the queue object: its thread may still finish after a queue released by its own
+// work is gone.
+struct OSTSerialQueue::Lifetime {
+    std::atomic<bool> finished = false;
+    bool stopRequested = false; // guarded by the registry lock
+};
+
+namespace {
+
+Q_LOGGING_CATEGORY(serialQueueLog, "ostrel.queues")
+
+// Every live queue, so that the end of the application can stop them all.
+struct Registry {
+    QMutex mutex;
+    QWaitCondition threadFinished;
+    std::vector<OSTSerialQueue *> queues;
+    bool stopping = false;
+};
+
+Registry &registry()
+{
+    // Never destroyed: queue threads report their end here while exit handlers run.
+    static Registry *instance = new Registry;
+    return *instance;
+}
+
+} // namespace
+
 OSTSerialQueue::OSTSerialQueue(const QString &name)
-    : m_thread(std::make_unique<QThread>()), m_context(std::make_unique<QObject>())
+    : m_lifetime(std::make_shared<Lifetime>()), m_thread(std::make_unique<QThread>()),
+      m_context(std::make_unique<QObject>())
 {
     m_thread->setObjectName(name);
     m_context->setObjectName(name);
     m_context->moveToThread(m_thread.get());
+    // Runs on the queue's thread as its loop ends; no queued work runs after it.
+    QObject::connect(m_thread.get(), &QThread::finished, [lifetime = m_lifetime] {
+        lifetime->finished = true;
+        {
+            QMutexLocker locker(&registry().mutex);
+            registry().threadFinished.wakeAll();
+        }
+        OSTBlockingCall::wakeWaiters();
+    });
     m_thread->start();
+    registerQueue();
 }
 
 OSTSerialQueue::~OSTSerialQueue()
 {
+    unregisterQueue();
     // Queued behind the work already submitted, so that work still runs; the context (and any
     // children made on the queue) is destroyed on its own thread before the loop stops.
     QObject *context = m_context.release();
@@ -31,7 +80,55 @@ OSTSerialQueue::~OSTSerialQueue()
         return;
     }
     thread->wait();
+    // A queue stopped at the end of the application never ran the call above: its context is
+    // left to the end of the process rather than destroyed away from its thread.
     delete thread;
+}
+
+void OSTSerialQueue::registerQueue()
+{
+    QMutexLocker locker(&registry().mutex);
+    registry().queues.push_back(this);
+    if (registry().stopping)
+        requestStop();
+}
+
+void OSTSerialQueue::unregisterQueue()
+{
+    QMutexLocker locker(&registry().mutex);
+    std::erase(registry().queues, this);
+}
+
+void OSTSerialQueue::requestStop()
+{
+    if (m_lifetime->stopRequested)
+        return;
+    m_lifetime->stopRequested = true;
+    QMetaObject::invokeMethod(m_context.get(), [thread = m_thread.get()] { thread->quit(); },
+                              Qt::QueuedConnection);
+}
+
+void OSTSerialQueue::stopAll(QDeadlineTimer deadline)
+{
+    QMutexLocker locker(&registry().mutex);
+    registry().stopping = true;
+    for (OSTSerialQueue *queue : registry().queues)
+        queue->requestStop();
+    const auto stillRunning = [] {
+        QStringList names;
+        for (const OSTSerialQueue *queue : registry().queues) {
+            if (!queue->m_lifetime->finished)
+                names.append(queue->name());
+        }
+        return names;
+    };
+    while (!stillRunning().isEmpty()) {
+        if (!registry().threadFinished.wait(&registry().mutex, deadline)) {
+            qCWarning(serialQueueLog).noquote()
+                << "The application ended while these queues still had work:" << stillRunning().join(u", ");
+            return;
+        }
+    }
 }
 
 QString OSTSerialQueue::name() const
@@ -50,7 +147,9 @@ void OSTSerialQueue::sync(const std::function<void()> &work) const
         work();
         return;
     }
-    QMetaObject::invokeMethod(m_context.get(), work, Qt::BlockingQueuedConnection);
+    const auto stopped = [lifetime = m_lifetime] { return lifetime->finished.load(); };
+    if (OSTBlockingCall::run(m_context.get(), work, stopped) == OSTBlockingCall::Outcome::Abandoned)
+        qCWarning(serialQueueLog).noquote() << "Dropped work for the stopped queue" << name();
 }
 
 bool OSTSerialQueue::isCurrent() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QString>
 #include <QThread>
@@ -14,6 +15,10 @@ namespace ostrel {
 // context(). The destructor finishes the work already submitted, then stops the thread. Run on
 // the queue itself (by work that drops the queue's last owner), it returns at once and the
 // thread stops after that work; the queue must then not be used again, as after any destruction.
+//
+// At the end of the application every queue is stopped (stopAll): it finishes the work already
+// submitted and its thread ends, so that no SDK thread runs while the process's exit handlers
+// tear down the libraries it uses. A stopped queue drops later work, including sync() calls.
 class OSTSerialQueue {
 public:
     explicit OSTSerialQueue(const QString &name);
@@ -33,7 +38,20 @@ public:
     QObject *context() const { return m_context.get(); }
     QThread *thread() const { return m_thread.get(); }
 
+    // Stops every queue once its submitted work is done, and waits for their threads until
+    // `deadline`; queues made afterwards stop at once. Called on the main thread as the
+    // application object is destroyed. Queues still running at the deadline are logged.
+    static void stopAll(QDeadlineTimer deadline);
+
 private:
+    struct Lifetime;
+
+    void registerQueue();
+    void unregisterQueue();
+    // Precondition: the registry lock is held.
+    void requestStop();
+
+    std::shared_ptr<Lifetime> m_lifetime;
     // Released, not reset, by the destructor: see there.
     std::unique_ptr<QThread> m_thread;
     std::unique_ptr<QObject> m_context;

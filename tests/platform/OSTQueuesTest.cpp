@@ -1,20 +1,55 @@
 #include "platform/OSTMainQueue.h"
 #include "platform/OSTSerialQueue.h"
+#include "support/OSTChildProcess.h"
 #include "support/OSTTestSupport.h"
 
 #include <QCoreApplication>
 #include <QPointer>
+#include <QProcess>
 #include <QThread>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
 #include <mutex>
 #include <thread>
 #include <vector>
 
 using namespace ostrel;
 using namespace Qt::StringLiterals;
+
+namespace {
+
+void report(const char *line)
+{
+    std::printf("%s\n", line);
+    std::fflush(stdout);
+}
+
+// Returns from main (destroying the application) while a queue's work waits on the main thread,
+// as a command-line host does when it quits right after the SDK started sending something.
+const bool endingChildRegistered = test::OSTChildProcess::registerMode(u"end-with-busy-queues"_s, [](const QStringList &) {
+    // Never destroyed, like the SDK's own queues.
+    static OSTSerialQueue *busy = new OSTSerialQueue(u"busy"_s);
+    static OSTSerialQueue *idle = new OSTSerialQueue(u"idle"_s);
+    busy->async([] {
+        // Nothing serves the main thread any more: only the end of the application lets this go.
+        bool ran = false;
+        OSTMainQueue::sync([&] { ran = true; });
+        report(ran ? "busy: the main thread ran work after the end" : "busy: main-thread work dropped");
+    });
+    busy->async([] { report("busy: later work ran"); });
+    std::atexit([] {
+        idle->sync([] { report("idle: ran work after the end"); });
+        idle->async([] { report("idle: ran work after the end"); });
+        report("exit handlers");
+    });
+    return 0;
+});
+
+} // namespace
 
 TEST(SerialQueue, RunsWorkInOrderOnOneNamedThread)
 {
@@ -110,6 +145,21 @@ TEST(SerialQueue, AQueueReleasedByItsOwnWorkStopsWithoutWaitingForItself)
     test::waitUntil([&] { return finishedWork.load() && thread.isNull(); });
     EXPECT_TRUE(finishedWork.load());
     EXPECT_TRUE(thread.isNull()) << "the stopped thread's object is deleted by the thread that made it";
+}
+
+TEST(SerialQueue, TheEndOfTheApplicationDrainsEveryQueueBeforeTheExitHandlersRun)
+{
+    QProcess child;
+    child.start(QCoreApplication::applicationFilePath(), {test::OSTChildProcess::argumentFor(u"end-with-busy-queues"_s)});
+    ASSERT_TRUE(child.waitForFinished(30000)) << "a worker waiting on the main thread held the process";
+    const QString errors = QString::fromLocal8Bit(child.readAllStandardError());
+    EXPECT_EQ(child.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(child.exitCode(), 0) << errors.toStdString();
+    EXPECT_EQ(QString::fromLocal8Bit(child.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts),
+              (QStringList{u"busy: main-thread work dropped"_s, u"busy: later work ran"_s, u"exit handlers"_s}))
+        << "submitted work finishes before the exit handlers; nothing runs on a stopped queue";
+    EXPECT_TRUE(errors.contains(u"Dropped work for the main thread: the application has ended"_s)) << errors.toStdString();
+    EXPECT_TRUE(errors.contains(u"Dropped work for the stopped queue idle"_s)) << errors.toStdString();
 }
 
 TEST(MainQueue, AsyncAndSyncReachTheGuiThread)
