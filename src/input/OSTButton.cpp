@@ -3,6 +3,7 @@
 #include "core/OSTDictionaryHelpers.h"
 #include "experience/OSTAction.h"
 #include "input/OSTValidationItemModel.h"
+#include "render/OSTBackgroundView.h"
 #include "render/OSTImageView.h"
 #include "render/OSTViewEffect.h"
 
@@ -146,9 +147,21 @@ void OSTButton::paintTitleLayer()
     if (!look.title.isEmpty())
         look.attributes.paint(painter, titleDocument(), QRectF(rect()));
     if (hasFocus()) {
+        // The frame follows the shown background's corners, one pixel in, so it stays inside
+        // a rounded button instead of squaring off its corners.
+        const qreal radius = std::max<qreal>(0, shownBackgroundCornerRadius() - 1);
         painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
-        painter.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius, radius);
     }
+}
+
+qreal OSTButton::shownBackgroundCornerRadius() const
+{
+    for (const OSTImageView *background : {m_disabledBackground, m_highlightedBackground, m_normalBackground}) {
+        if (background && background->isVisibleTo(this))
+            return background->container()->cornerRadius();
+    }
+    return 0;
 }
 
 QTextDocument &OSTButton::titleDocument()

@@ -81,6 +81,7 @@ private:
     };
 
     OSTImageView *addBackground(const QVariantMap &properties);
+    qreal shownBackgroundCornerRadius() const;
     // The current state's title laid out at the current width; laid out again only when the
     // state, the width or the font changed.
     QTextDocument &titleDocument();
