@@ -2,9 +2,11 @@
 
 #include "core/OSTLogging.h"
 #include "network/OSTServiceConfiguration.h"
+#include "platform/OSTSerialQueue.h"
 
 #include <QCryptographicHash>
 
+#include <openssl/crypto.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/rand.h>
@@ -27,6 +29,13 @@ struct PublicKeyDeleter {
     void operator()(EVP_PKEY *key) const { EVP_PKEY_free(key); }
 };
 using PublicKeyPointer = std::unique_ptr<EVP_PKEY, PublicKeyDeleter>;
+
+// OpenSSL frees a thread's random generator and error state only after the thread is gone, which
+// for a queue stopped at the end of the application may be after the process began to exit.
+const bool threadStateReleasedWithEachQueue = [] {
+    OSTSerialQueue::addThreadEndHandler([] { OPENSSL_thread_stop(); });
+    return true;
+}();
 
 QString openSSLErrorText()
 {

@@ -29,6 +29,7 @@ struct Registry {
     QMutex mutex;
     QWaitCondition threadFinished;
     std::vector<OSTSerialQueue *> queues;
+    std::vector<std::function<void()>> threadEndHandlers;
     bool stopping = false;
 };
 
@@ -37,6 +38,17 @@ Registry &registry()
     // Never destroyed: queue threads report their end here while exit handlers run.
     static Registry *instance = new Registry;
     return *instance;
+}
+
+void runThreadEndHandlers()
+{
+    std::vector<std::function<void()>> handlers;
+    {
+        QMutexLocker locker(&registry().mutex);
+        handlers = registry().threadEndHandlers;
+    }
+    for (const auto &handler : handlers)
+        handler();
 }
 
 } // namespace
@@ -50,6 +62,7 @@ OSTSerialQueue::OSTSerialQueue(const QString &name)
     m_context->moveToThread(m_thread.get());
     // Runs on the queue's thread as its loop ends; no queued work runs after it.
     QObject::connect(m_thread.get(), &QThread::finished, [lifetime = m_lifetime] {
+        runThreadEndHandlers();
         lifetime->finished = true;
         {
             QMutexLocker locker(&registry().mutex);
@@ -129,6 +142,12 @@ void OSTSerialQueue::stopAll(QDeadlineTimer deadline)
             return;
         }
     }
+}
+
+void OSTSerialQueue::addThreadEndHandler(std::function<void()> handler)
+{
+    QMutexLocker locker(&registry().mutex);
+    registry().threadEndHandlers.push_back(std::move(handler));
 }
 
 QString OSTSerialQueue::name() const

@@ -42,6 +42,9 @@ public:
     // `deadline`; queues made afterwards stop at once. Called on the main thread as the
     // application object is destroyed. Queues still running at the deadline are logged.
     static void stopAll(QDeadlineTimer deadline);
+    // Adds work that every queue thread runs as it ends, before its queue counts as stopped: a
+    // library with per-thread state releases it there while the process is still whole.
+    static void addThreadEndHandler(std::function<void()> handler);
 
 private:
     struct Lifetime;
