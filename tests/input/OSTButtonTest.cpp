@@ -15,7 +15,6 @@
 #include "../render/OSTPixelTestSupport.h"
 
 #include <QAccessible>
-#include <QBuffer>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -28,18 +27,11 @@ namespace {
 using test::bindModel;
 using test::capture;
 using test::colorNear;
+using test::countPixels;
 using test::imageOfColor;
 using test::jsonObject;
 using test::pixelAt;
-
-QByteArray pngOf(const QImage &image)
-{
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return png;
-}
+using test::pngOf;
 
 TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)
 {
@@ -100,15 +92,6 @@ TEST(Button, ToggleTakesPartInValidationAndDisabledShowsOnlyItsBackground)
     plain->setEnabled(false);
     EXPECT_FALSE(plain->normalBackground()->isVisibleTo(plain.get()));
     EXPECT_TRUE(plain->disabledBackground()->isVisibleTo(plain.get()));
-}
-
-int countPixels(const QImage &image, const std::function<bool(QColor)> &accept)
-{
-    int count = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            count += accept(image.pixelColor(x, y)) ? 1 : 0;
-    return count;
 }
 
 class ButtonPixels : public ::testing::TestWithParam<qreal> {};

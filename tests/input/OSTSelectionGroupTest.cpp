@@ -106,9 +106,7 @@ TEST_F(SelectionGroupTest, TheActionIsPassedOnOnceTheMinimumIsSelectedAndValidit
 {
     const auto group = makeGroup(R"(, "minimumSelection": "2", "onClick": {"func": "next"},
         "errorMessage": "Pick two")");
-    auto model = std::make_shared<OSTValidationItemModel>(u"group"_s, QVariantMap{{u"errorMessage"_s, u"Pick two"_s}});
-    model->setItem(group.get());
-    group->setModel(model);
+    const auto model = test::bindModel(*group, {{u"errorMessage"_s, u"Pick two"_s}});
     EXPECT_FALSE(model->isValid());
     EXPECT_FALSE(group->shouldShowErrorMessage()) << "below the minimum from the start: no message";
 
@@ -126,10 +124,7 @@ TEST_F(SelectionGroupTest, TheActionIsPassedOnOnceTheMinimumIsSelectedAndValidit
     // Optional groups are always valid.
     buttons.clear();
     const auto optional = makeGroup(R"(, "minimumSelection": 2)");
-    auto optionalModel = std::make_shared<OSTValidationItemModel>(u"optional"_s, QVariantMap{{u"isOptional"_s, u"true"_s}});
-    optionalModel->setItem(optional.get());
-    optional->setModel(optionalModel);
-    EXPECT_TRUE(optionalModel->isValid());
+    EXPECT_TRUE(test::bindModel(*optional, "true")->isValid());
 }
 
 TEST_F(SelectionGroupTest, ValuesRestoreTheSameButtonsAndBadInputGivesDefaults)
@@ -165,10 +160,7 @@ TEST_F(SelectionGroupTest, ValuesRestoreTheSameButtonsAndBadInputGivesDefaults)
     EXPECT_EQ(broken.minimumSelection(), 0);
     EXPECT_FALSE(broken.action());
     OSTSelectionGroup unreachable(jsonObject(R"({"elements": {"a": "A"}, "minimumSelection": 5})"), u"unreachable"_s);
-    auto unreachableModel = std::make_shared<OSTValidationItemModel>(u"unreachable"_s, QVariantMap());
-    unreachableModel->setItem(&unreachable);
-    unreachable.setModel(unreachableModel);
-    EXPECT_FALSE(unreachableModel->isValid());
+    EXPECT_FALSE(test::bindModel(unreachable, "false")->isValid());
 }
 
 } // namespace

@@ -46,6 +46,20 @@ QStringList itemKeys(const OSTValidationGroupModel &group)
 const char *const signUpLayout = R"({"inputs": {"email": {"isUnique": "true", "userPropertyName": "email"},
     "password": {"textType": "password"}, "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"}}})";
 
+// A manager with the sign-up screen registered first, as most cases start.
+class ValidationManagerWithSignUp : public ::testing::Test {
+protected:
+    OSTValidationManager manager;
+    const std::shared_ptr<OSTValidationGroupModel> group = registerSignUp(manager);
+
+private:
+    static std::shared_ptr<OSTValidationGroupModel> registerSignUp(OSTValidationManager &manager)
+    {
+        manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
+        return manager.groupModelForKey(u"signup"_s);
+    }
+};
+
 } // namespace
 
 TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGroup)
@@ -88,11 +102,8 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     EXPECT_TRUE(manager.groupModelForKey(u"blank"_s)->isValid());
 }
 
-TEST(ValidationManager, RegisteringAScreenAgainKeepsTheFirstGroupAndItsValues)
+TEST_F(ValidationManagerWithSignUp, RegisteringAScreenAgainKeepsTheFirstGroupAndItsValues)
 {
-    OSTValidationManager manager;
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
-    const auto group = manager.groupModelForKey(u"signup"_s);
     {
         ScreenViews screen = attachScreen(manager, u"signup"_s, {u"email"_s});
         screen.input(u"email"_s).type(u"ada@example.com"_s);
@@ -106,11 +117,8 @@ TEST(ValidationManager, RegisteringAScreenAgainKeepsTheFirstGroupAndItsValues)
     EXPECT_TRUE(group->itemModelForKey(u"email"_s)->isValid());
 }
 
-TEST(ValidationManager, AttachingBindsViewsAndRestoresValuesIntoRebuiltInputs)
+TEST_F(ValidationManagerWithSignUp, AttachingBindsViewsAndRestoresValuesIntoRebuiltInputs)
 {
-    OSTValidationManager manager;
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
-    const auto group = manager.groupModelForKey(u"signup"_s);
     const auto email = group->itemModelForKey(u"email"_s);
 
     ScreenViews first = attachScreen(manager, u"signup"_s, {u"email"_s, u"password"_s});
@@ -150,11 +158,8 @@ TEST(ValidationManager, AttachingBindsViewsAndRestoresValuesIntoRebuiltInputs)
     EXPECT_EQ(strayView.validityChangedCount, 0);
 }
 
-TEST(ValidationManager, DestroyedScreenViewsAndInputsAreNeverTouched)
+TEST_F(ValidationManagerWithSignUp, DestroyedScreenViewsAndInputsAreNeverTouched)
 {
-    OSTValidationManager manager;
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
-    const auto group = manager.groupModelForKey(u"signup"_s);
     ScreenViews screen = attachScreen(manager, u"signup"_s, {u"email"_s, u"password"_s});
     screen.input(u"email"_s).type(u"ada@example.com"_s);
 
@@ -184,10 +189,8 @@ TEST(ValidationManager, DestroyedScreenViewsAndInputsAreNeverTouched)
         << "the models keep their values";
 }
 
-TEST(ValidationManager, FieldCollectionsAcrossScreens)
+TEST_F(ValidationManagerWithSignUp, FieldCollectionsAcrossScreens)
 {
-    OSTValidationManager manager;
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
     manager.addScreenWithKey(u"about"_s, mapFromJson(R"({"inputs": {
         "nickname": {"userPropertyName": "email", "isUnique": "true"}, "city": {}}})"));
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s, u"password"_s, u"pin"_s});
@@ -249,10 +252,8 @@ TEST(ValidationManager, ResultForOneScreenAppliesMessagePrecedencePerInput)
     EXPECT_TRUE(group->itemModelForKey(u"c"_s)->isValid()) << "an unknown screen or no result changes nothing";
 }
 
-TEST(ValidationManager, FlowResultWithoutFieldsGoesToTheLastScreenUntilAnyValidityIsSet)
+TEST_F(ValidationManagerWithSignUp, FlowResultWithoutFieldsGoesToTheLastScreenUntilAnyValidityIsSet)
 {
-    OSTValidationManager manager;
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
     manager.addScreenWithKey(u"about"_s, mapFromJson(R"({"inputs": {"city": {}, "street": {}}})"));
     ScreenViews about = attachScreen(manager, u"about"_s, {u"city"_s, u"street"_s});
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s});
@@ -274,7 +275,7 @@ TEST(ValidationManager, FlowResultWithoutFieldsGoesToTheLastScreenUntilAnyValidi
     EXPECT_EQ(about.view->shownMessage, u"Sign-up failed."_s)
         << "on the last registered screen (registering again does not move a screen), although every item is valid";
     EXPECT_EQ(aboutGroup->stateSensitiveErrorMessage(), u"Sign-up failed."_s);
-    EXPECT_NE(manager.groupModelForKey(u"signup"_s)->errorMessage(), u"Sign-up failed."_s);
+    EXPECT_NE(group->errorMessage(), u"Sign-up failed."_s);
     EXPECT_EQ(signUp.view->validityChangedCount, signUpNotifications) << "earlier screens hear nothing";
 
     const auto street = aboutGroup->itemModelForKey(u"street"_s);
@@ -283,10 +284,8 @@ TEST(ValidationManager, FlowResultWithoutFieldsGoesToTheLastScreenUntilAnyValidi
     EXPECT_TRUE(aboutGroup->isValid());
 }
 
-TEST(ValidationManager, FlowResultWithFieldsReachesEveryScreenAndFieldsRecoverTheirDefaults)
+TEST_F(ValidationManagerWithSignUp, FlowResultWithFieldsReachesEveryScreenAndFieldsRecoverTheirDefaults)
 {
-    OSTValidationManager manager;
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
     manager.addScreenWithKey(u"confirm"_s, mapFromJson(R"({"inputs": {
         "again": {"userPropertyName": "email", "errorMessage": "Repeat your e-mail address."}}})"));
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s});
@@ -295,7 +294,7 @@ TEST(ValidationManager, FlowResultWithFieldsReachesEveryScreenAndFieldsRecoverTh
     confirm.input(u"again"_s).type(u"ada@example.com"_s);
     confirm.input(u"again"_s).showsErrorMessage = true;
     const auto again = manager.groupModelForKey(u"confirm"_s)->itemModelForKey(u"again"_s);
-    const auto email = manager.groupModelForKey(u"signup"_s)->itemModelForKey(u"email"_s);
+    const auto email = group->itemModelForKey(u"email"_s);
 
     OSTValidationResult result;
     result.invalidateField(u"email"_s, u"Already registered."_s);

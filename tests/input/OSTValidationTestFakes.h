@@ -20,15 +20,19 @@
 
 namespace ostrel::test {
 
-// Binds a new item model to `input` as a flow's validation manager does; `optional` is the
-// "isOptional" string of the input's properties.
-inline std::shared_ptr<OSTValidationItemModel> bindModel(OSTValidationItem &input, const char *optional)
+// Binds a new item model with `properties` to `input` as a flow's validation manager does.
+inline std::shared_ptr<OSTValidationItemModel> bindModel(OSTValidationItem &input, const QVariantMap &properties)
 {
-    auto model = std::make_shared<OSTValidationItemModel>(
-        QStringLiteral("field"), QVariantMap{{QStringLiteral("isOptional"), QString::fromUtf8(optional)}});
+    auto model = std::make_shared<OSTValidationItemModel>(QStringLiteral("field"), properties);
     model->setItem(&input);
     input.setModel(model);
     return model;
+}
+
+// The same with only the "isOptional" string of the input's properties.
+inline std::shared_ptr<OSTValidationItemModel> bindModel(OSTValidationItem &input, const char *optional)
+{
+    return bindModel(input, QVariantMap{{QStringLiteral("isOptional"), QString::fromUtf8(optional)}});
 }
 
 // A text input that judges itself on every edit (valid when not empty) and then reports its

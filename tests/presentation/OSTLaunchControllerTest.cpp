@@ -4,7 +4,8 @@
 #include "platform/OSTBundle.h"
 #include "support/OSTTestSupport.h"
 
-#include <QBuffer>
+#include "../render/OSTPixelTestSupport.h"
+
 #include <QDialog>
 #include <QImage>
 #include <QLabel>
@@ -17,32 +18,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QByteArray launchForm = R"(<ui version="4.0"><class>Launch</class><widget class="QDialog" name="Launch">
+  <layout class="QVBoxLayout"><item><widget class="QLabel" name="brand"><property name="text"><string>Brand</string>
+  </property></widget></item></layout></widget></ui>)";
+
 // A PNG of `size` pixels filled with `color`, so a test can tell which file was chosen.
 QByteArray png(QSize size, QColor color)
 {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(color);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
+    return test::pngOf(test::imageOfColor(color, size));
 }
-
-const QByteArray launchForm = R"(<?xml version="1.0" encoding="UTF-8"?>
-<ui version="4.0">
- <class>Launch</class>
- <widget class="QDialog" name="Launch">
-  <layout class="QVBoxLayout">
-   <item>
-    <widget class="QLabel" name="brand">
-     <property name="text"><string>Brand</string></property>
-    </widget>
-   </item>
-  </layout>
- </widget>
-</ui>
-)";
 
 struct Bundle {
     QTemporaryDir folder;
@@ -120,9 +104,8 @@ TEST(LaunchController, TheFormWinsOverImagesWhichWinOverABlackCover)
         bundle.add(u"Broken.ui"_s, "<ui><widget class=");
         bundle.add(u"LaunchImage.png"_s, png({320, 480}, Qt::red));
         EXPECT_EQ(OSTLaunchController::getLaunchStoryboardName().has_value(), name == QVariant(u"Missing"_s) || name == QVariant(u"Broken"_s));
-        QString log;
         OSTLaunchController controller({320, 480}, 1.0);
-        log = test::captureStandardError([&] { controller.view(); });
+        const QString log = test::captureStandardError([&] { controller.view(); });
         auto *image = qobject_cast<QLabel *>(onlyChild(controller.view()));
         ASSERT_NE(image, nullptr) << name.toString().toStdString();
         EXPECT_EQ(colorOf(image->pixmap().toImage()), QColor(Qt::red));

@@ -17,6 +17,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 using namespace ostrel;
 using namespace Qt::StringLiterals;
 
@@ -31,27 +33,26 @@ public:
     bool prefersStatusBarHidden() const override { return hidesStatusBar; }
 };
 
-// The SDK's launch, finished when the test says so.
-struct Launch {
+// The SDK's side of a root controller: a launch finished when the test says so, an experience
+// built on request (counted), and the answers the controller gives.
+struct Sdk {
     QList<std::function<void(bool)>> waiting;
+    int calls = 0;
+    bool empty = false;
+    bool hidesStatusBar = false;
+    QPointer<Experience> made;
+    QList<bool> answers;
+
     OSTRootController::LaunchWaiter waiter()
     {
         return [this](std::function<void(bool)> block) { waiting.append(std::move(block)); };
     }
-    void finish(bool started)
+    void finishLaunch(bool started)
     {
         const auto blocks = std::exchange(waiting, {});
         for (const auto &block : blocks)
             block(started);
     }
-};
-
-// Builds the experience on request and remembers how often it was asked.
-struct Factory {
-    int calls = 0;
-    bool empty = false;
-    bool hidesStatusBar = false;
-    QPointer<Experience> made;
     OSTRootController::ChildFactory make()
     {
         return [this](QSizeF, OSTRootController::Delivery deliver) {
@@ -65,13 +66,17 @@ struct Factory {
             deliver(made.data());
         };
     }
-};
-
-struct Answers {
-    QList<bool> values;
     OSTRootController::Completion record()
     {
-        return [this](bool success) { values.append(success); };
+        return [this](bool success) { answers.append(success); };
+    }
+    // A root controller presenting over `window` (none: the front-most) that waits for this launch.
+    std::unique_ptr<OSTRootController> root(QWidget *window, OSTAnimation animation)
+    {
+        auto controller = std::make_unique<OSTRootController>(make(), OSTRootController::PresentationOptions{
+                                                                          window, animation, animation});
+        controller->setLaunchWaiter(waiter());
+        return controller;
     }
 };
 
@@ -86,11 +91,6 @@ struct Host {
         window.show();
     }
 };
-
-OSTRootController::PresentationOptions options(QWidget *window, OSTAnimation animation)
-{
-    return {window, animation, animation};
-}
 
 void finish(QAbstractAnimation *animation)
 {
@@ -125,151 +125,130 @@ TEST(RootController, OnceActiveTheExperienceIsPresentedDirectlyAndDismissedOnce)
     EXPECT_TRUE(OSTRootController::applicationHasBecomeActive());
 
     Host host;
-    Launch launch;
-    Factory factory;
-    Answers answers;
-    OSTRootController root(factory.make(), options(nullptr, OSTAnimation::Immediate));
-    root.setLaunchWaiter(launch.waiter());
-    root.present(answers.record());
-    EXPECT_EQ(factory.calls, 0) << "nothing is built before the launch has finished";
-    launch.finish(true);
+    Sdk sdk;
+    const auto root = sdk.root(nullptr, OSTAnimation::Immediate);
+    root->present(sdk.record());
+    EXPECT_EQ(sdk.calls, 0) << "nothing is built before the launch has finished";
+    sdk.finishLaunch(true);
 
-    EXPECT_EQ(answers.values, QList<bool>{true});
-    EXPECT_EQ(root.launchController(), nullptr);
-    ASSERT_NE(factory.made, nullptr);
-    EXPECT_EQ(root.childViewController(), factory.made.data());
-    EXPECT_EQ(root.view()->parentWidget(), &host.window);
-    EXPECT_EQ(root.view()->geometry(), host.window.rect());
-    EXPECT_EQ(factory.made->appearanceState(), State::Appeared);
+    EXPECT_EQ(sdk.answers, QList<bool>{true});
+    EXPECT_EQ(root->launchController(), nullptr);
+    ASSERT_NE(sdk.made, nullptr);
+    EXPECT_EQ(root->childViewController(), sdk.made.data());
+    EXPECT_EQ(root->view()->parentWidget(), &host.window);
+    EXPECT_EQ(root->view()->geometry(), host.window.rect());
+    EXPECT_EQ(sdk.made->appearanceState(), State::Appeared);
 
-    root.present(answers.record());
-    EXPECT_EQ(answers.values, (QList<bool>{true, false})) << "presenting twice is refused";
-    EXPECT_EQ(factory.calls, 1);
+    root->present(sdk.record());
+    EXPECT_EQ(sdk.answers, (QList<bool>{true, false})) << "presenting twice is refused";
+    EXPECT_EQ(sdk.calls, 1);
 
-    root.dismiss(answers.record());
-    EXPECT_EQ(answers.values, (QList<bool>{true, false, true}));
-    EXPECT_EQ(root.view()->parentWidget(), nullptr);
-    EXPECT_EQ(factory.made->appearanceState(), State::Disappeared);
+    root->dismiss(sdk.record());
+    EXPECT_EQ(sdk.answers, (QList<bool>{true, false, true}));
+    EXPECT_EQ(root->view()->parentWidget(), nullptr);
+    EXPECT_EQ(sdk.made->appearanceState(), State::Disappeared);
 }
 
 TEST(RootController, WhileStartingTheLaunchCoverIsShownThenCrossFadesToTheExperience)
 {
     expectStillStarting();
     Host host;
-    Launch launch;
-    Factory factory;
-    Answers answers;
-    OSTRootController root(factory.make(), options(&host.window, OSTAnimation::Animated));
-    root.setLaunchWaiter(launch.waiter());
+    Sdk sdk;
+    const auto root = sdk.root(&host.window, OSTAnimation::Animated);
 
-    root.present(answers.record());
-    ASSERT_NE(root.launchController(), nullptr);
-    ASSERT_NE(root.launchSnapshot(), nullptr);
-    EXPECT_EQ(root.launchSnapshot()->parentWidget(), &host.window);
-    EXPECT_EQ(root.launchSnapshot()->geometry(), host.window.rect());
-    EXPECT_EQ(root.launchSnapshot()->grab().toImage().pixelColor(10, 10), QColor(Qt::black));
-    EXPECT_FALSE(root.isViewLoaded() && root.view()->isVisible()) << "the cover itself comes on the next turn";
+    root->present(sdk.record());
+    ASSERT_NE(root->launchController(), nullptr);
+    ASSERT_NE(root->launchSnapshot(), nullptr);
+    EXPECT_EQ(root->launchSnapshot()->parentWidget(), &host.window);
+    EXPECT_EQ(root->launchSnapshot()->geometry(), host.window.rect());
+    EXPECT_EQ(root->launchSnapshot()->grab().toImage().pixelColor(10, 10), QColor(Qt::black));
+    EXPECT_FALSE(root->isViewLoaded() && root->view()->isVisible()) << "the cover itself comes on the next turn";
 
     QCoreApplication::processEvents();
-    EXPECT_EQ(root.launchSnapshot(), nullptr);
-    EXPECT_EQ(root.view()->parentWidget(), &host.window);
-    EXPECT_EQ(root.childViewController(), root.launchController());
-    EXPECT_EQ(root.presenter()->runningTransition(), nullptr) << "the cover is presented without animation";
-    EXPECT_TRUE(answers.values.isEmpty());
-    EXPECT_EQ(factory.calls, 0);
+    EXPECT_EQ(root->launchSnapshot(), nullptr);
+    EXPECT_EQ(root->view()->parentWidget(), &host.window);
+    EXPECT_EQ(root->childViewController(), root->launchController());
+    EXPECT_EQ(root->presenter()->runningTransition(), nullptr) << "the cover is presented without animation";
+    EXPECT_TRUE(sdk.answers.isEmpty());
+    EXPECT_EQ(sdk.calls, 0);
 
-    QPointer<OSTLaunchController> cover = root.launchController();
-    launch.finish(true);
-    ASSERT_NE(factory.made, nullptr);
-    ASSERT_NE(root.runningCrossFade(), nullptr);
-    EXPECT_EQ(root.runningCrossFade()->totalDuration(), 250);
+    QPointer<OSTLaunchController> cover = root->launchController();
+    sdk.finishLaunch(true);
+    ASSERT_NE(sdk.made, nullptr);
+    ASSERT_NE(root->runningCrossFade(), nullptr);
     EXPECT_EQ(cover->appearanceState(), State::Disappearing);
-    EXPECT_EQ(factory.made->appearanceState(), State::Appearing);
-    auto *fadeIn = root.view()->findChild<OSTFadingPicture *>();
+    EXPECT_EQ(sdk.made->appearanceState(), State::Appearing);
+    auto *fadeIn = root->view()->findChild<OSTFadingPicture *>();
     ASSERT_NE(fadeIn, nullptr) << "the experience fades in as a picture of itself";
     EXPECT_DOUBLE_EQ(fadeIn->opacity(), 0.0);
-    EXPECT_EQ(fadeIn->geometry(), root.view()->rect());
-    EXPECT_TRUE(answers.values.isEmpty());
+    EXPECT_EQ(fadeIn->geometry(), root->view()->rect());
+    EXPECT_TRUE(sdk.answers.isEmpty());
 
-    finish(root.runningCrossFade());
+    finish(root->runningCrossFade());
     runPostedWork();
-    EXPECT_EQ(answers.values, QList<bool>{true});
+    EXPECT_EQ(sdk.answers, QList<bool>{true});
     EXPECT_TRUE(cover.isNull()) << "the cover goes once the experience is up";
-    EXPECT_EQ(root.childViewController(), factory.made.data());
-    EXPECT_EQ(factory.made->appearanceState(), State::Appeared);
-    EXPECT_EQ(root.view()->findChild<OSTFadingPicture *>(), nullptr);
-    EXPECT_TRUE(factory.made->view()->isVisible());
-    EXPECT_FALSE(factory.made->view()->testAttribute(Qt::WA_TransparentForMouseEvents));
+    EXPECT_EQ(root->childViewController(), sdk.made.data());
+    EXPECT_EQ(sdk.made->appearanceState(), State::Appeared);
+    EXPECT_EQ(root->view()->findChild<OSTFadingPicture *>(), nullptr);
+    EXPECT_TRUE(sdk.made->view()->isVisible());
+    EXPECT_FALSE(sdk.made->view()->testAttribute(Qt::WA_TransparentForMouseEvents));
 }
 
 TEST(RootController, FailuresAnswerFalseAndTakeTheCoverAway)
 {
     expectStillStarting();
     Host host;
-    struct Case {
-        const char *name;
-        bool started;
-        bool nothingToShow;
-    };
-    for (const Case &c : {Case{"launch failed", false, false}, Case{"nothing to show", true, true}}) {
-        Launch launch;
-        Factory factory;
-        factory.empty = c.nothingToShow;
-        Answers answers;
-        OSTRootController root(factory.make(), options(&host.window, OSTAnimation::Animated));
-        root.setLaunchWaiter(launch.waiter());
-        root.present(answers.record());
+    for (const bool launchFailed : {true, false}) {
+        const char *name = launchFailed ? "launch failed" : "nothing to show";
+        Sdk sdk;
+        sdk.empty = !launchFailed;
+        const auto root = sdk.root(&host.window, OSTAnimation::Animated);
+        root->present(sdk.record());
         QCoreApplication::processEvents();
-        launch.finish(c.started);
-        EXPECT_EQ(answers.values, QList<bool>{false}) << c.name;
-        finish(root.presenter()->runningTransition());
-        EXPECT_EQ(root.view()->parentWidget(), nullptr) << c.name << ": the cover is dismissed";
+        sdk.finishLaunch(!launchFailed);
+        EXPECT_EQ(sdk.answers, QList<bool>{false}) << name;
+        finish(root->presenter()->runningTransition());
+        EXPECT_EQ(root->view()->parentWidget(), nullptr) << name << ": the cover is dismissed";
     }
 
-    Factory factory;
-    Answers answers;
-    OSTRootController loadOnly(factory.make());
-    loadOnly.present(answers.record());
-    EXPECT_EQ(answers.values, QList<bool>{false}) << "no settings, no presentation";
-    loadOnly.dismiss(answers.record());
-    EXPECT_EQ(answers.values, (QList<bool>{false, false, true})) << "dismissing without a child answers twice";
+    Sdk sdk;
+    OSTRootController loadOnly(sdk.make());
+    loadOnly.present(sdk.record());
+    EXPECT_EQ(sdk.answers, QList<bool>{false}) << "no settings, no presentation";
+    loadOnly.dismiss(sdk.record());
+    EXPECT_EQ(sdk.answers, (QList<bool>{false, false, true})) << "dismissing without a child answers twice";
 }
 
 TEST(RootController, DismissalOrDeletionWhileWaitingForTheLaunchDropsTheWork)
 {
     expectStillStarting();
     Host host;
-    Launch launch;
-    Factory factory;
-    Answers answers;
+    Sdk sdk;
     {
-        OSTRootController root(factory.make(), options(&host.window, OSTAnimation::Immediate));
-        root.setLaunchWaiter(launch.waiter());
-        root.present(answers.record());
-        root.dismiss(answers.record());
-        EXPECT_EQ(root.launchSnapshot(), nullptr);
+        const auto root = sdk.root(&host.window, OSTAnimation::Immediate);
+        root->present(sdk.record());
+        root->dismiss(sdk.record());
+        EXPECT_EQ(root->launchSnapshot(), nullptr);
         QCoreApplication::processEvents();
-        launch.finish(true);
-        EXPECT_EQ(factory.calls, 0) << "a dismissed presentation builds nothing";
-        EXPECT_EQ(root.view()->parentWidget(), nullptr);
+        sdk.finishLaunch(true);
+        EXPECT_EQ(sdk.calls, 0) << "a dismissed presentation builds nothing";
+        EXPECT_EQ(root->view()->parentWidget(), nullptr);
     }
-    EXPECT_EQ(answers.values, (QList<bool>{false, true, false}));
+    EXPECT_EQ(sdk.answers, (QList<bool>{false, true, false}));
 
-    auto *doomed = new OSTRootController(factory.make(), options(&host.window, OSTAnimation::Immediate));
-    doomed->setLaunchWaiter(launch.waiter());
-    doomed->load(answers.record());
-    delete doomed;
-    launch.finish(true);
-    EXPECT_EQ(factory.calls, 0) << "work for a deleted controller is dropped";
+    sdk.root(&host.window, OSTAnimation::Immediate)->load(sdk.record()); // deleted at once
+    sdk.finishLaunch(true);
+    EXPECT_EQ(sdk.calls, 0) << "work for a deleted controller is dropped";
 
-    OSTRootController loaded(factory.make());
-    loaded.setLaunchWaiter(launch.waiter());
-    loaded.load(answers.record());
-    launch.finish(true);
-    EXPECT_EQ(answers.values.last(), true);
-    ASSERT_NE(factory.made, nullptr);
-    EXPECT_EQ(factory.made->parentController(), &loaded);
-    EXPECT_EQ(factory.made->view()->parentWidget(), loaded.view());
+    OSTRootController loaded(sdk.make());
+    loaded.setLaunchWaiter(sdk.waiter());
+    loaded.load(sdk.record());
+    sdk.finishLaunch(true);
+    EXPECT_EQ(sdk.answers.last(), true);
+    ASSERT_NE(sdk.made, nullptr);
+    EXPECT_EQ(sdk.made->parentController(), &loaded);
+    EXPECT_EQ(sdk.made->view()->parentWidget(), loaded.view());
     EXPECT_EQ(loaded.view()->parentWidget(), nullptr) << "loading does not present";
 }
 
@@ -281,25 +260,23 @@ TEST(RootController, TheStatusBarIsPutBackAsItWas)
         Host host({360, 640}, {{u"UIViewControllerBasedStatusBarAppearance"_s, controllerBased}});
         statusBar.setVisibility(Visibility::Shown, OSTAnimation::Immediate);
         statusBar.setStyle(OSTStatusBarStyle::LightContent, OSTAnimation::Immediate);
-        Launch launch;
-        Factory factory;
-        factory.hidesStatusBar = true;
-        OSTRootController root(factory.make(), options(nullptr, OSTAnimation::Immediate));
-        root.setLaunchWaiter(launch.waiter());
-        root.present(nullptr);
-        launch.finish(true);
+        Sdk sdk;
+        sdk.hidesStatusBar = true;
+        const auto root = sdk.root(nullptr, OSTAnimation::Immediate);
+        root->present(nullptr);
+        sdk.finishLaunch(true);
         EXPECT_EQ(statusBar.visibility(), controllerBased ? Visibility::Hidden : Visibility::Shown);
         if (controllerBased) {
-            factory.made->hidesStatusBar = false;
-            factory.made->setNeedsStatusBarAppearanceUpdate();
+            sdk.made->hidesStatusBar = false;
+            sdk.made->setNeedsStatusBarAppearanceUpdate();
             EXPECT_EQ(statusBar.visibility(), Visibility::Shown) << "the experience's wishes are followed";
-            factory.made->hidesStatusBar = true;
-            factory.made->setNeedsStatusBarAppearanceUpdate();
+            sdk.made->hidesStatusBar = true;
+            sdk.made->setNeedsStatusBarAppearanceUpdate();
         } else {
             statusBar.setVisibility(Visibility::Hidden, OSTAnimation::Immediate);
         }
         statusBar.setStyle(OSTStatusBarStyle::Default, OSTAnimation::Immediate);
-        root.dismiss(nullptr);
+        root->dismiss(nullptr);
         EXPECT_EQ(statusBar.visibility(), Visibility::Shown);
         EXPECT_EQ(statusBar.style(), OSTStatusBarStyle::LightContent);
     }
@@ -312,14 +289,11 @@ TEST(RootController, PresentingOverALandscapeWindowWarnsAndCarriesOn)
     const QString warning = u"Presenting experience in landscape orientation, which is currently not supported by the SDK."_s;
     for (const QSize size : {QSize(800, 400), QSize(400, 800)}) {
         Host host(size);
-        Launch launch;
-        Factory factory;
-        Answers answers;
-        OSTRootController root(factory.make(), options(&host.window, OSTAnimation::Immediate));
-        root.setLaunchWaiter(launch.waiter());
-        root.present(answers.record());
-        const QString log = test::captureStandardError([&] { launch.finish(true); });
+        Sdk sdk;
+        const auto root = sdk.root(&host.window, OSTAnimation::Immediate);
+        root->present(sdk.record());
+        const QString log = test::captureStandardError([&] { sdk.finishLaunch(true); });
         EXPECT_EQ(log.contains(warning), size.width() > size.height()) << log.toStdString();
-        EXPECT_EQ(answers.values, QList<bool>{true});
+        EXPECT_EQ(sdk.answers, QList<bool>{true});
     }
 }

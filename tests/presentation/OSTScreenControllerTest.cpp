@@ -10,8 +10,8 @@
 #include "support/OSTEventRecorder.h"
 #include "support/OSTTestSupport.h"
 
-#include <QBuffer>
-#include <QImage>
+#include "../render/OSTPixelTestSupport.h"
+
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -32,17 +32,6 @@ public:
     }
     QStringList calls;
 };
-
-QByteArray redPng()
-{
-    QImage image(8, 8, QImage::Format_ARGB32);
-    image.fill(Qt::red);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return png;
-}
 
 QString screenWithRequiredImage(const QUrl &service, const QString &imageName)
 {
@@ -71,8 +60,8 @@ protected:
     {
         if (!test::OSTDevServerProcess::isAvailable())
             GTEST_SKIP() << "ostrel-devserver is not built";
-        m_server.writeImage(u"logo.png"_s, redPng());
-        m_server.writeImage(u"slow.png"_s, redPng());
+        m_server.writeImage(u"logo.png"_s, test::pngOf(test::imageOfColor(Qt::red)));
+        m_server.writeImage(u"slow.png"_s, test::pngOf(test::imageOfColor(Qt::red)));
         ASSERT_TRUE(m_server.start({.faults = faults}));
     }
     test::OSTDevServerProcess m_server;

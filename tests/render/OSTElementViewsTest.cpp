@@ -25,6 +25,7 @@ namespace {
 
 using test::capture;
 using test::colorNear;
+using test::countPixels;
 using test::jsonObject;
 using test::pixelAt;
 
@@ -34,15 +35,6 @@ void finishFade(OSTLoadingOverlay &overlay)
     for (auto *animation : overlay.findChildren<QPropertyAnimation *>())
         if (animation->state() == QAbstractAnimation::Running)
             animation->setCurrentTime(animation->totalDuration());
-}
-
-int countPixels(const QImage &image, const QRect &area, const std::function<bool(QColor)> &accept)
-{
-    int count = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y)
-        for (int x = area.left(); x <= area.right(); ++x)
-            count += accept(image.pixelColor(x, y)) ? 1 : 0;
-    return count;
 }
 
 class ElementViewPixels : public ::testing::TestWithParam<qreal> {};
@@ -55,21 +47,20 @@ TEST_P(ElementViewPixels, LabelDrawsColouredUnderlinedShadowedTextWithItsLineSpa
         "shadow": ["#0000FF", "2", "3", "3"]})");
     OSTLabel label(QRect(0, 0, 200, 120), properties);
     const QImage image = capture(label, ratio);
-    const QRect device(QPoint(), image.size());
-    const int red = countPixels(image, device, [](QColor c) { return c.red() > 200 && c.green() < 80 && c.blue() < 80; });
-    const int blue = countPixels(image, device, [](QColor c) { return c.blue() > 150 && c.red() < 150 && c.green() < 150; });
+    const auto reddish = [](QColor c) { return c.red() > 200 && c.green() < 80; };
+    const int red = countPixels(image, [](QColor c) { return c.red() > 200 && c.green() < 80 && c.blue() < 80; });
+    const int blue = countPixels(image, [](QColor c) { return c.blue() > 150 && c.red() < 150 && c.green() < 150; });
     EXPECT_GT(red, 50 * ratio * ratio) << "the text is red";
     EXPECT_GT(blue, 20 * ratio * ratio) << "a blue shadow lies below and right of the text";
     // Left aligned: nothing red in the right half of the box.
-    EXPECT_EQ(countPixels(image, QRect(int(120 * ratio), 0, int(80 * ratio), image.height()),
-                          [](QColor c) { return c.red() > 200 && c.green() < 80; }), 0);
+    EXPECT_EQ(countPixels(image, reddish, QRect(int(120 * ratio), 0, int(80 * ratio), image.height())), 0);
 
     // Line spacing pushes the second line down: the inked height grows by about twice the
     // spacing (the block is centred, so it grows both ways).
     auto inkedRows = [&](const QImage &picture) {
         QList<int> rows;
         for (int y = 0; y < picture.height(); ++y)
-            if (countPixels(picture, QRect(0, y, picture.width(), 1), [](QColor c) { return c.red() > 200 && c.green() < 80; }))
+            if (countPixels(picture, reddish, QRect(0, y, picture.width(), 1)))
                 rows.append(y);
         return rows.isEmpty() ? 0 : rows.last() - rows.first();
     };
@@ -110,7 +101,7 @@ TEST_P(ElementViewPixels, OverlayDimsTheViewAndShowsTheIndicator)
     // White under black at 75 %: a quarter of the white remains.
     EXPECT_TRUE(colorNear(pixelAt(image, {10, 10}), QColor(64, 64, 64), 4));
     const QRect centre = QRect(QPoint(int(80 * ratio), int(80 * ratio)), QSize(int(40 * ratio), int(40 * ratio)));
-    EXPECT_GT(countPixels(image, centre, [](QColor c) { return c.red() > 150; }), 10) << "white spokes in the middle";
+    EXPECT_GT(countPixels(image, [](QColor c) { return c.red() > 150; }, centre), 10) << "white spokes in the middle";
 }
 
 INSTANTIATE_TEST_SUITE_P(DevicePixelRatios, ElementViewPixels, ::testing::Values(1.0, 2.0),

@@ -2,6 +2,7 @@
 
 // Captures of offscreen widgets and colour checks for the pixel tests of the element views.
 
+#include <QBuffer>
 #include <QColor>
 #include <QImage>
 #include <QJsonDocument>
@@ -12,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <string>
 
 namespace ostrel::test {
@@ -76,6 +78,28 @@ inline QImage imageOfColor(const QColor &color, QSize size = {20, 20})
     QImage image(size, QImage::Format_ARGB32);
     image.fill(color);
     return image;
+}
+
+// The image as the bytes of a PNG file, as a service or a bundle holds it.
+inline QByteArray pngOf(const QImage &image)
+{
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return png;
+}
+
+// How many device pixels of `area` (the whole image when empty) `accept` takes.
+inline int countPixels(const QImage &image, const std::function<bool(QColor)> &accept, QRect area = {})
+{
+    if (area.isEmpty())
+        area = image.rect();
+    int count = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            count += accept(image.pixelColor(x, y)) ? 1 : 0;
+    return count;
 }
 
 } // namespace ostrel::test

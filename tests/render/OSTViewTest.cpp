@@ -122,12 +122,12 @@ TEST(View, ObjectShadowNeedsAPositiveRadiusButNotAVisibleColour)
     const auto shadowFor = [](const char *properties) {
         return OSTView(QRect(0, 0, 10, 10), jsonObject(properties)).objectShadow();
     };
-    EXPECT_FALSE(shadowFor("{}"));
-    EXPECT_FALSE(shadowFor(R"({"objectShadow": ["#000000", "4", "0"]})")) << "too short";
-    EXPECT_FALSE(shadowFor(R"({"objectShadow": ["#000000", "0", "0", "2"]})")) << "zero radius";
-    EXPECT_FALSE(shadowFor(R"({"objectShadow": ["#000000", "-3", "0", "2"]})"));
-    EXPECT_FALSE(shadowFor(R"({"objectShadow": [0, "4", "0", "2"]})")) << "colour must be a string";
-    EXPECT_FALSE(shadowFor(R"({"objectShadow": {"color": "#000000"}})"));
+    // Too short, a radius of zero or below, a colour that is no string, not an array.
+    for (const char *properties : {"{}", R"({"objectShadow": ["#000000", "4", "0"]})",
+                                   R"({"objectShadow": ["#000000", "0", "0", "2"]})",
+                                   R"({"objectShadow": ["#000000", "-3", "0", "2"]})",
+                                   R"({"objectShadow": [0, "4", "0", "2"]})", R"({"objectShadow": {"color": "#000000"}})"})
+        EXPECT_FALSE(shadowFor(properties)) << properties;
 
     const auto clear = shadowFor(R"({"objectShadow": ["#0000", 4, "0", "2"]})");
     ASSERT_TRUE(clear) << "a clear colour does not cancel the view's shadow";
