@@ -197,12 +197,8 @@ TEST_F(FlowManagerTest, ReadersOnOtherThreadsSeeWholeDeliveries)
 TEST_F(FlowManagerTest, LocalDefaultInTheMainBundleRegistersLocalFlowsAndScreens)
 {
     QTemporaryDir bundle;
-    const QVariantMap document{
-        {u"flow"_s, QVariantMap{{u"Install"_s, flowMetadata({u"Hello"_s})}}},
-        {u"splash"_s, QVariantMap{{u"Hello"_s, QVariantMap{{u"labels"_s, QVariantMap()}}}}},
-        {u"metadata"_s, QVariantMap{{u"splash_screen"_s, QVariantMap{{u"Hello"_s, QVariantMap{{u"json_version"_s, u"h1"_s}}}}}}},
-    };
-    test::writeFile(bundle.filePath(u"OSTDefault.json"_s), QJsonDocument::fromVariant(document).toJson());
+    test::writeFile(bundle.filePath(u"OSTDefault.json"_s), R"({"flow": {"Install": {"steps": ["Hello"]}},
+        "splash": {"Hello": {"labels": {}}}, "metadata": {"splash_screen": {"Hello": {"json_version": "h1"}}}})");
     OSTBundle::setMainBundlePath(bundle.path());
     ASSERT_TRUE(OSTServiceManager::localDefault().has_value());
 
@@ -225,12 +221,8 @@ TEST_F(FlowManagerTest, LocalDefaultInTheMainBundleRegistersLocalFlowsAndScreens
 
 TEST_F(FlowManagerTest, LocalDefaultWithOneScreenLackingItsJSONRegistersNothing)
 {
-    const QVariantMap complete{{u"labels"_s, QVariantMap()}};
-    const QVariantMap document{
-        {u"flow"_s, QVariantMap{{u"install"_s, flowMetadata({u"a"_s, u"b"_s})}}},
-        {u"splash"_s, QVariantMap{{u"a"_s, complete}, {u"b"_s, u"not an object"_s}}},
-        {u"metadata"_s, QVariantMap{{u"splash_screen"_s, QVariantMap{{u"a"_s, QVariantMap()}, {u"b"_s, QVariantMap()}}}}},
-    };
+    const QVariantMap document = test::jsonObject(R"({"flow": {"install": {"steps": ["a", "b"]}},
+        "splash": {"a": {"labels": {}}, "b": "not an object"}, "metadata": {"splash_screen": {"a": {}, "b": {}}}})");
     OSTFlowManager manager(settings());
     OSTLogging::setLoggingLevel(OSTLoggingLevelWarning);
     const QString log = test::captureStandardError([&] { EXPECT_FALSE(manager.loadLocalDefault(document)); });
