@@ -85,6 +85,7 @@ TEST_P(ExperienceChoice, AutomaticPresentationFollowsTheRow)
         const OSTExperienceManager &manager = OSTExperienceManager::sharedManager();
         const int type = presenter->requestedTypes.front();
         EXPECT_EQ(manager.experienceKeyForType(type), *row.resolvedKey);
+        ASSERT_TRUE(presenter->last->presentCompletion) << "asked to present";
         presenter->last->presentCompletion(manager.hasExperienceType(type));
     } else {
         EXPECT_TRUE(presenter->requestedTypes.empty());
