@@ -81,8 +81,8 @@ protected:
     QList<test::OSTRecordedRequest> launches() const { return server.recordedRequests(u"launch_v3"_s); }
     bool waitForLaunchCount(int count) const { return test::waitUntil([&] { return launches().size() >= count; }); }
     // The session starts and launch timings (one per attempt) among the events the SDK hands over.
-    std::vector<QVariantMap> sessionStarts() const { return sessionStarts(); }
-    std::vector<QVariantMap> launchTimings() const { return launchTimings(); }
+    std::vector<QVariantMap> sessionStarts() const { return events.parametersOf(OSTSessionStartedEvent); }
+    std::vector<QVariantMap> launchTimings() const { return events.statistics(u"launch"_s); }
     bool waitForAttempts(size_t count) const
     {
         return test::waitUntil([&] { return launchTimings().size() >= count; });
