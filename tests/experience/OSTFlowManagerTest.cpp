@@ -56,20 +56,12 @@ protected:
 TEST_F(FlowManagerTest, DeliveryRegistersScreensThenFlowsUnderLowerCasedKeys)
 {
     OSTFlowManager manager(settings());
-    const QVariantMap screens{
-        {u"Welcome"_s, screenMetadata(u"{}"_s, u"w1"_s,
-                                      {{u"experience_name"_s, u"Welcome!"_s}, {u"segment_name"_s, u""_s},
-                                       {u"ost_segment_id"_s, 0}, {u"test_name"_s, u"A/B"_s}, {u"not_tracked"_s, u"x"_s}})},
-        {u"details"_s, screenMetadata(u"not json"_s, u"d1"_s)},
-        {u"bogus"_s, u"not an object"_s},
-    };
-    const QVariantMap flows{
-        {u"SignUp"_s, flowMetadata({u"WELCOME"_s, 7, u"Details"_s, u"Missing"_s},
-                                   {{u"name"_s, u"Sign up"_s}, {u"segment_name"_s, u"new"_s}, {u"ost_segment_id"_s, u""_s},
-                                    {u"properties"_s, QVariantMap{{u"flowEndAction"_s, QVariantMap{{u"func"_s, u"close"_s}}}}}})},
-        {u"plain"_s, flowMetadata({})},
-        {u"broken"_s, QVariantList{u"welcome"_s}},
-    };
+    const QVariantMap screens = test::jsonObject(R"({"details": {"json_data": "not json", "json_version": "d1"},
+        "Welcome": {"json_data": "{}", "json_version": "w1", "experience_name": "Welcome!", "segment_name": "",
+                    "ost_segment_id": 0, "test_name": "A/B", "not_tracked": "x"}, "bogus": "not an object"})");
+    const QVariantMap flows = test::jsonObject(R"({"plain": {"steps": []}, "broken": ["welcome"],
+        "SignUp": {"steps": ["WELCOME", 7, "Details", "Missing"], "name": "Sign up", "segment_name": "new",
+                   "ost_segment_id": "", "properties": {"flowEndAction": {"func": "close"}}}})");
 
     const QString log = test::captureStandardError([&] { manager.loadFlows(flows, screens); });
 
@@ -239,23 +231,17 @@ TEST_F(FlowManagerTest, LocalDefaultWithOneScreenLackingItsJSONRegistersNothing)
 TEST_F(FlowManagerTest, PreloadingStopsAtTheFirstAddressThatIsNotAURL)
 {
     OSTBundle::setMainBundlePath(QTemporaryDir().path());
-    const QString base = u"http://127.0.0.1:9/"_s;
     // Images, then each button's states, then inputs.
-    const auto screenJSON = [&](const QString &prefix, const QVariantMap &images) {
-        const QVariantMap state{{u"image"_s, base + prefix + u"button.png"_s}};
-        const QVariantMap json{
-            {u"images"_s, images},
-            {u"buttons"_s, QVariantMap{{u"go"_s, QVariantMap{{u"states"_s, QVariantMap{{u"normal"_s, state}}}}}}},
-            {u"inputs"_s, QVariantMap{{u"name"_s, QVariantMap{{u"image"_s, base + prefix + u"input.png"_s}}}}},
-        };
-        return QString::fromUtf8(QJsonDocument::fromVariant(json).toJson());
+    const auto screenJSON = [](const QString &prefix, const QString &images) {
+        return uR"({"images": %1, "inputs": {"name": {"image": "http://127.0.0.1:9/%2input.png"}},
+                    "buttons": {"go": {"states": {"normal": {"image": "http://127.0.0.1:9/%2button.png"}}}}})"_s
+            .arg(images, prefix);
     };
     const QVariantMap screens{
-        {u"good"_s, screenMetadata(screenJSON(u"good-"_s, {{u"hero"_s, QVariantMap{{u"image"_s, base + u"hero.png"_s}}},
-                                               {u"skipped"_s, QVariantMap{{u"image"_s, 5}}}}),
-                                   u"g"_s)},
-        {u"stops"_s, screenMetadata(screenJSON(u"stops-"_s, {{u"a"_s, QVariantMap{{u"image"_s, u""_s}}},
-                                                {u"b"_s, QVariantMap{{u"image"_s, base + u"never.png"_s}}}}),
+        {u"good"_s, screenMetadata(screenJSON(u"good-"_s, uR"({"hero": {"image": "http://127.0.0.1:9/hero.png"},
+                                                               "skipped": {"image": 5}})"_s), u"g"_s)},
+        {u"stops"_s, screenMetadata(screenJSON(u"stops-"_s, uR"({"a": {"image": ""},
+                                                                 "b": {"image": "http://127.0.0.1:9/never.png"}})"_s),
                                     u"s"_s)},
         {u"unparsable"_s, screenMetadata(u"{\"images\":"_s, u"u"_s)},
     };

@@ -5,6 +5,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace ostrel::test {
@@ -15,11 +16,11 @@ class OSTScriptedPresenter : public OSTExperiencePresenter {
 public:
     class Presentation : public OSTExperiencePresenter::Presentation {
     public:
-        void presentWithCompletion(Completion completion) override;
-        void dismissWithCompletion(Completion completion) override;
-        void loadWithCompletion(Completion completion) override;
-        QWidget *takeView() override;
-        std::shared_ptr<const OSTScreen> currentScreen() const override;
+        void presentWithCompletion(Completion completion) override { presentCompletion = std::move(completion); }
+        void dismissWithCompletion(Completion completion) override { dismissCompletion = std::move(completion); }
+        void loadWithCompletion(Completion completion) override { loadCompletion = std::move(completion); }
+        QWidget *takeView() override { return &view; }
+        std::shared_ptr<const OSTScreen> currentScreen() const override { return screen; }
 
         Completion presentCompletion;
         Completion dismissCompletion;
@@ -29,8 +30,15 @@ public:
     };
 
     std::shared_ptr<OSTExperiencePresenter::Presentation>
-    presentationWithSettings(const OSTExperienceSettings &settings) override;
-    std::shared_ptr<OSTExperiencePresenter::Presentation> presentationWithType(int type) override;
+    presentationWithSettings(const OSTExperienceSettings &settings) override
+    {
+        return presentationWithType(settings.experienceType);
+    }
+    std::shared_ptr<OSTExperiencePresenter::Presentation> presentationWithType(int type) override
+    {
+        requestedTypes.push_back(type);
+        return last = std::make_shared<Presentation>();
+    }
 
     // The latest presentation handed out, and the experience type of each, oldest first.
     std::shared_ptr<Presentation> last;

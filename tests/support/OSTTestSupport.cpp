@@ -42,7 +42,12 @@ QString writeBundle(const QString &folder, const QVariantMap &info)
 
 QVariantMap jsonObject(const char *json)
 {
-    return QJsonDocument::fromJson(QByteArray(json)).object().toVariantMap();
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(QByteArray(json), &error);
+    // Test data that does not parse is a mistake in the test, also at static-initialisation time.
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        qFatal("test JSON is not an object (%s): %s", qPrintable(error.errorString()), json);
+    return document.object().toVariantMap();
 }
 
 void writeFile(const QString &path, const QByteArray &bytes)

@@ -28,7 +28,7 @@ private:
 
 // Writes `info` as Info.json into `folder` (created if needed) and returns the folder.
 QString writeBundle(const QString &folder, const QVariantMap &info);
-// The object a JSON text holds (empty when it holds none): test data written as JSON.
+// The object a JSON text holds: test data written as JSON. Ends the process if it holds none.
 QVariantMap jsonObject(const char *json);
 // Writes `bytes` to `path`, creating its folder.
 void writeFile(const QString &path, const QByteArray &bytes);

@@ -115,13 +115,9 @@ TEST_F(AttributionManagerTest, LatestRecordChangesOnlyWithAReturnAndStartsEachPr
     EXPECT_TRUE(settings().objectForKey(u"latestAttribution"_s).isValid()) << "archived even unchanged";
 
     appended.clear();
-    manager.updateLatestAttributionFromResponse(QVariantMap{
-        {u"return_referral"_s, true},
-        {u"return_link_id"_s, u"R1"_s},
-        {u"return_attribution_params"_s, QVariantMap{{u"deeplink"_s, u"myapp://promo"_s}}},
-        {u"return_sender"_s, QVariantMap{{u"name"_s, u"Grace"_s}}},
-        {u"link_id"_s, u"ignored"_s},
-    });
+    manager.updateLatestAttributionFromResponse(test::jsonObject(R"({"return_referral": true, "return_link_id": "R1",
+        "return_attribution_params": {"deeplink": "myapp://promo"}, "return_sender": {"name": "Grace"},
+        "link_id": "ignored"})"));
     const std::optional<OSTAttribution> latest = manager.latestAttribution();
     ASSERT_TRUE(latest);
     EXPECT_TRUE(latest->isReferral);
