@@ -115,12 +115,9 @@ TEST_F(FlowManagerTest, LaterDeliveriesMergeAndReuseStoredJSONByVersion)
 
     // The service leaves out the JSON of versions the SDK holds, under any key.
     const QVariantMap secondFlows{{u"second"_s, flowMetadata({u"renamed"_s, u"unknown"_s, u"fresh"_s})}};
-    const QVariantMap secondScreens{
-        {u"renamed"_s, QVariantMap{{u"json_version"_s, u"v2"_s}, {u"experience_name"_s, u"Renamed"_s}}},
-        {u"unknown"_s, QVariantMap{{u"json_version"_s, u"v9"_s}}},
-        {u"unversioned"_s, QVariantMap{{u"experience_name"_s, u"?"_s}}},
-        {u"fresh"_s, screenMetadata(u"{\"fresh\":3}"_s, u"v3"_s)},
-    };
+    const QVariantMap secondScreens = test::jsonObject(R"({"unknown": {"json_version": "v9"},
+        "renamed": {"json_version": "v2", "experience_name": "Renamed"}, "unversioned": {"experience_name": "?"},
+        "fresh": {"json_data": "{\"fresh\":3}", "json_version": "v3"}})");
     const QString log = test::captureStandardError([&] { manager.loadFlows(secondFlows, secondScreens); });
     manager.synchronize();
 
