@@ -8,14 +8,11 @@
 #include "experience/OSTFlowManager.h"
 #include "launch/OSTServiceManager.h"
 #include "platform/OSTApplication.h"
-#include "platform/OSTBundle.h"
 #include "support/OSTChildProcess.h"
 #include "support/OSTDevServerProcess.h"
 #include "support/OSTTestSupport.h"
 
-#include <QCoreApplication>
 #include <QJsonDocument>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -40,16 +37,6 @@ QVariantMap experience(const QVariantMap &welcome = welcomeJSON)
     };
 }
 
-bool launchAndWait()
-{
-    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
-    Ostrel::start();
-    bool finished = false;
-    Ostrel::executeAfterLaunch([&](bool) { finished = true; });
-    OSTApplication::sharedApplication().finishLaunching();
-    return test::waitUntil([&] { return finished; }, 30000);
-}
-
 QVariant parsed(const QString &json)
 {
     return QJsonDocument::fromJson(json.toUtf8()).toVariant();
@@ -57,9 +44,10 @@ QVariant parsed(const QString &json)
 
 // The first run of the installation, in a process of its own writing the parent's data folder.
 const bool firstRunRegistered = test::OSTChildProcess::registerMode(u"experience-first-run"_s, [](const QStringList &arguments) {
-    qputenv("XDG_DATA_HOME", arguments.at(arguments.size() - 2).toLocal8Bit());
-    OSTBundle::setMainBundlePath(arguments.last());
-    if (!launchAndWait())
+    test::OSTChildProcess::adoptParentData(arguments);
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
+    Ostrel::start();
+    if (!test::launchAndWait())
         return 1;
     const auto flow = OSTFlowManager::sharedManager().flowForKey(u"install"_s);
     if (!flow || flow->screens().size() != 2)
@@ -79,13 +67,7 @@ TEST(ExperienceLaunch, NextRunListsCachedVersionsAndReusesTheirJSON)
     ASSERT_TRUE(server.start());
     server.installMainBundle(bundle.path(), {{u"OstrelToken"_s, u"test-token"_s}});
 
-    QProcess firstRun;
-    firstRun.setProcessChannelMode(QProcess::ForwardedChannels);
-    firstRun.start(QCoreApplication::applicationFilePath(),
-                   {test::OSTChildProcess::argumentFor(u"experience-first-run"_s), qEnvironmentVariable("XDG_DATA_HOME"),
-                    bundle.path()});
-    ASSERT_TRUE(firstRun.waitForFinished(60000));
-    ASSERT_EQ(firstRun.exitCode(), 0);
+    ASSERT_EQ(test::OSTChildProcess::runSharingData(u"experience-first-run"_s, bundle.path()), 0);
     auto launches = server.recordedRequests(u"launch_v3"_s);
     ASSERT_EQ(launches.size(), 1);
     EXPECT_EQ(launches.first().parameters.value(u"cached_versions"_s), QVariant(QVariantList()))
@@ -96,7 +78,9 @@ TEST(ExperienceLaunch, NextRunListsCachedVersionsAndReusesTheirJSON)
 
     // This run starts with the first run's delivery registered from the store.
     ASSERT_TRUE(OSTFlowManager::sharedManager().hasFlowForKey(u"install"_s));
-    ASSERT_TRUE(launchAndWait());
+    OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
+    Ostrel::start();
+    ASSERT_TRUE(test::launchAndWait());
     launches = server.recordedRequests(u"launch_v3"_s);
     ASSERT_EQ(launches.size(), 2);
     EXPECT_EQ(launches.last().parameters.value(u"cached_versions"_s),

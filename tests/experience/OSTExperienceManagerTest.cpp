@@ -10,6 +10,7 @@
 #include "experience/OSTScreen.h"
 #include "platform/OSTBundle.h"
 #include "platform/OSTURLOpener.h"
+#include "support/OSTScriptedPresenter.h"
 #include "support/OSTTestSupport.h"
 
 #include <QTemporaryDir>
@@ -22,39 +23,6 @@ using namespace ostrel;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// A presenter whose presentations finish only when the test says so.
-class ScriptedPresenter : public OSTExperiencePresenter {
-public:
-    class Presentation : public OSTExperiencePresenter::Presentation {
-    public:
-        void presentWithCompletion(Completion completion) override { presentCompletion = std::move(completion); }
-        void dismissWithCompletion(Completion completion) override { dismissCompletion = std::move(completion); }
-        void loadWithCompletion(Completion completion) override { loadCompletion = std::move(completion); }
-        QWidget *takeView() override { return &view; }
-        std::shared_ptr<const OSTScreen> currentScreen() const override { return screen; }
-
-        Completion presentCompletion;
-        Completion dismissCompletion;
-        Completion loadCompletion;
-        QWidget view;
-        std::shared_ptr<const OSTScreen> screen;
-    };
-
-    std::shared_ptr<OSTExperiencePresenter::Presentation>
-    presentationWithSettings(const OSTExperienceSettings &settings) override
-    {
-        return presentationWithType(settings.experienceType);
-    }
-    std::shared_ptr<OSTExperiencePresenter::Presentation> presentationWithType(int type) override
-    {
-        requestedTypes.push_back(type);
-        return last = std::make_shared<Presentation>();
-    }
-
-    std::shared_ptr<Presentation> last;
-    std::vector<int> requestedTypes;
-};
 
 struct UserState {
     bool loggedIn = false;
@@ -106,7 +74,7 @@ protected:
     UserState user;
     bool started = true;
     bool launchedLifetime = false;
-    std::shared_ptr<ScriptedPresenter> presenter = std::make_shared<ScriptedPresenter>();
+    std::shared_ptr<test::OSTScriptedPresenter> presenter = std::make_shared<test::OSTScriptedPresenter>();
 };
 
 } // namespace

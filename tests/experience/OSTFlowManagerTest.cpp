@@ -56,20 +56,12 @@ protected:
 TEST_F(FlowManagerTest, DeliveryRegistersScreensThenFlowsUnderLowerCasedKeys)
 {
     OSTFlowManager manager(settings());
-    const QVariantMap screens{
-        {u"Welcome"_s, screenMetadata(u"{}"_s, u"w1"_s,
-                                      {{u"experience_name"_s, u"Welcome!"_s}, {u"segment_name"_s, u""_s},
-                                       {u"ost_segment_id"_s, 0}, {u"test_name"_s, u"A/B"_s}, {u"not_tracked"_s, u"x"_s}})},
-        {u"details"_s, screenMetadata(u"not json"_s, u"d1"_s)},
-        {u"bogus"_s, u"not an object"_s},
-    };
-    const QVariantMap flows{
-        {u"SignUp"_s, flowMetadata({u"WELCOME"_s, 7, u"Details"_s, u"Missing"_s},
-                                   {{u"name"_s, u"Sign up"_s}, {u"segment_name"_s, u"new"_s}, {u"ost_segment_id"_s, u""_s},
-                                    {u"properties"_s, QVariantMap{{u"flowEndAction"_s, QVariantMap{{u"func"_s, u"close"_s}}}}}})},
-        {u"plain"_s, flowMetadata({})},
-        {u"broken"_s, QVariantList{u"welcome"_s}},
-    };
+    const QVariantMap screens = test::jsonObject(R"({"details": {"json_data": "not json", "json_version": "d1"},
+        "Welcome": {"json_data": "{}", "json_version": "w1", "experience_name": "Welcome!", "segment_name": "",
+                    "ost_segment_id": 0, "test_name": "A/B", "not_tracked": "x"}, "bogus": "not an object"})");
+    const QVariantMap flows = test::jsonObject(R"({"plain": {"steps": []}, "broken": ["welcome"],
+        "SignUp": {"steps": ["WELCOME", 7, "Details", "Missing"], "name": "Sign up", "segment_name": "new",
+                   "ost_segment_id": "", "properties": {"flowEndAction": {"func": "close"}}}})");
 
     const QString log = test::captureStandardError([&] { manager.loadFlows(flows, screens); });
 
@@ -123,12 +115,9 @@ TEST_F(FlowManagerTest, LaterDeliveriesMergeAndReuseStoredJSONByVersion)
 
     // The service leaves out the JSON of versions the SDK holds, under any key.
     const QVariantMap secondFlows{{u"second"_s, flowMetadata({u"renamed"_s, u"unknown"_s, u"fresh"_s})}};
-    const QVariantMap secondScreens{
-        {u"renamed"_s, QVariantMap{{u"json_version"_s, u"v2"_s}, {u"experience_name"_s, u"Renamed"_s}}},
-        {u"unknown"_s, QVariantMap{{u"json_version"_s, u"v9"_s}}},
-        {u"unversioned"_s, QVariantMap{{u"experience_name"_s, u"?"_s}}},
-        {u"fresh"_s, screenMetadata(u"{\"fresh\":3}"_s, u"v3"_s)},
-    };
+    const QVariantMap secondScreens = test::jsonObject(R"({"unknown": {"json_version": "v9"},
+        "renamed": {"json_version": "v2", "experience_name": "Renamed"}, "unversioned": {"experience_name": "?"},
+        "fresh": {"json_data": "{\"fresh\":3}", "json_version": "v3"}})");
     const QString log = test::captureStandardError([&] { manager.loadFlows(secondFlows, secondScreens); });
     manager.synchronize();
 
@@ -197,12 +186,8 @@ TEST_F(FlowManagerTest, ReadersOnOtherThreadsSeeWholeDeliveries)
 TEST_F(FlowManagerTest, LocalDefaultInTheMainBundleRegistersLocalFlowsAndScreens)
 {
     QTemporaryDir bundle;
-    const QVariantMap document{
-        {u"flow"_s, QVariantMap{{u"Install"_s, flowMetadata({u"Hello"_s})}}},
-        {u"splash"_s, QVariantMap{{u"Hello"_s, QVariantMap{{u"labels"_s, QVariantMap()}}}}},
-        {u"metadata"_s, QVariantMap{{u"splash_screen"_s, QVariantMap{{u"Hello"_s, QVariantMap{{u"json_version"_s, u"h1"_s}}}}}}},
-    };
-    test::writeFile(bundle.filePath(u"OSTDefault.json"_s), QJsonDocument::fromVariant(document).toJson());
+    test::writeFile(bundle.filePath(u"OSTDefault.json"_s), R"({"flow": {"Install": {"steps": ["Hello"]}},
+        "splash": {"Hello": {"labels": {}}}, "metadata": {"splash_screen": {"Hello": {"json_version": "h1"}}}})");
     OSTBundle::setMainBundlePath(bundle.path());
     ASSERT_TRUE(OSTServiceManager::localDefault().has_value());
 
@@ -225,12 +210,8 @@ TEST_F(FlowManagerTest, LocalDefaultInTheMainBundleRegistersLocalFlowsAndScreens
 
 TEST_F(FlowManagerTest, LocalDefaultWithOneScreenLackingItsJSONRegistersNothing)
 {
-    const QVariantMap complete{{u"labels"_s, QVariantMap()}};
-    const QVariantMap document{
-        {u"flow"_s, QVariantMap{{u"install"_s, flowMetadata({u"a"_s, u"b"_s})}}},
-        {u"splash"_s, QVariantMap{{u"a"_s, complete}, {u"b"_s, u"not an object"_s}}},
-        {u"metadata"_s, QVariantMap{{u"splash_screen"_s, QVariantMap{{u"a"_s, QVariantMap()}, {u"b"_s, QVariantMap()}}}}},
-    };
+    const QVariantMap document = test::jsonObject(R"({"flow": {"install": {"steps": ["a", "b"]}},
+        "splash": {"a": {"labels": {}}, "b": "not an object"}, "metadata": {"splash_screen": {"a": {}, "b": {}}}})");
     OSTFlowManager manager(settings());
     OSTLogging::setLoggingLevel(OSTLoggingLevelWarning);
     const QString log = test::captureStandardError([&] { EXPECT_FALSE(manager.loadLocalDefault(document)); });
@@ -247,23 +228,17 @@ TEST_F(FlowManagerTest, LocalDefaultWithOneScreenLackingItsJSONRegistersNothing)
 TEST_F(FlowManagerTest, PreloadingStopsAtTheFirstAddressThatIsNotAURL)
 {
     OSTBundle::setMainBundlePath(QTemporaryDir().path());
-    const QString base = u"http://127.0.0.1:9/"_s;
     // Images, then each button's states, then inputs.
-    const auto screenJSON = [&](const QString &prefix, const QVariantMap &images) {
-        const QVariantMap state{{u"image"_s, base + prefix + u"button.png"_s}};
-        const QVariantMap json{
-            {u"images"_s, images},
-            {u"buttons"_s, QVariantMap{{u"go"_s, QVariantMap{{u"states"_s, QVariantMap{{u"normal"_s, state}}}}}}},
-            {u"inputs"_s, QVariantMap{{u"name"_s, QVariantMap{{u"image"_s, base + prefix + u"input.png"_s}}}}},
-        };
-        return QString::fromUtf8(QJsonDocument::fromVariant(json).toJson());
+    const auto screenJSON = [](const QString &prefix, const QString &images) {
+        return uR"({"images": %1, "inputs": {"name": {"image": "http://127.0.0.1:9/%2input.png"}},
+                    "buttons": {"go": {"states": {"normal": {"image": "http://127.0.0.1:9/%2button.png"}}}}})"_s
+            .arg(images, prefix);
     };
     const QVariantMap screens{
-        {u"good"_s, screenMetadata(screenJSON(u"good-"_s, {{u"hero"_s, QVariantMap{{u"image"_s, base + u"hero.png"_s}}},
-                                               {u"skipped"_s, QVariantMap{{u"image"_s, 5}}}}),
-                                   u"g"_s)},
-        {u"stops"_s, screenMetadata(screenJSON(u"stops-"_s, {{u"a"_s, QVariantMap{{u"image"_s, u""_s}}},
-                                                {u"b"_s, QVariantMap{{u"image"_s, base + u"never.png"_s}}}}),
+        {u"good"_s, screenMetadata(screenJSON(u"good-"_s, uR"({"hero": {"image": "http://127.0.0.1:9/hero.png"},
+                                                               "skipped": {"image": 5}})"_s), u"g"_s)},
+        {u"stops"_s, screenMetadata(screenJSON(u"stops-"_s, uR"({"a": {"image": ""},
+                                                                 "b": {"image": "http://127.0.0.1:9/never.png"}})"_s),
                                     u"s"_s)},
         {u"unparsable"_s, screenMetadata(u"{\"images\":"_s, u"u"_s)},
     };

@@ -8,15 +8,12 @@
 #include "experience/OSTExperienceManager.h"
 #include "launch/OSTServiceManager.h"
 #include "platform/OSTApplication.h"
-#include "platform/OSTBundle.h"
 #include "platform/OSTURLOpener.h"
 #include "support/OSTChildProcess.h"
 #include "support/OSTDevServerProcess.h"
 #include "support/OSTTestSupport.h"
 #include "users/OSTAttributionManager.h"
 
-#include <QCoreApplication>
-#include <QProcess>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSysInfo>
@@ -31,19 +28,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QVariantMap attributionConfiguration{
-    {u"referral"_s, 1},
-    {u"link_id"_s, u"install-link"_s},
-    {u"link_name"_s, u"Spring"_s},
-    {u"source_name"_s, u"newsletter"_s},
-    {u"targeting_id"_s, u"T1"_s},
-    {u"targeting_name"_s, u"SPRING"_s},
-    {u"attribution_params"_s, QVariantMap{{u"campaign"_s, u"spring"_s}}},
-    {u"sender"_s, QVariantMap{{u"first_name"_s, u"Ada"_s}}},
-    {u"return_referral"_s, 1},
-    {u"return_link_id"_s, u"return-link"_s},
-    {u"return_source_name"_s, u"mail"_s},
-};
+const QVariantMap attributionConfiguration = test::jsonObject(R"({
+    "referral": 1, "link_id": "install-link", "link_name": "Spring", "source_name": "newsletter",
+    "targeting_id": "T1", "targeting_name": "SPRING", "attribution_params": {"campaign": "spring"},
+    "sender": {"first_name": "Ada"}, "return_referral": 1, "return_link_id": "return-link",
+    "return_source_name": "mail"})");
 
 // The fingerprint keys whose desktop values do not depend on the moment.
 void expectDesktopFingerprint(const QVariantMap &parameters)
@@ -63,22 +52,13 @@ void expectDesktopFingerprint(const QVariantMap &parameters)
     EXPECT_EQ(parameters.value(u"device_timestamp"_s).toString().size(), 26);
 }
 
-bool launchAndWait(const OSTLaunchOptions &options = {})
-{
-    std::optional<bool> success;
-    Ostrel::executeAfterLaunch([&](bool result) { success = result; });
-    Ostrel::applicationDidFinishLaunching(options);
-    return test::waitUntil([&] { return success.has_value(); }, 30000) && *success;
-}
-
 // A first run of the installation, in its own process writing the parent's data folder.
 const bool firstRunRegistered =
     test::OSTChildProcess::registerMode(u"attribution-first-run"_s, [](const QStringList &arguments) {
-        qputenv("XDG_DATA_HOME", arguments.at(arguments.size() - 2).toLocal8Bit());
-        OSTBundle::setMainBundlePath(arguments.last());
+        test::OSTChildProcess::adoptParentData(arguments);
         OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
         Ostrel::start();
-        if (!launchAndWait())
+        if (!test::launchAndWait())
             return 1;
         std::optional<OSTAttribution> latest;
         Ostrel::getLatestAttributionWithCompletion([&](const std::optional<OSTAttribution> &a) { latest = a; });
@@ -132,13 +112,7 @@ protected:
 TEST_F(AttributionLaunch, RecordsArriveAfterTheLaunchPersistAndRestartAsTheInstall)
 {
     startService({}, attributionConfiguration);
-    QProcess firstRun;
-    firstRun.setProcessChannelMode(QProcess::ForwardedChannels);
-    firstRun.start(QCoreApplication::applicationFilePath(),
-                   {test::OSTChildProcess::argumentFor(u"attribution-first-run"_s), qEnvironmentVariable("XDG_DATA_HOME"),
-                    bundle.path()});
-    ASSERT_TRUE(firstRun.waitForFinished(60000));
-    ASSERT_EQ(firstRun.exitCode(), 0);
+    ASSERT_EQ(test::OSTChildProcess::runSharingData(u"attribution-first-run"_s, bundle.path()), 0);
     const auto launches = server.recordedRequests(u"launch_v3"_s);
     ASSERT_EQ(launches.size(), 1);
     expectDesktopFingerprint(launches.first().parameters);
@@ -152,7 +126,7 @@ TEST_F(AttributionLaunch, RecordsArriveAfterTheLaunchPersistAndRestartAsTheInsta
     Ostrel::getInstallAttributionWithCompletion([&](const auto &a) { installs.push_back(a); });
     Ostrel::getLatestAttributionWithCompletion([&](const auto &a) { latests.push_back(a); });
     EXPECT_TRUE(installs.empty() && latests.empty()) << "records wait for the launch";
-    ASSERT_TRUE(launchAndWait());
+    ASSERT_TRUE(test::launchAndWait());
 
     ASSERT_EQ(installs.size(), 1u);
     ASSERT_EQ(latests.size(), 1u);
@@ -169,7 +143,7 @@ TEST_F(AttributionLaunch, TrackingLinkComesBackAndItsClickOpensTheDeepLinkThroug
 {
     startService();
     Ostrel::start();
-    ASSERT_TRUE(launchAndWait());
+    ASSERT_TRUE(test::launchAndWait());
 
     const std::optional<QString> link = trackingLink(u"summer sale"_s, {{u"deeplink"_s, u"myapp://promo?id=7"_s}});
     ASSERT_TRUE(link);
@@ -204,7 +178,7 @@ TEST_F(AttributionLaunch, OpenedByALinkTheClickGoesFirstAndTheLaunchAfterIt)
     startService();
     Ostrel::start();
     const QUrl link(server.serviceURL().toString() + u"/l/unknown"_s);
-    ASSERT_TRUE(launchAndWait({.openedURL = link}));
+    ASSERT_TRUE(test::launchAndWait({.openedURL = link}));
 
     EXPECT_EQ(recordedEndpoints(), (QStringList{u"universal_link_click"_s, u"launch_v3"_s}));
     EXPECT_EQ(server.recordedRequests(u"universal_link_click"_s).first().parameters.value(u"url"_s), link.toString());
@@ -216,7 +190,7 @@ TEST_F(AttributionLaunch, RefusedTokenOnTheLinkClickInvalidatesTheLaunch)
     startService({u"universal_link_click:status=401"_s});
     Ostrel::start();
     const QString log = test::captureStandardError([&] {
-        EXPECT_FALSE(launchAndWait({.openedURL = QUrl(u"https://ost.li/abc"_s)})) << "the launch blocks get NO";
+        EXPECT_FALSE(test::launchAndWait({.openedURL = QUrl(u"https://ost.li/abc"_s)})) << "the launch blocks get NO";
     });
     EXPECT_TRUE(log.contains(u"Invalid token. Aborting launch sequence."_s)) << log.toStdString();
     EXPECT_EQ(recordedEndpoints(), QStringList{u"universal_link_click"_s}) << "no launch after the refusal";
@@ -238,7 +212,7 @@ TEST_F(AttributionLaunch, EventsCarryTheFingerprintAndInstallAttribution)
     installOnly.removeIf([](const auto &entry) { return entry.key().startsWith(u"return_"_s); });
     startService({}, installOnly);
     Ostrel::start();
-    ASSERT_TRUE(launchAndWait());
+    ASSERT_TRUE(test::launchAndWait());
     Ostrel::trackEventWithName(u"Tapped"_s, {});
     Ostrel::flushEvents();
     QVariantMap tapped;

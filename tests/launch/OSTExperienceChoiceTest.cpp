@@ -1,6 +1,6 @@
 // Which experience the automatic presentation chooses, row by row, through the public API with the
-// real user, service and experience managers against ostrel-devserver. A stand-in for the root
-// controller answers YES exactly when the chosen flow exists, as the real one does.
+// real user, service and experience managers against ostrel-devserver. The stand-in for the root
+// controller is answered YES exactly when the chosen flow exists, as the real one answers.
 
 #include <ostrel/Ostrel.h>
 
@@ -8,6 +8,7 @@
 #include "experience/OSTExperienceManager.h"
 #include "platform/OSTApplication.h"
 #include "support/OSTDevServerProcess.h"
+#include "support/OSTScriptedPresenter.h"
 #include "support/OSTTestSupport.h"
 
 #include <QTemporaryDir>
@@ -18,41 +19,6 @@ using namespace ostrel;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Records the flow key each presentation resolves and succeeds when that flow is registered.
-class FlowCheckingPresenter : public OSTExperiencePresenter {
-public:
-    class Presentation : public OSTExperiencePresenter::Presentation {
-    public:
-        Presentation(FlowCheckingPresenter &owner, int type) : m_owner(owner), m_type(type) {}
-        void presentWithCompletion(Completion completion) override
-        {
-            const OSTExperienceManager &manager = OSTExperienceManager::sharedManager();
-            m_owner.resolvedKeys.push_back(manager.experienceKeyForType(m_type));
-            completion(manager.hasExperienceType(m_type));
-        }
-        void dismissWithCompletion(Completion completion) override { completion(true); }
-        void loadWithCompletion(Completion completion) override { completion(false); }
-        QWidget *takeView() override { return nullptr; }
-        std::shared_ptr<const OSTScreen> currentScreen() const override { return nullptr; }
-
-    private:
-        FlowCheckingPresenter &m_owner;
-        const int m_type;
-    };
-
-    std::shared_ptr<OSTExperiencePresenter::Presentation>
-    presentationWithSettings(const OSTExperienceSettings &settings) override
-    {
-        return presentationWithType(settings.experienceType);
-    }
-    std::shared_ptr<OSTExperiencePresenter::Presentation> presentationWithType(int type) override
-    {
-        return std::make_shared<Presentation>(*this, type);
-    }
-
-    std::vector<std::optional<QString>> resolvedKeys;
-};
 
 enum class Launch { First, Later };
 enum class History { NeverLoggedIn, LoggedInNow, LoggedOutSinceLogIn };
@@ -102,7 +68,7 @@ TEST_P(ExperienceChoice, AutomaticPresentationFollowsTheRow)
 
     OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
     Ostrel::start();
-    auto presenter = std::make_shared<FlowCheckingPresenter>();
+    auto presenter = std::make_shared<test::OSTScriptedPresenter>();
     OSTExperienceManager::sharedManager().setPresenter(presenter);
     Ostrel::setRequiresLogin(row.requiresLogin);
     if (row.history != History::NeverLoggedIn)
@@ -110,20 +76,22 @@ TEST_P(ExperienceChoice, AutomaticPresentationFollowsTheRow)
     if (row.history == History::LoggedOutSinceLogIn)
         Ostrel::logOutUser();
 
-    std::optional<bool> launched;
-    Ostrel::executeAfterLaunch([&](bool success) { launched = success; });
-    Ostrel::applicationDidFinishLaunching();
-    ASSERT_TRUE(test::waitUntil([&] { return launched.has_value(); }, 30000));
-    ASSERT_TRUE(*launched);
+    ASSERT_TRUE(test::launchAndWait());
 
     std::vector<bool> presented;
     Ostrel::presentExperienceWithCompletion([&](bool shown) { presented.push_back(shown); });
+    if (row.resolvedKey) {
+        ASSERT_EQ(presenter->requestedTypes.size(), 1u);
+        const OSTExperienceManager &manager = OSTExperienceManager::sharedManager();
+        const int type = presenter->requestedTypes.front();
+        EXPECT_EQ(manager.experienceKeyForType(type), *row.resolvedKey);
+        ASSERT_TRUE(presenter->last->presentCompletion) << "asked to present";
+        presenter->last->presentCompletion(manager.hasExperienceType(type));
+    } else {
+        EXPECT_TRUE(presenter->requestedTypes.empty());
+    }
     EXPECT_EQ(presented, std::vector<bool>{row.presented});
     EXPECT_EQ(Ostrel::isPresentingExperience(), row.presented);
-    if (row.resolvedKey)
-        EXPECT_EQ(presenter->resolvedKeys, std::vector<std::optional<QString>>{*row.resolvedKey});
-    else
-        EXPECT_TRUE(presenter->resolvedKeys.empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -50,15 +50,6 @@ TEST(ServiceManager, ABrokenInfoFileIsReportedOnceAtStart)
     EXPECT_EQ(log.count(u"Missing SDK Token"_s), 2);
 }
 
-TEST(ServiceManager, OnlyNetworkFailuresAreResent)
-{
-    for (int code : {-1009, -1008, -1006, -1005, -1004, -1003, -1001})
-        EXPECT_TRUE(OSTServiceManager::shouldResendLaunchAfterError({NSURLErrorDomain, code, {}})) << code;
-    for (int code : {-1007, -1002, -1000, 401, 500, 0})
-        EXPECT_FALSE(OSTServiceManager::shouldResendLaunchAfterError({NSURLErrorDomain, code, {}})) << code;
-    EXPECT_FALSE(OSTServiceManager::shouldResendLaunchAfterError({u"OtherDomain"_s, -1001, {}}));
-}
-
 TEST(ServiceManager, SessionDifferenceCountsFromTheLastBackgroundEntry)
 {
     test::ManualClockScope time(5000.0);

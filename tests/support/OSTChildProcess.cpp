@@ -1,6 +1,10 @@
 #include "support/OSTChildProcess.h"
 
+#include "platform/OSTBundle.h"
+
+#include <QCoreApplication>
 #include <QHash>
+#include <QProcess>
 
 namespace ostrel::test {
 
@@ -37,6 +41,23 @@ bool OSTChildProcess::runIfRequested(const QStringList &arguments, int &exitCode
 QString OSTChildProcess::argumentFor(const QString &name)
 {
     return prefix + name;
+}
+
+int OSTChildProcess::runSharingData(const QString &name, const QString &bundleFolder)
+{
+    QProcess child;
+    child.setProcessChannelMode(QProcess::ForwardedChannels);
+    child.start(QCoreApplication::applicationFilePath(),
+                {argumentFor(name), qEnvironmentVariable("XDG_DATA_HOME"), bundleFolder});
+    if (!child.waitForFinished(60000) || child.exitStatus() != QProcess::NormalExit)
+        return -1;
+    return child.exitCode();
+}
+
+void OSTChildProcess::adoptParentData(const QStringList &arguments)
+{
+    qputenv("XDG_DATA_HOME", arguments.at(arguments.size() - 2).toLocal8Bit());
+    OSTBundle::setMainBundlePath(arguments.last());
 }
 
 } // namespace ostrel::test

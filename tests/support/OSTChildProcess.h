@@ -22,6 +22,12 @@ public:
     static bool runIfRequested(const QStringList &arguments, int &exitCode);
     // The argument that selects `name`.
     static QString argumentFor(const QString &name);
+
+    // Runs `name` in a child that shares this process's data folder and uses `bundleFolder` as
+    // its main bundle, its output forwarded; returns its exit code, -1 if it did not finish.
+    static int runSharingData(const QString &name, const QString &bundleFolder);
+    // In a child started by runSharingData(): takes over the parent's data folder and bundle.
+    static void adoptParentData(const QStringList &arguments);
 };
 
 } // namespace ostrel::test

@@ -1,5 +1,7 @@
 #include "support/OSTTestSupport.h"
 
+#include <ostrel/Ostrel.h>
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
@@ -8,6 +10,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QThread>
+
+#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -36,6 +40,16 @@ QString writeBundle(const QString &folder, const QVariantMap &info)
     return folder;
 }
 
+QVariantMap jsonObject(const char *json)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(QByteArray(json), &error);
+    // Test data that does not parse is a mistake in the test, also at static-initialisation time.
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        qFatal("test JSON is not an object (%s): %s", qPrintable(error.errorString()), json);
+    return document.object().toVariantMap();
+}
+
 void writeFile(const QString &path, const QByteArray &bytes)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
@@ -54,6 +68,14 @@ bool waitUntil(const std::function<bool()> &condition, int timeoutMilliseconds)
         QThread::msleep(1);
     }
     return true;
+}
+
+bool launchAndWait(const OSTLaunchOptions &options)
+{
+    std::optional<bool> success;
+    Ostrel::executeAfterLaunch([&](bool result) { success = result; });
+    Ostrel::applicationDidFinishLaunching(options);
+    return waitUntil([&] { return success.has_value(); }, 30000) && *success;
 }
 
 QString captureStandardError(const std::function<void()> &work)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ostrel/OSTLifecycle.h>
+
 #include "platform/OSTManualClock.h"
 
 #include <QByteArray>
@@ -26,6 +28,8 @@ private:
 
 // Writes `info` as Info.json into `folder` (created if needed) and returns the folder.
 QString writeBundle(const QString &folder, const QVariantMap &info);
+// The object a JSON text holds: test data written as JSON. Ends the process if it holds none.
+QVariantMap jsonObject(const char *json);
 // Writes `bytes` to `path`, creating its folder.
 void writeFile(const QString &path, const QByteArray &bytes);
 
@@ -33,6 +37,10 @@ void writeFile(const QString &path, const QByteArray &bytes);
 // (a safety net for work on other threads, never a stand-in for SDK time). Returns whether the
 // condition held.
 bool waitUntil(const std::function<bool()> &condition, int timeoutMilliseconds = 10000);
+
+// Lets the application finish launching (with `options`) and waits until the SDK's launch blocks
+// ran; returns their verdict, false when they did not run in time.
+bool launchAndWait(const OSTLaunchOptions &options = {});
 
 // What a block of code writes to standard error.
 QString captureStandardError(const std::function<void()> &work);

@@ -35,17 +35,10 @@ struct AppendedVariables {
     friend bool operator==(const AppendedVariables &, const AppendedVariables &) = default;
 };
 
-const QVariantMap firstInstall{
-    {u"referral"_s, 1},
-    {u"deeplink"_s, u"myapp://home"_s},
-    {u"link_id"_s, u"L1"_s},
-    {u"link_name"_s, u"Spring"_s},
-    {u"attribution_params"_s, QVariantMap{{u"campaign"_s, u"spring"_s}, {u"budget"_s, 12}}},
-    {u"sender"_s, QVariantMap{{u"first_name"_s, u"Ada"_s}}},
-    {u"source_name"_s, u"newsletter"_s},
-    {u"targeting_id"_s, u"T1"_s},
-    {u"targeting_name"_s, u"SPRING"_s},
-};
+const QVariantMap firstInstall = test::jsonObject(R"({
+    "referral": 1, "deeplink": "myapp://home", "link_id": "L1", "link_name": "Spring",
+    "attribution_params": {"campaign": "spring", "budget": 12}, "sender": {"first_name": "Ada"},
+    "source_name": "newsletter", "targeting_id": "T1", "targeting_name": "SPRING"})");
 
 class AttributionManagerTest : public ::testing::Test {
 protected:
@@ -122,13 +115,9 @@ TEST_F(AttributionManagerTest, LatestRecordChangesOnlyWithAReturnAndStartsEachPr
     EXPECT_TRUE(settings().objectForKey(u"latestAttribution"_s).isValid()) << "archived even unchanged";
 
     appended.clear();
-    manager.updateLatestAttributionFromResponse(QVariantMap{
-        {u"return_referral"_s, true},
-        {u"return_link_id"_s, u"R1"_s},
-        {u"return_attribution_params"_s, QVariantMap{{u"deeplink"_s, u"myapp://promo"_s}}},
-        {u"return_sender"_s, QVariantMap{{u"name"_s, u"Grace"_s}}},
-        {u"link_id"_s, u"ignored"_s},
-    });
+    manager.updateLatestAttributionFromResponse(test::jsonObject(R"({"return_referral": true, "return_link_id": "R1",
+        "return_attribution_params": {"deeplink": "myapp://promo"}, "return_sender": {"name": "Grace"},
+        "link_id": "ignored"})"));
     const std::optional<OSTAttribution> latest = manager.latestAttribution();
     ASSERT_TRUE(latest);
     EXPECT_TRUE(latest->isReferral);

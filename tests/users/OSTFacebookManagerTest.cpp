@@ -106,10 +106,8 @@ protected:
     {
         test::writeBundle(bundle.path(), {{u"FacebookAppID"_s, u"1234"_s}});
         OSTBundle::setMainBundlePath(bundle.path());
-        adapter->graphAnswers = {
-            {u"me"_s, QVariantMap{{u"name"_s, u"Ada"_s}, {u"email"_s, u"ada@example.com"_s}}},
-            {u"42/picture"_s, QVariantMap{{u"data"_s, QVariantMap{{u"url"_s, u"https://pictures.example/42"_s}}}}},
-        };
+        adapter->graphAnswers = test::jsonObject(R"({"me": {"name": "Ada", "email": "ada@example.com"},
+                                                     "42/picture": {"data": {"url": "https://pictures.example/42"}}})");
     }
     void TearDown() override { OSTRuntime::unregister(OSTFacebookAdapter::runtimeName); }
 

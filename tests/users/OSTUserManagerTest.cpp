@@ -43,10 +43,7 @@ protected:
         ASSERT_TRUE(server.start());
         server.installMainBundle(bundle.path(), {{u"OstrelToken"_s, u"test-token"_s}});
         Ostrel::start();
-        auto finished = std::make_shared<bool>(false);
-        Ostrel::executeAfterLaunch([finished](bool) { *finished = true; });
-        OSTApplication::sharedApplication().finishLaunching();
-        ASSERT_TRUE(test::waitUntil([finished] { return *finished; }));
+        ASSERT_TRUE(test::launchAndWait());
     }
 
     QList<test::OSTRecordedRequest> propertyRequests() const { return server.recordedRequests(u"user_properties"_s); }
@@ -209,12 +206,9 @@ TEST_F(Users, SignUpLogInAndLogOutEventsNameTheUser)
 
 TEST_F(Users, TheLaunchResponsesAppUserSetsTestsAndMergesProperties)
 {
-    server.writeLaunchConfiguration({{u"app_user"_s,
-                                      QVariantMap{{u"ab_tests"_s, QVariantList{QVariantMap{{u"test_name"_s, u"colour"_s},
-                                                                                           {u"variation"_s, u"b"_s}},
-                                                                               QVariantMap{{u"test_name"_s, 7}},
-                                                                               u"junk"_s}},
-                                                  {u"user_properties"_s, QVariantMap{{u"tier"_s, u"pro"_s}}}}}});
+    server.writeLaunchConfiguration(test::jsonObject(R"({"app_user": {
+        "ab_tests": [{"test_name": "colour", "variation": "b"}, {"test_name": 7}, "junk"],
+        "user_properties": {"tier": "pro"}}})"));
     start();
     const QList<OSTUserABNTest> colourTest{OSTUserABNTest(u"colour"_s, u"b"_s)};
     EXPECT_EQ(Ostrel::currentUser().activeABNTests(), colourTest) << "malformed tests are skipped";
