@@ -4,6 +4,7 @@
 
 #include <QVarLengthArray>
 
+#include <algorithm>
 #include <cmath>
 
 namespace ostrel {
@@ -38,6 +39,18 @@ bool isLetter(char16_t c)
 bool isReferenceCharacter(char16_t c)
 {
     return (c >= u'A' && c <= u'z') || isDigit(c) || c == u'-';
+}
+
+// The number "%.2f" of `wholePercent` / 100 reads as. For a whole number below 10^12 that is the
+// quotient itself: "%.2f" writes its two decimals exactly and reading them back gives the nearest
+// double, which the division gives too.
+double hundredthsAsRead(double wholePercent)
+{
+    if (wholePercent >= 0 && wholePercent < 1e12)
+        return wholePercent / 100.0;
+    char16_t hundredths[400];
+    const qsizetype length = OSTLayoutNumbers::writeHundredths(wholePercent, hundredths);
+    return OSTLayoutNumbers::decimalValue(QStringView(hundredths, length));
 }
 
 // Recursive descent over the grammar of OSTLayoutExpression, with inputs as further kinds of
@@ -200,10 +213,7 @@ private:
             input.wholePercent = -1;
         } else {
             input.wholePercent = std::ceil(OSTLayoutNumbers::decimalValue(number));
-            char16_t hundredths[400];
-            const qsizetype length = OSTLayoutNumbers::writeHundredths(input.wholePercent,
-                                                                       hundredths);
-            input.hundredths = OSTLayoutNumbers::decimalValue(QStringView(hundredths, length));
+            input.hundredths = hundredthsAsRead(input.wholePercent);
         }
         pushInput(input);
     }
@@ -290,13 +300,31 @@ OSTLayoutCompiledFormulas::OSTLayoutCompiledFormulas(const OSTLayoutKeyIndex &ke
 {
 }
 
+void OSTLayoutCompiledFormulas::reserve(int elementCount)
+{
+    const size_t count = size_t(elementCount);
+    m_slots.reserve(count * OSTLayoutElement::attributeCount);
+    m_formulas.reserve(count);
+    m_inputs.reserve(count * 2);
+    m_instructions.reserve(count * 6);
+    m_numbers.reserve(count);
+    m_formulaBySource.reserve(elementCount);
+}
+
 bool OSTLayoutCompiledFormulas::compile(int position, Attribute attribute, const QString &text)
 {
     const size_t slot = slotOf(position, attribute);
     if (slot >= m_slots.size())
         m_slots.resize(slot + 1, -1);
-    m_slots[slot] = -1;
+    int &compiled = m_formulaBySource[text];
+    if (compiled == 0)
+        compiled = compileText(text) + 1; // 0 means not yet compiled
+    m_slots[slot] = compiled - 1;
+    return compiled > 0;
+}
 
+int OSTLayoutCompiledFormulas::compileText(const QString &text)
+{
     Formula formula;
     formula.source = text;
     formula.firstInput = int(m_inputs.size());
@@ -307,15 +335,17 @@ bool OSTLayoutCompiledFormulas::compile(int position, Attribute attribute, const
         m_inputs.resize(size_t(formula.firstInput));
         m_instructions.resize(size_t(formula.firstInstruction));
         m_numbers.resize(numberCount);
-        return false;
+        return -1;
     }
     formula.inputCount = int(m_inputs.size()) - formula.firstInput;
     formula.instructionCount = int(m_instructions.size()) - formula.firstInstruction;
     formula.verbatim =
         formula.inputCount == 1 && isVerbatim(m_inputs[size_t(formula.firstInput)], text.size());
-    m_slots[slot] = int(m_formulas.size());
+    formula.hasPercentage = std::any_of(
+        m_inputs.begin() + formula.firstInput, m_inputs.end(),
+        [](const Input &input) { return input.kind == InputKind::Percentage; });
     m_formulas.push_back(formula);
-    return true;
+    return int(m_formulas.size()) - 1;
 }
 
 double OSTLayoutCompiledFormulas::evaluate(const Formula &formula,

@@ -3,6 +3,7 @@
 #include "render/OSTLayoutElement.h"
 #include "render/OSTLayoutKeyIndex.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringView>
 
@@ -61,6 +62,8 @@ public:
         int instructionCount = 0;
         // The whole formula is one input: its text, a number, is the result as it stands.
         bool verbatim = false;
+        // Some input is a percentage, so evaluating needs the parent's number.
+        bool hasPercentage = false;
     };
 
     // At most this many inputs per formula (resolution tracks them in one 64-bit mask).
@@ -69,8 +72,14 @@ public:
     // `keys` finds reference keys; `statusBarText` is what replaces "statusBar".
     OSTLayoutCompiledFormulas(const OSTLayoutKeyIndex &keys, const QString &statusBarText);
 
+    // Room for the formulas of `elementCount` elements, so that compiling them does not grow
+    // the arrays step by step.
+    void reserve(int elementCount);
+
     // Compiles the attribute's formula for the element at `position`, replacing any earlier
-    // one; false (and the string path for it) when it cannot be compiled.
+    // one; false (and the string path for it) when it cannot be compiled. A text compiled
+    // before (screens repeat their formulas) shares that program: references name elements of
+    // the same table, so equal texts compile alike.
     bool compile(int position, Attribute attribute, const QString &text);
 
     // The compiled formula, or nullptr when the attribute takes the string path.
@@ -92,6 +101,9 @@ public:
     double evaluate(const Formula &formula, const double *inputValues) const;
 
 private:
+    // The index of the new formula, or -1 when the text cannot be compiled.
+    int compileText(const QString &text);
+
     static size_t slotOf(int position, Attribute attribute)
     {
         return size_t(position) * OSTLayoutElement::attributeCount + size_t(attribute);
@@ -104,6 +116,8 @@ private:
     std::vector<Input> m_inputs;
     std::vector<Instruction> m_instructions;
     std::vector<double> m_numbers;
+    // Each text compiled so far: its formula, or -1 when it cannot be compiled.
+    QHash<QString, int> m_formulaBySource;
 };
 
 } // namespace ostrel

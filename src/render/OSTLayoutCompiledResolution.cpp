@@ -4,6 +4,9 @@
 
 #include <QVarLengthArray>
 
+#include <cmath>
+#include <limits>
+
 namespace ostrel {
 
 namespace {
@@ -15,6 +18,15 @@ constexpr std::uint64_t bitOf(int input)
     return std::uint64_t(1) << input;
 }
 
+// Room for about two results per element, within limits.
+size_t integerTextSlots(size_t elementCount)
+{
+    size_t slotCount = 16;
+    while (slotCount < elementCount * 2 && slotCount < 4096)
+        slotCount *= 2;
+    return slotCount;
+}
+
 } // namespace
 
 OSTLayoutCompiledResolution::OSTLayoutCompiledResolution(
@@ -22,7 +34,10 @@ OSTLayoutCompiledResolution::OSTLayoutCompiledResolution(
     const QString &statusBarText)
     : m_table(table), m_formulas(formulas), m_statusBarText(statusBarText),
       m_statusBarValue(OSTLayoutNumbers::decimalValue(statusBarText)),
-      m_progress(table.size() * OSTLayoutElement::attributeCount)
+      m_progress(table.size() * OSTLayoutElement::attributeCount),
+      m_numbers(table.size() * OSTLayoutElement::attributeCount,
+                std::numeric_limits<double>::quiet_NaN()),
+      m_integerTexts(integerTextSlots(table.size()))
 {
 }
 
@@ -30,7 +45,7 @@ OSTLayoutCompiledResolution::OSTLayoutCompiledResolution(
 // as they are available; names and "statusBar" only in a visit that finds every reference
 // available, and the arithmetic only once every name is available too.
 bool OSTLayoutCompiledResolution::visit(int position, Attribute attribute, const Formula &formula,
-                                        const OSTLayoutElement &parent,
+                                        const OSTLayoutElement &parent, int parentPosition,
                                         std::vector<int> &awaited)
 {
     Progress &progress = progressOf(position, attribute);
@@ -69,7 +84,8 @@ bool OSTLayoutCompiledResolution::visit(int position, Attribute attribute, const
     if (!namesAvailable)
         return substitutedMore;
     progress.evaluated = true;
-    return storeResult(element, attribute, formula, parent, progress) || substitutedMore;
+    return storeResult(position, attribute, formula, parent, parentPosition, progress)
+        || substitutedMore;
 }
 
 bool OSTLayoutCompiledResolution::isAvailable(const Input &input) const
@@ -83,65 +99,95 @@ bool OSTLayoutCompiledResolution::isAvailable(const Input &input) const
 // A single input keeps its text, a number; anything else is the arithmetic's integer part. A
 // result that is not a number or beyond 64 bits leaves the substituted text; so does an integer
 // written as the formula already is.
-bool OSTLayoutCompiledResolution::storeResult(OSTLayoutElement &element, Attribute attribute,
+bool OSTLayoutCompiledResolution::storeResult(int position, Attribute attribute,
                                               const Formula &formula,
-                                              const OSTLayoutElement &parent, Progress &progress)
+                                              const OSTLayoutElement &parent, int parentPosition,
+                                              Progress &progress)
 {
-    const QString &parentText = parent.value(OSTLayoutElement::percentageBase(attribute));
+    OSTLayoutElement &element = *m_table[size_t(position)];
+    const Attribute base = OSTLayoutElement::percentageBase(attribute);
     if (formula.verbatim) {
         QString text;
-        appendInputText(text, m_formulas.input(formula, 0), element, parentText);
+        appendInputText(text, m_formulas.input(formula, 0), element, parent.value(base));
         element.setValue(text, attribute);
         progress.stored = true;
         return true;
     }
-    const double parentValue = OSTLayoutNumbers::decimalValue(parentText);
+    const double parentValue =
+        formula.hasPercentage ? parentNumber(parent, parentPosition, base) : 0.0;
     QVarLengthArray<double, 16> values(formula.inputCount);
     for (int index = 0; index < formula.inputCount; ++index)
-        values[index] = inputValue(m_formulas.input(formula, index), element, parentValue);
+        values[index] = inputValue(m_formulas.input(formula, index), position, parentValue);
     const std::optional<qint64> result =
         OSTLayoutNumbers::truncatedInteger(m_formulas.evaluate(formula, values.constData()));
     if (!result)
         return false;
-    char16_t digits[24];
-    const QStringView text(digits, OSTLayoutNumbers::writeInteger(*result, digits));
+    const QString &text = integerText(*result);
     if (formula.inputCount == 0 && text == formula.source)
         return false;
-    element.setValue(text.toString(), attribute);
+    element.setValue(text, attribute);
+    if (*result >= 0)
+        m_numbers[slotOf(position, attribute)] = double(*result);
     progress.stored = true;
     return true;
 }
 
-double OSTLayoutCompiledResolution::inputValue(const Input &input,
-                                               const OSTLayoutElement &element,
-                                               double parentValue) const
+double OSTLayoutCompiledResolution::inputValue(const Input &input, int position,
+                                               double parentValue)
 {
     switch (input.kind) {
     case InputKind::Percentage:
         return input.wholePercent < 0 ? parentValue : input.hundredths * parentValue;
     case InputKind::Reference:
         return input.position < 0 ? 0.0
-                                  : OSTLayoutNumbers::decimalValue(
-                                        m_table[size_t(input.position)]->value(
-                                            Attribute(input.attribute)));
+                                  : resolvedNumber(input.position, Attribute(input.attribute));
     case InputKind::OwnAttribute:
-        return OSTLayoutNumbers::decimalValue(element.value(Attribute(input.attribute)));
+        return resolvedNumber(position, Attribute(input.attribute));
     case InputKind::StatusBar:
         break;
     }
     return m_statusBarValue;
 }
 
+double OSTLayoutCompiledResolution::resolvedNumber(int position, Attribute attribute)
+{
+    double &number = m_numbers[slotOf(position, attribute)];
+    if (std::isnan(number))
+        number = OSTLayoutNumbers::decimalValue(m_table[size_t(position)]->value(attribute));
+    return number;
+}
+
+double OSTLayoutCompiledResolution::parentNumber(const OSTLayoutElement &parent,
+                                                 int parentPosition, Attribute attribute)
+{
+    if (parentPosition >= 0)
+        return resolvedNumber(parentPosition, attribute);
+    return OSTLayoutNumbers::decimalValue(parent.value(attribute));
+}
+
+const QString &OSTLayoutCompiledResolution::integerText(qint64 value)
+{
+    const std::uint64_t hash = std::uint64_t(value) * 0x9E3779B97F4A7C15ull;
+    IntegerText &slot = m_integerTexts[size_t(hash >> 40) & (m_integerTexts.size() - 1)];
+    if (slot.text.isEmpty() || slot.value != value) {
+        char16_t digits[24];
+        slot.value = value;
+        slot.text = QStringView(digits, OSTLayoutNumbers::writeInteger(value, digits)).toString();
+    }
+    return slot.text;
+}
+
 void OSTLayoutCompiledResolution::writeUnresolvedFormulas()
 {
     for (size_t position = 0; position < m_table.size(); ++position) {
         OSTLayoutElement &element = *m_table[position];
-        const auto parent = element.parent();
         for (const Attribute attribute : OSTLayoutElement::allAttributes) {
             const Progress &progress = progressOf(int(position), attribute);
+            if (!progress.visited || progress.stored || !progress.substituted)
+                continue;
             const Formula *formula = m_formulas.formula(int(position), attribute);
-            if (!formula || !progress.visited || progress.stored || !progress.substituted
-                || !parent)
+            const auto parent = element.parent();
+            if (!formula || !parent)
                 continue;
             element.setValue(
                 substitutedText(*formula, progress.substituted, element,

@@ -58,19 +58,37 @@ int OSTLayoutElement::attributeIndex(QStringView name)
 
 OSTLayoutElement::OSTLayoutElement() = default;
 
+// One walk over the object's few entries rather than a search per name: building a screen
+// makes one element per object.
 OSTLayoutElement::OSTLayoutElement(const QVariantMap &layout)
 {
     static const QString zero = QStringLiteral("0");
     static const QString full = QStringLiteral("100%");
-    setValue(ost_stringForKey(layout, OSTLayoutElementXAttributeKey).value_or(zero), X);
-    setValue(ost_stringForKey(layout, OSTLayoutElementYAttributeKey).value_or(zero), Y);
-    setValue(ost_stringForKey(layout, OSTLayoutElementWidthAttributeKey).value_or(full), Width);
-    setValue(ost_stringForKey(layout, OSTLayoutElementHeightAttributeKey).value_or(full), Height);
+    static const QString anchoredKey = QStringLiteral("anchored");
+    static const QString zLayerKey = QStringLiteral("zLayer");
+    const QString *frame[attributeCount] = {&zero, &zero, &full, &full};
+    const QVariant *anchored = nullptr;
+    bool hasZLayer = false;
+    for (auto entry = layout.constBegin(); entry != layout.constEnd(); ++entry) {
+        const int index = attributeIndex(entry.key());
+        if (index >= 0) {
+            if (entry.value().metaType() == QMetaType::fromType<QString>())
+                frame[index] = static_cast<const QString *>(entry.value().constData());
+        } else if (entry.key() == anchoredKey) {
+            anchored = &entry.value();
+        } else if (entry.key() == zLayerKey) {
+            hasZLayer = true;
+        }
+    }
+    for (const Attribute attribute : allAttributes)
+        setValue(*frame[attribute], attribute);
 
-    const std::optional<QString> anchored = ost_stringForKey(layout, QStringLiteral("anchored"));
-    m_anchored = anchored ? ost_boolValue(*anchored) : true;
+    m_anchored = anchored && anchored->metaType() == QMetaType::fromType<QString>()
+        ? ost_boolValue(*static_cast<const QString *>(anchored->constData()))
+        : true;
 
-    const std::optional<double> zLayer = ost_finiteDouble(ost_numberForKey(layout, QStringLiteral("zLayer")));
+    const std::optional<double> zLayer =
+        hasZLayer ? ost_finiteDouble(ost_numberForKey(layout, zLayerKey)) : std::nullopt;
     m_zLayer = zLayer ? zLayerFromNumber(*zLayer) : -1;
 }
 

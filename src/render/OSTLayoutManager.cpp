@@ -7,12 +7,59 @@
 #include "render/OSTLayoutPassScheduler.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace ostrel {
 
 namespace {
 
 using Attribute = OSTLayoutElement::Attribute;
+
+// The order of QString's operator<, without its call: UTF-16 code units compared in turn.
+bool isKeyBefore(const QString &left, const QString &right)
+{
+    const qsizetype common = std::min(left.size(), right.size());
+    const QChar *l = left.constData();
+    const QChar *r = right.constData();
+    for (qsizetype index = 0; index < common; ++index) {
+        if (l[index] != r[index])
+            return l[index].unicode() < r[index].unicode();
+    }
+    return left.size() < right.size();
+}
+
+// Adds the elements of one category (or the groups), which come in key order, walking the table
+// along with them so that each goes in next to its neighbour instead of being searched for. An
+// element replaces one of the same key. `added` runs for each element once it is in the table.
+template <typename MakeElement, typename Added>
+void mergeInOrder(OSTLayoutManager::ElementTable &table, const QVariantMap &objects,
+                  MakeElement makeElement, Added added)
+{
+    auto position = table.begin();
+    for (auto entry = objects.constBegin(); entry != objects.constEnd(); ++entry) {
+        if (entry.value().metaType() != QMetaType::fromType<QVariantMap>())
+            continue;
+        while (position != table.end() && isKeyBefore(position.key(), entry.key()))
+            ++position;
+        std::shared_ptr<OSTLayoutElement> element = makeElement(entry.value());
+        if (position != table.end() && position.key() == entry.key())
+            position.value() = element;
+        else
+            position = table.insert(position, entry.key(), element);
+        added(entry.value(), element);
+    }
+}
+
+// The element of `key`, trying first the one after the previous find: group members are
+// mostly listed in key order.
+OSTLayoutManager::ElementTable::const_iterator
+findMember(const OSTLayoutManager::ElementTable &table, const QString &key,
+           OSTLayoutManager::ElementTable::const_iterator guess)
+{
+    if (guess != table.constEnd() && guess.key() == key)
+        return guess;
+    return table.constFind(key);
+}
 
 QString shortened(const QString &text)
 {
@@ -52,9 +99,6 @@ void OSTLayoutManager::build(const QVariantMap &layout, const QRectF &screenBoun
     m_baseElement->setValue(OSTLayoutNumbers::twoDecimals(screenBounds.height()),
                             OSTLayoutElement::Height);
 
-    const auto isObject = [](const QVariant &value) {
-        return value.metaType() == QMetaType::fromType<QVariantMap>();
-    };
     const auto makeElement = [this](const QVariant &object, qint64 defaultLayer) {
         auto element = std::make_shared<OSTLayoutElement>(object.toMap());
         element->setParent(m_baseElement);
@@ -77,11 +121,11 @@ void OSTLayoutManager::build(const QVariantMap &layout, const QRectF &screenBoun
     ElementTable table;
     for (const Category &category : categories) {
         const std::optional<QVariantMap> objects = ost_dictionaryForKey(layout, category.key);
-        if (!objects)
-            continue;
-        for (auto entry = objects->constBegin(); entry != objects->constEnd(); ++entry) {
-            if (isObject(entry.value()))
-                table.insert(entry.key(), makeElement(entry.value(), category.zLayer));
+        if (objects) {
+            mergeInOrder(
+                table, *objects,
+                [&](const QVariant &object) { return makeElement(object, category.zLayer); },
+                [](const QVariant &, const std::shared_ptr<OSTLayoutElement> &) {});
         }
     }
 
@@ -90,21 +134,25 @@ void OSTLayoutManager::build(const QVariantMap &layout, const QRectF &screenBoun
     static const QString groupsKey = QStringLiteral("groups");
     static const QString membersKey = QStringLiteral("elements");
     const QVariantMap groups = ost_dictionaryForKey(layout, groupsKey).value_or(QVariantMap());
-    for (auto entry = groups.constBegin(); entry != groups.constEnd(); ++entry) {
-        if (!isObject(entry.value()))
-            continue;
-        const auto group = makeElement(entry.value(), 400);
-        table.insert(entry.key(), group);
-        const QVariantMap object = entry.value().toMap();
-        const QVariantList members = ost_arrayForKey(object, membersKey).value_or(QVariantList());
+    const auto adoptMembers = [&table](const QVariant &object,
+                                       const std::shared_ptr<OSTLayoutElement> &group) {
+        const QVariantList members =
+            ost_arrayForKey(object.toMap(), membersKey).value_or(QVariantList());
+        auto guess = table.constEnd();
         for (const QVariant &member : members) {
             if (member.metaType() != QMetaType::fromType<QString>())
                 continue;
-            const auto found = table.constFind(member.toString());
-            if (found != table.constEnd())
-                found.value()->setParent(group);
+            const auto found = findMember(
+                table, *static_cast<const QString *>(member.constData()), guess);
+            if (found == table.constEnd())
+                continue;
+            found.value()->setParent(group);
+            guess = std::next(found);
         }
-    }
+    };
+    mergeInOrder(
+        table, groups, [&](const QVariant &object) { return makeElement(object, 400); },
+        adoptMembers);
 
     m_elements = std::move(table);
     m_table.reserve(size_t(m_elements.size()));
@@ -127,6 +175,7 @@ void OSTLayoutManager::build(const QVariantMap &layout, const QRectF &screenBoun
 
     m_keyIndex = std::make_unique<OSTLayoutKeyIndex>(m_tableKeys);
     m_formulas = std::make_unique<OSTLayoutCompiledFormulas>(*m_keyIndex, m_statusBarText);
+    m_formulas->reserve(int(m_table.size()));
     for (size_t position = 0; position < m_table.size(); ++position)
         compileFormulas(int(position));
 }

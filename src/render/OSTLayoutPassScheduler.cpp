@@ -1,16 +1,63 @@
 #include "render/OSTLayoutPassScheduler.h"
 
-#include <algorithm>
-#include <utility>
+#include <bit>
 
 namespace ostrel {
+
+namespace {
+
+// The table's positions by element address, for finding parents: open addressing over a power
+// of two at least twice the table.
+class PositionsByAddress {
+public:
+    explicit PositionsByAddress(const std::vector<OSTLayoutElement *> &table)
+    {
+        size_t size = 16;
+        while (size < table.size() * 2)
+            size *= 2;
+        m_slots.resize(size);
+        for (size_t position = 0; position < table.size(); ++position) {
+            size_t slot = slotOf(table[position]);
+            while (m_slots[slot].element)
+                slot = (slot + 1) & (m_slots.size() - 1);
+            m_slots[slot] = Slot{table[position], int(position)};
+        }
+    }
+
+    int positionOf(const OSTLayoutElement *element) const
+    {
+        for (size_t slot = slotOf(element); m_slots[slot].element;
+             slot = (slot + 1) & (m_slots.size() - 1)) {
+            if (m_slots[slot].element == element)
+                return m_slots[slot].position;
+        }
+        return -1;
+    }
+
+private:
+    struct Slot {
+        const OSTLayoutElement *element = nullptr;
+        int position = -1;
+    };
+
+    size_t slotOf(const OSTLayoutElement *element) const
+    {
+        const std::uint64_t hash = std::uint64_t(quintptr(element)) * 0x9E3779B97F4A7C15ull;
+        return size_t(hash >> 32) & (m_slots.size() - 1);
+    }
+
+    std::vector<Slot> m_slots;
+};
+
+} // namespace
 
 OSTLayoutPassScheduler::OSTLayoutPassScheduler(
     const std::vector<OSTLayoutElement *> &table, const OSTLayoutKeyIndex &keys,
     const QString &statusBarText, const std::shared_ptr<OSTLayoutElement> &baseElement,
     const OSTLayoutCompiledFormulas *formulas)
     : m_table(table), m_nodes(nodesOf(table, baseElement)),
-      m_resolver(table, keys, statusBarText, formulas)
+      m_resolver(table, keys, statusBarText, formulas), m_current((table.size() + 63) / 64),
+      m_next(m_current.size())
 {
 }
 
@@ -20,8 +67,10 @@ void OSTLayoutPassScheduler::run()
         if (!m_table[position]->isResolved())
             scheduleInCurrentPass(int(position));
     }
-    while (!m_current.empty()) {
+    for (;;) {
         runPass();
+        if (m_nextIsEmpty)
+            break;
         startNextPass();
     }
     m_resolver.writeUnresolvedFormulas();
@@ -33,33 +82,25 @@ std::vector<OSTLayoutPassScheduler::Node>
 OSTLayoutPassScheduler::nodesOf(const std::vector<OSTLayoutElement *> &table,
                                 const std::shared_ptr<OSTLayoutElement> &baseElement)
 {
-    const int count = int(table.size());
     std::vector<Node> nodes(table.size());
-    std::vector<std::pair<const OSTLayoutElement *, int>> positions;
-    positions.reserve(size_t(count));
-    for (int position = 0; position < count; ++position)
-        positions.emplace_back(table[size_t(position)], position);
-    std::sort(positions.begin(), positions.end());
-    for (int position = 0; position < count; ++position) {
-        Node &node = nodes[size_t(position)];
-        node.parent = table[size_t(position)]->parent();
-        if (!node.parent || node.parent == baseElement)
-            continue;
-        const auto found = std::lower_bound(
-            positions.begin(), positions.end(),
-            std::make_pair(static_cast<const OSTLayoutElement *>(node.parent.get()), 0));
-        if (found != positions.end() && found->first == node.parent.get())
-            node.parentPosition = found->second;
+    const PositionsByAddress positions(table);
+    for (size_t position = 0; position < table.size(); ++position) {
+        Node &node = nodes[position];
+        node.parent = table[position]->parent().get();
+        if (node.parent && node.parent != baseElement.get())
+            node.parentPosition = positions.positionOf(node.parent);
     }
     return nodes;
 }
 
 void OSTLayoutPassScheduler::runPass()
 {
-    while (!m_current.empty()) {
-        const int position = m_current.top();
-        m_current.pop();
-        visit(position);
+    for (size_t word = 0; word < m_current.size(); ++word) {
+        while (m_current[word]) {
+            const int bit = std::countr_zero(m_current[word]);
+            m_current[word] &= m_current[word] - 1;
+            visit(int(word * 64) + bit);
+        }
     }
 }
 
@@ -74,7 +115,8 @@ void OSTLayoutPassScheduler::visit(int position)
             await(node.parentPosition, position);
         return;
     }
-    const OSTLayoutResolver::Outcome outcome = m_resolver.resolveElement(position, *node.parent);
+    const OSTLayoutResolver::Outcome outcome =
+        m_resolver.resolveElement(position, *node.parent, node.parentPosition);
     for (const int awaited : m_resolver.awaited())
         await(awaited, position);
     if (outcome.newlyResolved)
@@ -99,30 +141,20 @@ void OSTLayoutPassScheduler::wakeWaiters(Node &node, int position)
 
 void OSTLayoutPassScheduler::scheduleInCurrentPass(int position)
 {
-    Node &node = m_nodes[size_t(position)];
-    if (node.currentPass != m_pass) {
-        node.currentPass = m_pass;
-        m_current.push(position);
-    }
+    m_current[size_t(position) / 64] |= std::uint64_t(1) << (position % 64);
 }
 
 void OSTLayoutPassScheduler::scheduleInNextPass(int position)
 {
-    Node &node = m_nodes[size_t(position)];
-    if (node.nextPass != m_pass + 1) {
-        node.nextPass = m_pass + 1;
-        m_next.push_back(position);
-    }
+    m_next[size_t(position) / 64] |= std::uint64_t(1) << (position % 64);
+    m_nextIsEmpty = false;
 }
 
+// The current pass has visited everything it holds, so its set is empty.
 void OSTLayoutPassScheduler::startNextPass()
 {
-    ++m_pass;
-    for (const int position : m_next) {
-        m_nodes[size_t(position)].currentPass = m_pass;
-        m_current.push(position);
-    }
-    m_next.clear();
+    m_current.swap(m_next);
+    m_nextIsEmpty = true;
 }
 
 void OSTLayoutPassScheduler::await(int awaited, int waiter)

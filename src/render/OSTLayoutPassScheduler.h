@@ -8,9 +8,8 @@
 #include <QString>
 #include <QStringList>
 
-#include <functional>
+#include <cstdint>
 #include <memory>
-#include <queue>
 #include <vector>
 
 namespace ostrel {
@@ -47,12 +46,14 @@ public:
 
 private:
     struct Node {
-        std::shared_ptr<OSTLayoutElement> parent;
+        // Owned by the manager, which outlives the scheduler; null when the parent is gone.
+        const OSTLayoutElement *parent = nullptr;
         int parentPosition = -1; // -1: the base element, or an element outside the table
         std::vector<int> waiters;
-        int currentPass = 0;
-        int nextPass = 0;
     };
+
+    // One bit per position of the table.
+    using PositionSet = std::vector<std::uint64_t>;
 
     static std::vector<Node> nodesOf(const std::vector<OSTLayoutElement *> &table,
                                      const std::shared_ptr<OSTLayoutElement> &baseElement);
@@ -67,9 +68,11 @@ private:
     const std::vector<OSTLayoutElement *> &m_table;
     std::vector<Node> m_nodes;
     OSTLayoutResolver m_resolver;
-    int m_pass = 1;
-    std::priority_queue<int, std::vector<int>, std::greater<int>> m_current;
-    std::vector<int> m_next;
+    // The elements still to visit in this pass (visited in table order; a pass only ever adds
+    // positions after the one being visited) and in the next.
+    PositionSet m_current;
+    PositionSet m_next;
+    bool m_nextIsEmpty = true;
 };
 
 } // namespace ostrel

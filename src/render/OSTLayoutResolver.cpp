@@ -37,7 +37,8 @@ OSTLayoutResolver::OSTLayoutResolver(const std::vector<OSTLayoutElement *> &tabl
 }
 
 OSTLayoutResolver::Outcome OSTLayoutResolver::resolveElement(int position,
-                                                             const OSTLayoutElement &parent)
+                                                             const OSTLayoutElement &parent,
+                                                             int parentPosition)
 {
     OSTLayoutElement &element = *m_table[size_t(position)];
     m_changed = false;
@@ -46,7 +47,7 @@ OSTLayoutResolver::Outcome OSTLayoutResolver::resolveElement(int position,
     for (const Attribute attribute : OSTLayoutElement::allAttributes) {
         if (!element.hasAttribute(attribute) || element.isAttributeResolved(attribute))
             continue;
-        resolveAttribute(position, attribute, parent);
+        resolveAttribute(position, attribute, parent, parentPosition);
         newlyResolved = newlyResolved || element.isAttributeResolved(attribute);
     }
     return Outcome{m_changed, newlyResolved};
@@ -59,13 +60,14 @@ void OSTLayoutResolver::writeUnresolvedFormulas()
 }
 
 void OSTLayoutResolver::resolveAttribute(int position, Attribute attribute,
-                                         const OSTLayoutElement &parent)
+                                         const OSTLayoutElement &parent, int parentPosition)
 {
     const OSTLayoutCompiledFormulas::Formula *formula =
         m_compiled ? m_compiled->formula(position, attribute) : nullptr;
     if (!formula)
         resolveText(*m_table[size_t(position)], attribute, parent);
-    else if (m_compiled->visit(position, attribute, *formula, parent, m_awaited))
+    else if (m_compiled->visit(position, attribute, *formula, parent, parentPosition,
+                                   m_awaited))
         m_changed = true;
 }
 

@@ -41,8 +41,8 @@ public:
     };
 
     // Resolves the unresolved attributes of the element at `position` in order; its parent is
-    // resolved.
-    Outcome resolveElement(int position, const OSTLayoutElement &parent);
+    // resolved (`parentPosition` is its place in the table, -1 when it is not in the table).
+    Outcome resolveElement(int position, const OSTLayoutElement &parent, int parentPosition);
 
     // At the end of resolution: the texts of the compiled formulas that stayed unresolved.
     void writeUnresolvedFormulas();
@@ -59,7 +59,8 @@ private:
         QStringView attributeName;
     };
 
-    void resolveAttribute(int position, Attribute attribute, const OSTLayoutElement &parent);
+    void resolveAttribute(int position, Attribute attribute, const OSTLayoutElement &parent,
+                          int parentPosition);
     void resolveText(OSTLayoutElement &element, Attribute attribute,
                      const OSTLayoutElement &parent);
 
