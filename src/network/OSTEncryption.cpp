@@ -29,6 +29,7 @@ struct PublicKeyDeleter {
     void operator()(EVP_PKEY *key) const { EVP_PKEY_free(key); }
 };
 using PublicKeyPointer = std::unique_ptr<EVP_PKEY, PublicKeyDeleter>;
+using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)>;
 
 // OpenSSL frees a thread's random generator and error state only after the thread is gone, which
 // for a queue stopped at the end of the application may be after the process began to exit.
@@ -91,6 +92,23 @@ std::optional<QByteArray> encryptWithPublicKey(EVP_PKEY *key, const QByteArray &
     return output;
 }
 
+// AES-256-CBC under the process's key and vector, ready to run; null when either is missing.
+CipherContext processCipherContext(OSTEncryption::Operation operation)
+{
+    const std::optional<QByteArray> key = OSTEncryption::aesKey();
+    const std::optional<QByteArray> vector = OSTEncryption::initializationVector();
+    CipherContext context(key && vector ? EVP_CIPHER_CTX_new() : nullptr, EVP_CIPHER_CTX_free);
+    const int encrypting = operation == OSTEncryption::Operation::Encrypt ? 1 : 0;
+    if (context
+        && EVP_CipherInit_ex(context.get(), EVP_aes_256_cbc(), nullptr,
+                             reinterpret_cast<const unsigned char *>(key->constData()),
+                             reinterpret_cast<const unsigned char *>(vector->constData()), encrypting) != 1) {
+        ERR_clear_error();
+        context.reset();
+    }
+    return context;
+}
+
 } // namespace
 
 std::optional<QByteArray> OSTEncryption::randomDataOfLength(int length)
@@ -147,23 +165,45 @@ std::optional<QByteArray> OSTEncryption::decryptData(const QByteArray &data)
     return runCryptorOnData(data, Operation::Decrypt);
 }
 
+bool OSTEncryption::encryptDataInPieces(QByteArrayView data, qsizetype pieceSize,
+                                       const std::function<void(QByteArrayView)> &piece)
+{
+    if (pieceSize <= 0 || pieceSize % aesBlockLength != 0 || pieceSize > INT_MAX - aesBlockLength)
+        return false;
+    const CipherContext context = processCipherContext(Operation::Encrypt);
+    if (!context)
+        return false;
+    // Every piece but the last is whole blocks, so the cipher holds nothing back between them;
+    // the last one also carries the padding block.
+    QByteArray scratch(pieceSize + aesBlockLength, Qt::Uninitialized);
+    auto *out = reinterpret_cast<unsigned char *>(scratch.data());
+    const auto *in = reinterpret_cast<const unsigned char *>(data.data());
+    qsizetype remaining = data.size();
+    int moved = 0;
+    for (; remaining > pieceSize; remaining -= pieceSize, in += pieceSize) {
+        if (EVP_EncryptUpdate(context.get(), out, &moved, in, static_cast<int>(pieceSize)) != 1) {
+            ERR_clear_error();
+            return false;
+        }
+        piece(QByteArrayView(scratch.constData(), moved));
+    }
+    int finalMoved = 0;
+    if (EVP_EncryptUpdate(context.get(), out, &moved, in, static_cast<int>(remaining)) != 1
+        || EVP_EncryptFinal_ex(context.get(), out + moved, &finalMoved) != 1) {
+        ERR_clear_error();
+        return false;
+    }
+    piece(QByteArrayView(scratch.constData(), moved + finalMoved));
+    return true;
+}
+
 std::optional<QByteArray> OSTEncryption::runCryptorOnData(const QByteArray &data, Operation operation)
 {
-    const std::optional<QByteArray> key = aesKey();
-    const std::optional<QByteArray> vector = initializationVector();
-    if (!key || !vector || data.size() > INT_MAX - aesBlockLength)
+    if (data.size() > INT_MAX - aesBlockLength)
         return std::nullopt;
-
-    std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)> context(EVP_CIPHER_CTX_new(),
-                                                                            EVP_CIPHER_CTX_free);
-    const int encrypting = operation == Operation::Encrypt ? 1 : 0;
-    if (!context
-        || EVP_CipherInit_ex(context.get(), EVP_aes_256_cbc(), nullptr,
-                             reinterpret_cast<const unsigned char *>(key->constData()),
-                             reinterpret_cast<const unsigned char *>(vector->constData()), encrypting) != 1) {
-        ERR_clear_error();
+    const CipherContext context = processCipherContext(operation);
+    if (!context)
         return std::nullopt;
-    }
     QByteArray output(data.size() + aesBlockLength, Qt::Uninitialized);
     auto *out = reinterpret_cast<unsigned char *>(output.data());
     int moved = 0;

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 #include <openssl/types.h>
 
+#include <functional>
 #include <optional>
 
 namespace ostrel {
@@ -37,6 +39,12 @@ public:
     static std::optional<QByteArray> encryptedAESKey();
 
     static std::optional<QByteArray> encryptData(const QByteArray &data);
+    // The same ciphertext as encryptData, handed to `piece` in consecutive pieces of `pieceSize`
+    // bytes (the last one up to a block longer or shorter), so that a caller can encode it on
+    // the fly instead of holding all of it. `pieceSize` is a positive multiple of the 16-byte
+    // block. False when the cipher failed; pieces already handed over are then incomplete.
+    static bool encryptDataInPieces(QByteArrayView data, qsizetype pieceSize,
+                                    const std::function<void(QByteArrayView)> &piece);
     // Nothing when the data is not a whole number of blocks or its padding is wrong.
     static std::optional<QByteArray> decryptData(const QByteArray &data);
     static std::optional<QByteArray> runCryptorOnData(const QByteArray &data, Operation operation);
