@@ -162,7 +162,8 @@ TEST_F(DevServerProcessTest, FaultsSetAtStartAndOverTheAdminRouteApplyAndRunOut)
 
 TEST_F(DevServerProcessTest, ADelayedAnswerToAClientThatLeftIsDropped)
 {
-    startAndInstall({.faults = {u"launch_v3:delay=0.05"_s}});
+    // Long enough for the cancel to arrive first on a loaded machine, short enough not to slow the suite.
+    startAndInstall({.faults = {u"launch_v3:delay=0.5"_s}});
     const OSTRequestManager::Task task =
         OSTRequestManager::sharedManager().apiRequestWithEndpoint(u"launch_v3"_s, {}, nullptr);
     ASSERT_TRUE(test::waitUntil([&] { return server.recordedRequests().size() == 1; }));
