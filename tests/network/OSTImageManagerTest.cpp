@@ -58,11 +58,12 @@ protected:
         OSTBundle::setMainBundlePath(bundle.path());
     }
 
-    bool startCountingServer()
+    bool startCountingServer(double answerDelaySeconds = 0)
     {
         if (!server.start())
             return false;
-        return server.setFault({{u"endpoint"_s, u"images"_s}, {u"times"_s, countingUses}});
+        return server.setFault({{u"endpoint"_s, u"images"_s}, {u"times"_s, countingUses},
+                                {u"delay"_s, answerDelaySeconds}});
     }
 
     int imageGETs()
@@ -165,7 +166,9 @@ TEST_F(ServedImageManagerTest, MutedDownloadsStillFillTheCacheButCallNobody)
 {
     server.writeImage(u"muted.png"_s, test::pngOfColor(Qt::red));
     server.writeImage(u"after.png"_s, test::pngOfColor(Qt::blue));
-    ASSERT_TRUE(startCountingServer());
+    // Held long enough that the download is still on its way when the mute comes, however
+    // loaded the machine.
+    ASSERT_TRUE(startCountingServer(0.3));
 
     LoadOutcome muted;
     manager().loadImageWithURL(imageURL(u"muted.png"_s), muted.completion());
