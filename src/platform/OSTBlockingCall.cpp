@@ -1,5 +1,6 @@
 #include "platform/OSTBlockingCall.h"
 
+#include <QLoggingCategory>
 #include <QMetaObject>
 #include <QMutex>
 #include <QMutexLocker>
@@ -10,6 +11,8 @@
 namespace ostrel {
 
 namespace {
+
+Q_LOGGING_CATEGORY(blockingCallLog, "ostrel.queues")
 
 // One lock and one condition for every waiting call: such calls are rare and short, and the
 // waiters must all hear when a target stops.
@@ -30,8 +33,8 @@ enum class Stage { Posted, Running, Done, Abandoned };
 
 } // namespace
 
-OSTBlockingCall::Outcome OSTBlockingCall::run(QObject *target, const std::function<void()> &work,
-                                              const std::function<bool()> &targetStopped)
+void OSTBlockingCall::run(QObject *target, const std::function<void()> &work,
+                          const std::function<bool()> &targetStopped, const QString &targetDescription)
 {
     auto stage = std::make_shared<Stage>(Stage::Posted);
     // `work` is captured by reference: the waiter below outlives every use of it, because the
@@ -53,11 +56,11 @@ OSTBlockingCall::Outcome OSTBlockingCall::run(QObject *target, const std::functi
     while (*stage != Stage::Done) {
         if (*stage == Stage::Posted && targetStopped()) {
             *stage = Stage::Abandoned;
-            return Outcome::Abandoned;
+            qCWarning(blockingCallLog).noquote() << "Dropped work for" << targetDescription;
+            return;
         }
         waiting().changed.wait(&waiting().mutex);
     }
-    return Outcome::Ran;
 }
 
 void OSTBlockingCall::wakeWaiters()

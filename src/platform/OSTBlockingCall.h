@@ -12,16 +12,15 @@ namespace ostrel {
 // not wait forever. Threads waiting here are re-checked whenever wakeWaiters() is called.
 class OSTBlockingCall {
 public:
-    enum class Outcome { Ran, Abandoned };
-
     OSTBlockingCall() = delete;
 
     // Posts `work` to `target`'s thread and waits until it has run, or until `targetStopped`
-    // returns true while the work has not started (then it never runs). Must not be called on
-    // `target`'s own thread. `targetStopped` is read under a lock shared by all waiters: it must
-    // be cheap and must not block.
-    static Outcome run(QObject *target, const std::function<void()> &work,
-                       const std::function<bool()> &targetStopped);
+    // returns true while the work has not started (then it never runs, and a warning says the
+    // work for `targetDescription` was dropped). Must not be called on `target`'s own thread.
+    // `targetStopped` is read under a lock shared by all waiters: it must be cheap and must not
+    // block.
+    static void run(QObject *target, const std::function<void()> &work,
+                    const std::function<bool()> &targetStopped, const QString &targetDescription);
     // Makes every waiting call read its `targetStopped` again; call it after a target stopped.
     static void wakeWaiters();
 };

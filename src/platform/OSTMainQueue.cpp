@@ -5,7 +5,6 @@
 #include "platform/OSTSerialQueue.h"
 
 #include <QCoreApplication>
-#include <QLoggingCategory>
 #include <QMetaObject>
 #include <QThread>
 
@@ -14,8 +13,6 @@
 namespace ostrel {
 
 namespace {
-
-Q_LOGGING_CATEGORY(mainQueueLog, "ostrel.queues")
 
 std::atomic<bool> applicationEnded = false;
 
@@ -53,9 +50,8 @@ void OSTMainQueue::sync(const std::function<void()> &work)
         work();
         return;
     }
-    const auto ended = [] { return applicationEnded.load(); };
-    if (OSTBlockingCall::run(QCoreApplication::instance(), work, ended) == OSTBlockingCall::Outcome::Abandoned)
-        qCWarning(mainQueueLog) << "Dropped work for the main thread: the application has ended";
+    OSTBlockingCall::run(QCoreApplication::instance(), work, [] { return applicationEnded.load(); },
+                         QStringLiteral("the main thread: the application has ended"));
 }
 
 void OSTMainQueue::after(double seconds, std::function<void()> work)

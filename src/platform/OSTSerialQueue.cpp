@@ -166,9 +166,8 @@ void OSTSerialQueue::sync(const std::function<void()> &work) const
         work();
         return;
     }
-    const auto stopped = [lifetime = m_lifetime] { return lifetime->finished.load(); };
-    if (OSTBlockingCall::run(m_context.get(), work, stopped) == OSTBlockingCall::Outcome::Abandoned)
-        qCWarning(serialQueueLog).noquote() << "Dropped work for the stopped queue" << name();
+    OSTBlockingCall::run(m_context.get(), work, [lifetime = m_lifetime] { return lifetime->finished.load(); },
+                         QStringLiteral("the stopped queue ") + name());
 }
 
 bool OSTSerialQueue::isCurrent() const

@@ -15,19 +15,6 @@ namespace {
 
 using Attribute = OSTLayoutElement::Attribute;
 
-// The order of QString's operator<, without its call: UTF-16 code units compared in turn.
-bool isKeyBefore(const QString &left, const QString &right)
-{
-    const qsizetype common = std::min(left.size(), right.size());
-    const QChar *l = left.constData();
-    const QChar *r = right.constData();
-    for (qsizetype index = 0; index < common; ++index) {
-        if (l[index] != r[index])
-            return l[index].unicode() < r[index].unicode();
-    }
-    return left.size() < right.size();
-}
-
 // Adds the elements of one category (or the groups), which come in key order, walking the table
 // along with them so that each goes in next to its neighbour instead of being searched for. An
 // element replaces one of the same key. `added` runs for each element once it is in the table.
@@ -39,7 +26,7 @@ void mergeInOrder(OSTLayoutManager::ElementTable &table, const QVariantMap &obje
     for (auto entry = objects.constBegin(); entry != objects.constEnd(); ++entry) {
         if (entry.value().metaType() != QMetaType::fromType<QVariantMap>())
             continue;
-        while (position != table.end() && isKeyBefore(position.key(), entry.key()))
+        while (position != table.end() && position.key() < entry.key())
             ++position;
         std::shared_ptr<OSTLayoutElement> element = makeElement(entry.value());
         if (position != table.end() && position.key() == entry.key())
