@@ -166,21 +166,24 @@ TEST_F(ServedImageManagerTest, MutedDownloadsStillFillTheCacheButCallNobody)
 {
     server.writeImage(u"muted.png"_s, test::pngOfColor(Qt::red));
     server.writeImage(u"after.png"_s, test::pngOfColor(Qt::blue));
-    // Held long enough that the download is still on its way when the mute comes, however
-    // loaded the machine.
-    ASSERT_TRUE(startCountingServer(0.3));
+    // Every answer is held until the service's clock moves, so the mute comes first.
+    ASSERT_TRUE(startCountingServer(1));
 
     LoadOutcome muted;
     manager().loadImageWithURL(imageURL(u"muted.png"_s), muted.completion());
     manager().muteAllDownloads();
     LoadOutcome joinedAfterMute;
     manager().loadImageWithURL(imageURL(u"muted.png"_s), joinedAfterMute.completion());
+    ASSERT_TRUE(test::waitUntil([&] { return imageGETs() == 1; }));
+    ASSERT_TRUE(server.advanceClock(1));
     ASSERT_TRUE(test::waitUntil([] { return isCached(u"muted.png"_s); }));
 
     // Downloads complete one after the other on the download session's queue and post to the GUI
     // thread in order: once a later download has been delivered, the muted one has been too.
     LoadOutcome later;
     manager().loadImageWithURL(imageURL(u"after.png"_s), later.completion());
+    ASSERT_TRUE(test::waitUntil([&] { return imageGETs() == 2; }));
+    ASSERT_TRUE(server.advanceClock(1));
     ASSERT_TRUE(later.wait());
     ASSERT_TRUE(joinedAfterMute.wait()) << "a caller joining after the mute is served";
     EXPECT_EQ(muted.calls.load(), 0);

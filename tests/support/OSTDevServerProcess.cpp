@@ -72,7 +72,9 @@ bool OSTDevServerProcess::isAvailable()
 bool OSTDevServerProcess::start(const Options &options)
 {
     stop();
-    QStringList arguments{u"--port"_s, u"0"_s, u"--data"_s, databasePath(), u"--experience"_s, experienceFolder()};
+    // Delayed answers wait for advanceClock(), so no test races a timer.
+    QStringList arguments{u"--port"_s, u"0"_s, u"--data"_s, databasePath(), u"--experience"_s, experienceFolder(),
+                          u"--driven-clock"_s};
     for (const QString &fault : options.faults)
         arguments << u"--fault"_s << fault;
     if (options.tls)
@@ -227,6 +229,11 @@ bool OSTDevServerProcess::setFault(const QVariantMap &fault)
 bool OSTDevServerProcess::clearFaults()
 {
     return send("DELETE", u"/_admin/faults"_s).status == 200;
+}
+
+bool OSTDevServerProcess::advanceClock(double seconds)
+{
+    return send("POST", u"/_admin/clock"_s, jsonText(QVariantMap{{u"advance"_s, seconds}})).status == 200;
 }
 
 QVariantList OSTDevServerProcess::faults()

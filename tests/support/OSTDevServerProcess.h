@@ -45,7 +45,8 @@ struct OSTHTTPAnswer {
 class OSTDevServerProcess {
 public:
     struct Options {
-        // --fault values, e.g. "launch_v3:status=500,times=1" or "*:delay=30".
+        // --fault values, e.g. "launch_v3:status=500,times=1" or "*:delay=30". A delay is on the
+        // service's driven clock: the answer waits until advanceClock() moves it far enough.
         QStringList faults = {};
         // Serve https with the service certificate.
         bool tls = false;
@@ -102,6 +103,8 @@ public:
     bool setFault(const QVariantMap &fault);
     bool clearFaults();
     QVariantList faults();
+    // Moves the service's clock on; delayed answers that have come due are sent.
+    bool advanceClock(double seconds);
 
     // A raw HTTP request to the service (GET, POST or DELETE).
     OSTHTTPAnswer send(const QByteArray &method, const QString &path, const QByteArray &body = {});

@@ -162,15 +162,16 @@ TEST_F(DevServerProcessTest, FaultsSetAtStartAndOverTheAdminRouteApplyAndRunOut)
 
 TEST_F(DevServerProcessTest, ADelayedAnswerToAClientThatLeftIsDropped)
 {
-    // Long enough for the cancel to arrive first on a loaded machine, short enough not to slow the suite.
-    startAndInstall({.faults = {u"launch_v3:delay=0.5"_s}});
+    startAndInstall({.faults = {u"launch_v3:delay=1"_s}});
     const OSTRequestManager::Task task =
         OSTRequestManager::sharedManager().apiRequestWithEndpoint(u"launch_v3"_s, {}, nullptr);
     ASSERT_TRUE(test::waitUntil([&] { return server.recordedRequests().size() == 1; }));
     task->cancel();
     ASSERT_TRUE(test::waitUntil([&] { return server.standardError().contains(u"the client of a delayed answer has gone"_s); }));
+    ASSERT_TRUE(server.advanceClock(1));
     EXPECT_TRUE(server.isRunning());
     EXPECT_EQ(requestText(u"event"_s, {}), u"OK"_s);
+    EXPECT_EQ(server.standardError().count(u"the client of a delayed answer has gone"_s), 1);
 }
 
 TEST_F(DevServerProcessTest, EventsAreStoredOncePerIdentifierFromSingleSendsAndBatches)

@@ -5,6 +5,7 @@
 #include "Endpoints.h"
 #include "ExperienceLoader.h"
 #include "FaultSwitches.h"
+#include "ServiceClock.h"
 
 #include "support/OSTTestSupport.h"
 
@@ -131,7 +132,8 @@ TEST(DevServerFaults, AShareFaultsThatPartOfTheAnswersEvenlyAndCountsOnlyFaulted
 TEST(DevServerAdmin, AnswersLoopbackOnlyAndAppliesAllOrNothing)
 {
     FaultSwitches switches;
-    AdminRoute admin(switches);
+    ServiceClock clock(ServiceClock::Kind::Driven);
+    AdminRoute admin(switches, clock);
     const QHostAddress loopback(QHostAddress::LocalHost);
 
     const AdminRoute::Answer remote = admin.handle(AdminRoute::Method::Post, QHostAddress(u"192.0.2.7"_s),
@@ -154,6 +156,32 @@ TEST(DevServerAdmin, AnswersLoopbackOnlyAndAppliesAllOrNothing)
 
     EXPECT_EQ(admin.handle(AdminRoute::Method::Delete, loopback, {}).status, 200);
     EXPECT_TRUE(switches.toJson().isEmpty());
+}
+
+TEST(DevServerAdmin, ADrivenClockRunsHeldWorkWhenMovedPastItsTimeInOrder)
+{
+    FaultSwitches switches;
+    ServiceClock clock(ServiceClock::Kind::Driven);
+    AdminRoute admin(switches, clock);
+    const QHostAddress loopback(QHostAddress::LocalHost);
+    QStringList ran;
+    clock.callAfter(2, [&] { ran << u"late"_s; });
+    clock.callAfter(1, [&] { ran << u"first"_s; });
+    clock.callAfter(1, [&] { ran << u"second"_s; });
+
+    EXPECT_EQ(admin.handleClock(AdminRoute::Method::Post, loopback, R"({"advance": 0.5})").status, 200);
+    EXPECT_TRUE(ran.isEmpty());
+    const AdminRoute::Answer moved = admin.handleClock(AdminRoute::Method::Post, loopback, R"({"advance": 0.5})");
+    EXPECT_EQ(ran, (QStringList{u"first"_s, u"second"_s}));
+    EXPECT_EQ(moved.body.toObject(), objectOf(R"({"seconds": 1, "pending": 1})"));
+    for (const char *bad : {R"({"advance": -1})", R"({"advance": "2"})", "[]"})
+        EXPECT_EQ(admin.handleClock(AdminRoute::Method::Post, loopback, bad).status, 400) << bad;
+    EXPECT_EQ(admin.handleClock(AdminRoute::Method::Post, QHostAddress(u"192.0.2.7"_s), R"({"advance": 5})").status, 403);
+    EXPECT_EQ(ran.size(), 2);
+
+    ServiceClock realTime(ServiceClock::Kind::Real);
+    AdminRoute realAdmin(switches, realTime);
+    EXPECT_EQ(realAdmin.handleClock(AdminRoute::Method::Post, loopback, R"({"advance": 1})").status, 409);
 }
 
 TEST(DevServerEndpoints, ThePINIsTheMD5RuleWithLeadingZeros)

@@ -53,6 +53,23 @@ void logRejection(const QString &endpoint, const QString &reason)
     QTextStream(stderr) << "rejected request to " << endpoint << ": " << reason << Qt::endl;
 }
 
+AdminRoute::Method adminMethod(const QHttpServerRequest &request)
+{
+    if (request.method() == QHttpServerRequest::Method::Post)
+        return AdminRoute::Method::Post;
+    if (request.method() == QHttpServerRequest::Method::Delete)
+        return AdminRoute::Method::Delete;
+    return AdminRoute::Method::Get;
+}
+
+QHttpServerResponse jsonResponse(const AdminRoute::Answer &answer)
+{
+    const QJsonDocument document = answer.body.isArray() ? QJsonDocument(answer.body.toArray())
+                                                         : QJsonDocument(answer.body.toObject());
+    return QHttpServerResponse("application/json", document.toJson(QJsonDocument::Compact),
+                               static_cast<QHttpServerResponse::StatusCode>(answer.status));
+}
+
 } // namespace
 
 std::unique_ptr<DevServer> DevServer::create(const DevServerOptions &options, LinePrinter printLine, QString &error)
@@ -77,7 +94,8 @@ DevServer::DevServer(const DevServerOptions &options, ServerIdentity identity,
       m_recorder(*m_database),
       m_experience(options.experienceFolder, options.configurationPath),
       m_endpoints(*m_database, m_experience, std::move(printLine)),
-      m_admin(m_faults)
+      m_clock(options.clock),
+      m_admin(m_faults, m_clock)
 {
     for (const auto &[endpoint, fault] : options.faults)
         m_faults.set(endpoint, fault);
@@ -114,6 +132,8 @@ void DevServer::addRoutes()
                    QHttpServerRequest::Method::Get | QHttpServerRequest::Method::Post
                        | QHttpServerRequest::Method::Delete,
                    [this](const QHttpServerRequest &request) { return handleAdmin(request); });
+    m_server.route(u"/_admin/clock"_s, QHttpServerRequest::Method::Get | QHttpServerRequest::Method::Post,
+                   [this](const QHttpServerRequest &request) { return handleClock(request); });
     m_server.route(u"/images/<arg>"_s, QHttpServerRequest::Method::Get,
                    [this](const QString &name, QHttpServerResponder &&responder) {
                        handleImage(name, std::move(responder));
@@ -131,17 +151,17 @@ void DevServer::handleEndpoint(const QString &endpoint, const QHttpServerRequest
     const std::optional<OpenedEnvelope> envelope = m_crypto.open(request.body(), error);
     if (!envelope) {
         logRejection(endpoint, error);
-        ResponseWriter::send(std::move(responder), textResponse(httpBadRequest, error.toUtf8()), Fault());
+        ResponseWriter::send(std::move(responder), textResponse(httpBadRequest, error.toUtf8()), Fault(), m_clock);
         return;
     }
     m_recorder.record(endpoint, envelope->parameters);
     if (!m_endpoints.handles(endpoint)) {
         logRejection(endpoint, u"unknown endpoint"_s);
-        ResponseWriter::send(std::move(responder), textResponse(httpNotFound, "unknown endpoint"), Fault());
+        ResponseWriter::send(std::move(responder), textResponse(httpNotFound, "unknown endpoint"), Fault(), m_clock);
         return;
     }
     const Fault fault = m_faults.take(endpoint).value_or(Fault());
-    ResponseWriter::send(std::move(responder), answerEnvelope(endpoint, *envelope, fault), fault);
+    ResponseWriter::send(std::move(responder), answerEnvelope(endpoint, *envelope, fault), fault, m_clock);
 }
 
 Response DevServer::answerEnvelope(const QString &endpoint, const OpenedEnvelope &envelope, const Fault &fault)
@@ -164,25 +184,21 @@ void DevServer::handleImage(const QString &name, QHttpServerResponder &&responde
     QFile file(path);
     if (fault.status || path.isEmpty() || !file.open(QIODevice::ReadOnly)) {
         const int status = fault.status.value_or(httpNotFound);
-        ResponseWriter::send(std::move(responder), textResponse(status, "no image"), fault);
+        ResponseWriter::send(std::move(responder), textResponse(status, "no image"), fault, m_clock);
         return;
     }
     const QByteArray mimeType = QMimeDatabase().mimeTypeForFile(path).name().toLatin1();
-    ResponseWriter::send(std::move(responder), Response{httpOK, file.readAll(), mimeType}, fault);
+    ResponseWriter::send(std::move(responder), Response{httpOK, file.readAll(), mimeType}, fault, m_clock);
 }
 
 QHttpServerResponse DevServer::handleAdmin(const QHttpServerRequest &request)
 {
-    AdminRoute::Method method = AdminRoute::Method::Get;
-    if (request.method() == QHttpServerRequest::Method::Post)
-        method = AdminRoute::Method::Post;
-    else if (request.method() == QHttpServerRequest::Method::Delete)
-        method = AdminRoute::Method::Delete;
-    const AdminRoute::Answer answer = m_admin.handle(method, request.remoteAddress(), request.body());
-    const QJsonDocument document = answer.body.isArray() ? QJsonDocument(answer.body.toArray())
-                                                         : QJsonDocument(answer.body.toObject());
-    return QHttpServerResponse("application/json", document.toJson(QJsonDocument::Compact),
-                               static_cast<QHttpServerResponse::StatusCode>(answer.status));
+    return jsonResponse(m_admin.handle(adminMethod(request), request.remoteAddress(), request.body()));
+}
+
+QHttpServerResponse DevServer::handleClock(const QHttpServerRequest &request)
+{
+    return jsonResponse(m_admin.handleClock(adminMethod(request), request.remoteAddress(), request.body()));
 }
 
 } // namespace ostrel::devserver

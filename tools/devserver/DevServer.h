@@ -8,6 +8,7 @@
 #include "FaultSwitches.h"
 #include "RequestRecorder.h"
 #include "ServerIdentity.h"
+#include "ServiceClock.h"
 #include "ServiceDatabase.h"
 
 #include <QHttpServer>
@@ -28,7 +29,7 @@ struct Response;
 //   POST /<endpoint>         envelope in, ciphertext out (400 with a reason for anything that
 //                            is not an envelope of this service, 404 for unknown endpoints)
 //   GET  /images/<name>      files of <experience>/images
-//   GET|POST|DELETE /_admin/faults   see AdminRoute
+//   GET|POST|DELETE /_admin/faults, GET|POST /_admin/clock   see AdminRoute
 class DevServer : public QObject {
     Q_OBJECT
 
@@ -53,6 +54,7 @@ private:
     void handleImage(const QString &name, QHttpServerResponder &&responder);
     Response answerEnvelope(const QString &endpoint, const OpenedEnvelope &envelope, const Fault &fault);
     QHttpServerResponse handleAdmin(const QHttpServerRequest &request);
+    QHttpServerResponse handleClock(const QHttpServerRequest &request);
 
     const DevServerOptions m_options;
     const ServerIdentity m_identity;
@@ -62,6 +64,7 @@ private:
     ExperienceLoader m_experience;
     Endpoints m_endpoints;
     FaultSwitches m_faults;
+    ServiceClock m_clock;
     AdminRoute m_admin;
     QHttpServer m_server;
     quint16 m_port = 0;

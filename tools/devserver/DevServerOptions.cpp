@@ -25,7 +25,9 @@ std::optional<DevServerOptions> DevServerOptions::parse(const QStringList &argum
     const QCommandLineOption tls(u"tls"_s, u"Serves https with the service certificate."_s);
     const QCommandLineOption fault(u"fault"_s, u"A fault, e.g. launch_v3:status=500 or *:delay=2 (repeatable)."_s,
                                    u"FAULT"_s);
-    parser.addOptions({help, port, listen, data, experience, configuration, linkBase, tls, fault});
+    const QCommandLineOption drivenClock(u"driven-clock"_s, u"Delays wait on a clock that only POST /_admin/clock "
+                                                            "moves, not on real time (for tests)."_s);
+    parser.addOptions({help, port, listen, data, experience, configuration, linkBase, tls, fault, drivenClock});
 
     if (!parser.parse(arguments)) {
         error = parser.errorText();
@@ -54,6 +56,7 @@ std::optional<DevServerOptions> DevServerOptions::parse(const QStringList &argum
     options.configurationPath = parser.value(configuration);
     options.linkBase = parser.value(linkBase);
     options.tls = parser.isSet(tls);
+    options.clock = parser.isSet(drivenClock) ? ServiceClock::Kind::Driven : ServiceClock::Kind::Real;
     for (const QString &text : parser.values(fault)) {
         const auto parsed = Fault::fromCommandLine(text, error);
         if (!parsed)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FaultSwitches.h"
+#include "ServiceClock.h"
 
 #include <QHostAddress>
 #include <QList>
@@ -23,6 +24,8 @@ struct DevServerOptions {
     QString linkBase;
     bool tls = false;
     QList<std::pair<QString, Fault>> faults;
+    // What delayed answers wait on: real time, or a clock that only /_admin/clock moves.
+    ServiceClock::Kind clock = ServiceClock::Kind::Real;
 
     // The key and certificate files kept next to the database.
     QString keyPath() const { return dataPath + QStringLiteral(".key.pem"); }

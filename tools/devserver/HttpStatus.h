@@ -8,6 +8,7 @@ enum HttpStatus : int {
     httpBadRequest = 400,
     httpForbidden = 403,
     httpNotFound = 404,
+    httpConflict = 409,
 };
 
 } // namespace ostrel::devserver

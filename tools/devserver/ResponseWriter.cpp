@@ -1,10 +1,11 @@
 #include "ResponseWriter.h"
 
+#include "ServiceClock.h"
+
 #include <QHttpServerResponder>
 #include <QPointer>
 #include <QTcpSocket>
 #include <QTextStream>
-#include <QTimer>
 
 #include <memory>
 
@@ -17,22 +18,47 @@ QHttpServerResponder::StatusCode statusCode(int status)
     return static_cast<QHttpServerResponder::StatusCode>(status);
 }
 
+// An answer waiting for its delay; settled once, by the clock or by the client leaving.
+struct HeldAnswer {
+    QHttpServerResponder responder;
+    QPointer<QTcpSocket> client;
+    bool settled = false;
+
+    bool settle()
+    {
+        const bool first = !settled;
+        settled = true;
+        return first;
+    }
+};
+
+void reportClientGone()
+{
+    QTextStream(stderr) << "the client of a delayed answer has gone" << Qt::endl;
+}
+
 } // namespace
 
-void ResponseWriter::send(QHttpServerResponder &&responder, const Response &response, const Fault &fault)
+void ResponseWriter::send(QHttpServerResponder &&responder, const Response &response, const Fault &fault,
+                          ServiceClock &clock)
 {
     if (fault.delaySeconds <= 0.0) {
         write(responder, response, fault.connection);
         return;
     }
     QTcpSocket *socket = responder.socket();
-    auto held = std::make_shared<QHttpServerResponder>(std::move(responder));
-    QTimer::singleShot(static_cast<int>(fault.delaySeconds * 1000.0),
-                       [held, response, connection = fault.connection, client = QPointer<QTcpSocket>(socket)] {
-        if (client && client->state() == QAbstractSocket::ConnectedState)
-            write(*held, response, connection);
+    auto held = std::make_shared<HeldAnswer>(HeldAnswer{std::move(responder), socket});
+    QObject::connect(socket, &QAbstractSocket::disconnected, socket, [held] {
+        if (held->settle())
+            reportClientGone();
+    });
+    clock.callAfter(fault.delaySeconds, [held, response, connection = fault.connection] {
+        if (!held->settle())
+            return;
+        if (held->client && held->client->state() == QAbstractSocket::ConnectedState)
+            write(held->responder, response, connection);
         else
-            QTextStream(stderr) << "the client of a delayed answer has gone" << Qt::endl;
+            reportClientGone();
     });
 }
 

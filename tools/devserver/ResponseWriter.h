@@ -14,13 +14,16 @@ struct Response {
     QByteArray contentType = "application/octet-stream";
 };
 
-// Writes answers, honouring a fault's delay and connection mode. A delayed answer is written
-// later from the event loop; when the client has gone by then, nothing is written.
+class ServiceClock;
+
+// Writes answers, honouring a fault's delay and connection mode. A delayed answer waits on the
+// service's clock; a client that leaves meanwhile is reported at once and gets nothing.
 class ResponseWriter {
 public:
     ResponseWriter() = delete;
 
-    static void send(QHttpServerResponder &&responder, const Response &response, const Fault &fault);
+    static void send(QHttpServerResponder &&responder, const Response &response, const Fault &fault,
+                     ServiceClock &clock);
 
 private:
     static void write(QHttpServerResponder &responder, const Response &response, Fault::Connection connection);
