@@ -25,6 +25,17 @@ qreal alphaWithProperties(const QVariantMap &properties)
     return std::clamp(alpha.value_or(1.0), 0.0, 1.0);
 }
 
+// A state's title and text look; the alignment is always the normal state's, as the title is
+// one label whatever the state.
+OSTButton::StateLook stateLook(QVariantMap state, const QVariantMap &normal)
+{
+    const QString alignmentKey = u"alignment"_s;
+    state.remove(alignmentKey);
+    if (normal.contains(alignmentKey))
+        state.insert(alignmentKey, normal.value(alignmentKey));
+    return {ost_stringForKey(state, u"text"_s).value_or(QString()), OSTTextAttributes(state)};
+}
+
 } // namespace
 
 OSTButton *OSTButton::create(const QRect &frame, const QVariantMap &properties, const QString &name,
@@ -50,16 +61,16 @@ OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QV
     }
 
     const QVariantMap normal = ost_mergeIntoDictionary(ost_dictionaryForKey(states, u"normal"_s).value_or(QVariantMap()), properties);
-    m_normalLook = {ost_stringForKey(normal, u"text"_s).value_or(QString()), OSTTextAttributes(normal)};
+    m_normalLook = stateLook(normal, normal);
     m_normalBackground = addBackground(normal);
     if (const auto pressed = ost_dictionaryForKey(states, u"pressed"_s)) {
         const QVariantMap merged = ost_mergeIntoDictionary(*pressed, normal);
-        m_pressedLook = StateLook{ost_stringForKey(merged, u"text"_s).value_or(QString()), OSTTextAttributes(merged)};
+        m_pressedLook = stateLook(merged, normal);
         m_highlightedBackground = addBackground(merged);
     }
     if (const auto disabled = ost_dictionaryForKey(states, u"disabled"_s)) {
         const QVariantMap merged = ost_mergeIntoDictionary(*disabled, normal);
-        m_disabledLook = StateLook{ost_stringForKey(merged, u"text"_s).value_or(QString()), OSTTextAttributes(merged)};
+        m_disabledLook = stateLook(merged, normal);
         m_disabledBackground = addBackground(merged);
     }
     // The state backgrounds are child widgets, which paint over their parent; the title and the

@@ -74,12 +74,13 @@ protected:
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
-private:
+public:
     struct StateLook {
         QString title;
         OSTTextAttributes attributes;
     };
 
+private:
     OSTImageView *addBackground(const QVariantMap &properties);
     qreal shownBackgroundCornerRadius() const;
     // The current state's title laid out at the current width; laid out again only when the

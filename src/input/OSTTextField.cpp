@@ -122,14 +122,12 @@ OSTTextField::OSTTextField(const QRect &frame, const QVariantMap &properties, co
       m_name(name),
       m_normalStateProperties(properties),
       m_invalidStateProperties(invalidPropertiesOf(properties)),
-      m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), properties, this))
+      m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), properties, this)),
+      m_defaultFont(font()), m_defaultPalette(palette())
 {
     setGeometry(frame);
     setFrame(false);
     m_backgroundView->hide();
-    QPalette clearBase = palette();
-    clearBase.setColor(QPalette::Base, Qt::transparent);
-    setPalette(clearBase);
 
     if (const std::optional<QVariantMap> placeholder = ost_dictionaryForKey(properties, u"placeholder"_s)) {
         m_placeholderLabel = new OSTLabel(QRect(QPoint(), frame.size()), *placeholder, this);
@@ -244,10 +242,13 @@ void OSTTextField::updateView()
                           .value_or(ost_contentInsetsForKey(state, u"contentInsets"_s).value_or(defaultInsets));
     setTextMargins(m_contentInsets);
 
-    QFont textFont = OSTFontResolver::fontWithProperties(text).value_or(font());
+    // Built fresh from the state each time: a colour or font of the invalid look must not stay
+    // once the field is valid again.
+    QFont textFont = OSTFontResolver::fontWithProperties(text).value_or(m_defaultFont);
     textFont.setUnderline(ost_stringForKey(text, u"style"_s) == u"underlined"_s);
     setFont(textFont);
-    QPalette textPalette = palette();
+    QPalette textPalette = m_defaultPalette;
+    textPalette.setColor(QPalette::Base, Qt::transparent);
     if (ost_stringForKey(text, u"textColor"_s))
         textPalette.setColor(QPalette::Text, OSTTextAttributes(text).textColor());
     setPalette(textPalette);

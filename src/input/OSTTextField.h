@@ -6,7 +6,9 @@
 
 #include <ostrel/OSTPropertyConversions.h>
 
+#include <QFont>
 #include <QLineEdit>
+#include <QPalette>
 #include <QMargins>
 #include <QVariantMap>
 
@@ -129,6 +131,8 @@ private:
     FormattingBlock m_formattingBlock;
     QString m_lastText; // the text before the user's latest edit
     OSTView *m_backgroundView = nullptr; // hidden child, painted behind the text
+    const QFont m_defaultFont;       // what a state without "font" or "textColor" shows
+    const QPalette m_defaultPalette;
     OSTLabel *m_placeholderLabel = nullptr; // child; null without "placeholder"
     OSTToolbar *m_toolbar = nullptr; // hidden child; null without "toolbar"
 };

@@ -11,11 +11,19 @@ class OSTAlphaBlur {
 public:
     OSTAlphaBlur() = delete;
 
+    // The largest standard deviation, in pixels, a blur takes: wider blurs of screen JSON (a
+    // "1000"-point shadow) would cost seconds and hundreds of megabytes for a shadow too faint to
+    // see, and overflow the radius arithmetic further on.
+    static constexpr qreal maximumSigma = 64;
+
+    // `sigma` held to [0, maximumSigma]; not-a-number is 0.
+    static qreal boundedSigma(qreal sigma);
+
     // Blurs `alphaMask` (Format_Alpha8) in place as a Gaussian of standard deviation `sigma`
-    // pixels, approximated by three box blurs. Coverage beyond the edges counts as none.
+    // pixels (bounded), approximated by three box blurs. Coverage beyond the edges counts as none.
     static void blur(QImage &alphaMask, qreal sigma);
 
-    // How far, in pixels, the blur of standard deviation `sigma` spreads coverage.
+    // How far, in pixels, the blur of standard deviation `sigma` (bounded) spreads coverage.
     static int reach(qreal sigma);
 
     // An ARGB32 premultiplied image of `color` whose opacity is the mask's coverage.

@@ -93,28 +93,34 @@ void OSTTextAttributes::paintShadow(QPainter &painter, QTextDocument &document,
                                     const QPointF &origin) const
 {
     // The text drawn as coverage only, blurred, then coloured: the same soft shadow as an
-    // element's drop shadow.
+    // element's drop shadow. The blurred layer is kept, so a repaint is a copy.
     const qreal ratio = OSTPaintedLayerCache::devicePixelRatio(painter);
-    const qreal sigma = m_shadow->blurRadius / 2 * ratio;
-    const int margin = OSTAlphaBlur::reach(sigma) + 1;
-    const QSizeF size = document.size();
-    const QSize pixels(int(std::ceil(size.width() * ratio)) + 2 * margin,
-                       int(std::ceil(size.height() * ratio)) + 2 * margin);
-    if (pixels.width() <= 0 || pixels.height() <= 0 || qint64(pixels.width()) * pixels.height() > 64'000'000)
+    const qreal sigma = OSTAlphaBlur::boundedSigma(m_shadow->blurRadius / 2 * ratio);
+    const int margin = int(std::ceil((OSTAlphaBlur::reach(sigma) + 1) / ratio));
+    const QSizeF textSize = document.size();
+    const QSize size(int(std::ceil(textSize.width())) + 2 * margin, int(std::ceil(textSize.height())) + 2 * margin);
+    if (size.isEmpty() || qreal(size.width()) * size.height() * ratio * ratio > 64'000'000)
         return;
-    QImage coverage(pixels, QImage::Format_ARGB32_Premultiplied);
-    coverage.fill(Qt::transparent);
-    {
-        QPainter textPainter(&coverage);
-        textPainter.translate(margin, margin);
-        textPainter.scale(ratio, ratio);
-        document.drawContents(&textPainter);
-    }
-    QImage mask = coverage.convertToFormat(QImage::Format_Alpha8);
-    OSTAlphaBlur::blur(mask, sigma);
-    QImage shadow = OSTAlphaBlur::colorized(mask, m_shadow->color);
-    shadow.setDevicePixelRatio(ratio);
-    painter.drawImage(origin + m_shadow->offset - QPointF(margin / ratio, margin / ratio), shadow);
+    const QString key = u"text shadow %1 %2 %3 %4"_s.arg(m_shadow->color.name(QColor::HexArgb))
+                            .arg(sigma)
+                            .arg(document.textWidth())
+                            .arg(document.toHtml());
+    const QImage shadow = OSTPaintedLayerCache::layer(key, size, ratio, [&](QPainter &layerPainter) {
+        QImage coverage(QSizeF(size * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+        coverage.fill(Qt::transparent);
+        {
+            QPainter textPainter(&coverage);
+            textPainter.scale(ratio, ratio);
+            textPainter.translate(margin, margin);
+            document.drawContents(&textPainter);
+        }
+        QImage mask = coverage.convertToFormat(QImage::Format_Alpha8);
+        OSTAlphaBlur::blur(mask, sigma);
+        QImage coloured = OSTAlphaBlur::colorized(mask, m_shadow->color);
+        coloured.setDevicePixelRatio(ratio);
+        layerPainter.drawImage(QPointF(), coloured);
+    });
+    painter.drawImage(origin + m_shadow->offset - QPointF(margin, margin), shadow);
 }
 
 } // namespace ostrel
