@@ -52,6 +52,15 @@ public:
     // The title shown in the current state.
     QString currentTitle() const;
 
+    struct StateLook {
+        QString title;
+        OSTTextAttributes attributes;
+    };
+    // Each state's title and text look; pressed and disabled are absent when the states are.
+    const StateLook &normalLook() const { return m_normalLook; }
+    const std::optional<StateLook> &pressedLook() const { return m_pressedLook; }
+    const std::optional<StateLook> &disabledLook() const { return m_disabledLook; }
+
     // A toggle's value is whether it is selected; a plain button has none.
     QVariant value() const override;
     void setValue(const QVariant &value) override;
@@ -73,12 +82,6 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
-
-public:
-    struct StateLook {
-        QString title;
-        OSTTextAttributes attributes;
-    };
 
 private:
     OSTImageView *addBackground(const QVariantMap &properties);

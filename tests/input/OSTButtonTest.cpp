@@ -62,6 +62,13 @@ TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)
     button->setEnabled(false);
     EXPECT_EQ(button->currentTitle(), u"Wait"_s);
 
+    // Every state's title takes the normal state's alignment, whatever the state names.
+    std::unique_ptr<OSTButton> aligned(OSTButton::create(QRect(0, 0, 120, 40), jsonObject(R"({"alignment": "left",
+        "states": {"normal": {"text": "Go"}, "pressed": {"alignment": "right"}, "disabled": {"alignment": "right"}}})"), u"a"_s));
+    ASSERT_TRUE(aligned);
+    for (const OSTButton::StateLook *look : {&aligned->normalLook(), &*aligned->pressedLook(), &*aligned->disabledLook()})
+        EXPECT_EQ(look->attributes.alignment(), NSTextAlignmentLeft);
+
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(button.get());
     EXPECT_EQ(accessible->role(), QAccessible::Button);
     EXPECT_EQ(accessible->text(QAccessible::Name), u"Go & see"_s) << "no keyboard shortcut made of the ampersand";

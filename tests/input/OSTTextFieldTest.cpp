@@ -279,6 +279,39 @@ TEST(TextField, TheInvalidLookShowsAfterEditingWithItsMessageForAssistiveTechnol
     EXPECT_EQ(rebuilt->text(), u""_s);
 }
 
+TEST(TextField, TheInvalidLooksColourAndFontLeaveWithItWhenTheNormalLookNamesNone)
+{
+    test::InputWindow window;
+    OSTTextField *field = fieldIn(window, R"({"minLength": 3, "maxLength": 10,
+        "states": {"invalid": {"text": {"textColor": "#FF0000", "font": "bold", "size": "30"}}}})", u"nickname"_s);
+    OSTTextField *next = fieldIn(window, "{}", u"next"_s);
+    const auto model = bindModel(*field, {{u"errorMessage"_s, u"Too short."_s}});
+    const QColor defaultText = field->palette().color(QPalette::Text);
+    const int defaultSize = field->font().pixelSize();
+    const auto redPixels = [&] {
+        const QImage image = test::capture(*field, 1);
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                count += test::colorNear(image.pixelColor(x, y), QColor(255, 0, 0), 60) ? 1 : 0;
+        return count;
+    };
+
+    field->setFocus();
+    QTest::keyClicks(field, u"ab"_s);
+    next->setFocus();
+    ASSERT_TRUE(field->showsInvalidLook());
+    EXPECT_GT(redPixels(), 0) << "the invalid text is red";
+
+    field->setFocus();
+    QTest::keyClicks(field, u"c"_s);
+    next->setFocus();
+    ASSERT_FALSE(field->showsInvalidLook());
+    EXPECT_EQ(field->palette().color(QPalette::Text), defaultText);
+    EXPECT_EQ(field->font().pixelSize(), defaultSize);
+    EXPECT_EQ(redPixels(), 0) << "the fixed text is no longer red";
+}
+
 // A screen of the experience document, as the events of a screen name it.
 class TestScreen final : public OSTTrackedItem {
 public:
