@@ -198,8 +198,12 @@ void OSTButton::keyPressEvent(QKeyEvent *event)
 void OSTButton::changeEvent(QEvent *event)
 {
     QAbstractButton::changeEvent(event);
-    if (event->type() == QEvent::EnabledChange)
+    if (event->type() == QEvent::EnabledChange) {
+        // Qt drops the clicks on a disabled widget; a disabled button lets them through to the
+        // screen beneath, which counts them as taps and shows why the button is off.
+        setAttribute(Qt::WA_TransparentForMouseEvents, !isEnabled());
         updateBackgrounds();
+    }
     else if (event->type() == QEvent::FontChange)
         m_titleDocument.reset();
 }

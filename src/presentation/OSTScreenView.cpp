@@ -66,15 +66,13 @@ std::optional<QVariantMap> parseScreenJson(const QString &text)
 }
 
 // Whether the widget under a press is one that handles presses itself, so the page does not
-// count the press as a tap on the screen. A disabled control handles nothing: a press on it is a
-// tap on the screen, which then shows why the control is off (a "next" button while fields are
-// invalid).
+// count the press as a tap on the screen.
 bool isControl(const QWidget *widget, const QWidget *page)
 {
     for (; widget && widget != page; widget = widget->parentWidget()) {
         if (qobject_cast<const OSTButton *>(widget) || qobject_cast<const OSTSwitch *>(widget)
             || qobject_cast<const OSTTextField *>(widget) || qobject_cast<const OSTPicker *>(widget))
-            return widget->isEnabled();
+            return true;
     }
     return false;
 }
