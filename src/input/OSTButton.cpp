@@ -54,12 +54,6 @@ OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QV
     setGeometry(frame);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_NoSystemBackground);
-    if (const qreal alpha = alphaWithProperties(properties); alpha < 1) {
-        auto *effect = new OSTViewEffect(nullptr);
-        effect->setOpacity(alpha);
-        setGraphicsEffect(effect);
-    }
-
     const QVariantMap normal = ost_mergeIntoDictionary(ost_dictionaryForKey(states, u"normal"_s).value_or(QVariantMap()), properties);
     m_normalLook = stateLook(normal, normal);
     m_normalBackground = addBackground(normal);
@@ -73,6 +67,8 @@ OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QV
         m_disabledLook = stateLook(merged, normal);
         m_disabledBackground = addBackground(merged);
     }
+    OSTViewEffect::applyTo(*this, m_normalBackground->container(), alphaWithProperties(properties),
+                           ost_objectShadowWithProperties(normal));
     // The state backgrounds are child widgets, which paint over their parent; the title and the
     // focus frame go on a transparent layer above them so that an opaque background cannot hide them.
     m_titleLayer->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -100,7 +96,8 @@ OSTButton::~OSTButton() = default;
 
 OSTImageView *OSTButton::addBackground(const QVariantMap &properties)
 {
-    auto *background = new OSTImageView(rect(), properties, this);
+    // The button casts the shadow itself: a background's own would be clipped to the button.
+    auto *background = new OSTImageView(rect(), ost_propertiesWithoutObjectShadow(properties), this);
     background->lower();
     return background;
 }

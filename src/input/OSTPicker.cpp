@@ -9,6 +9,7 @@
 #include "render/OSTBackgroundView.h"
 #include "core/OSTDateFormatter.h"
 #include "render/OSTImageView.h"
+#include "render/OSTViewEffect.h"
 #include "render/OSTLabel.h"
 
 #include <ostrel/OSTPropertyConversions.h>
@@ -76,7 +77,8 @@ OSTPicker::OSTPicker(const QRect &frame, const QVariantMap &properties, const QS
     : OSTView(frame, {}, Styling::InSubclassConstructor, parent),
       OSTInput(*this, inputPositionWithProperties(properties)),
       m_name(name),
-      m_backgroundView(new OSTImageView(QRect(QPoint(), frame.size()), properties, container())),
+      m_backgroundView(new OSTImageView(QRect(QPoint(), frame.size()), ost_propertiesWithoutObjectShadow(properties),
+                                        container())),
       m_textLabel(new OSTLabel(QRect(QPoint(), frame.size()),
                                ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()), container()))
 {
@@ -93,7 +95,9 @@ OSTPicker::~OSTPicker()
 void OSTPicker::customizeWithProperties(const QVariantMap &properties)
 {
     OSTView::customizeWithProperties({});
-    m_backgroundView->customizeWithProperties(properties);
+    // The picker casts its box's shadow itself: the box's own would be clipped to the picker.
+    m_backgroundView->customizeWithProperties(ost_propertiesWithoutObjectShadow(properties));
+    OSTViewEffect::applyTo(*this, m_backgroundView->container(), 1, ost_objectShadowWithProperties(properties));
     m_textLabel->customizeWithProperties(ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()));
     m_contentInsets = ost_contentInsetsForKey(properties, u"contentInsets"_s).value_or(defaultContentInsets);
     layOutLabel();

@@ -12,8 +12,8 @@
 #include "render/OSTTextAttributes.h"
 #include "render/OSTBackgroundView.h"
 #include "render/OSTView.h"
+#include "render/OSTViewEffect.h"
 
-#include <QGraphicsOpacityEffect>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -154,12 +154,7 @@ OSTTextField::~OSTTextField() = default;
 
 void OSTTextField::readBehaviour(const QVariantMap &properties)
 {
-    const double opacity = std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0);
-    if (opacity < 1.0) {
-        auto *fade = new QGraphicsOpacityEffect(this);
-        fade->setOpacity(opacity);
-        setGraphicsEffect(fade);
-    }
+    m_opacity = std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0);
     setEchoMode(boolForKey(properties, u"secureTextEntry"_s, false) ? Password : Normal);
     if (const std::optional<QString> alignment = alignmentWordOf(properties))
         setAlignment(OSTTextAttributes(QVariantMap{{u"alignment"_s, *alignment}}).horizontalAlignment() | verticalAlignmentOf(properties));
@@ -234,7 +229,9 @@ void OSTTextField::updateView()
 {
     const QVariantMap &state = showsInvalidLook() ? m_invalidStateProperties : m_normalStateProperties;
     const QVariantMap text = ost_dictionaryForKey(state, u"text"_s).value_or(QVariantMap());
-    m_backgroundView->customizeWithProperties(state);
+    // The box is painted inside the field's own painting, so the field casts the box's shadow.
+    m_backgroundView->customizeWithProperties(ost_propertiesWithoutObjectShadow(state));
+    OSTViewEffect::applyTo(*this, m_backgroundView->container(), m_opacity, ost_objectShadowWithProperties(state));
 
     const QMargins defaultInsets(defaultLeftInset, 0,
                                  m_clearButtonMode == UITextFieldViewModeNever ? 0 : clearButtonRightInset, 0);

@@ -131,6 +131,7 @@ private:
     FormattingBlock m_formattingBlock;
     QString m_lastText; // the text before the user's latest edit
     OSTView *m_backgroundView = nullptr; // hidden child, painted behind the text
+    qreal m_opacity = 1;
     const QFont m_defaultFont;       // what a state without "font" or "textColor" shows
     const QPalette m_defaultPalette;
     OSTLabel *m_placeholderLabel = nullptr; // child; null without "placeholder"

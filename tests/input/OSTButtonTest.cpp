@@ -4,6 +4,8 @@
 #include "experience/OSTAction.h"
 #include "input/OSTButton.h"
 #include "input/OSTImagePickerButton.h"
+#include "input/OSTPicker.h"
+#include "input/OSTTextField.h"
 #include "input/OSTValidationItemModel.h"
 #include "platform/OSTBundle.h"
 #include "render/OSTImageDisplay.h"
@@ -11,6 +13,7 @@
 #include "support/OSTDevServerProcess.h"
 #include "users/OSTUserManager.h"
 
+#include "OSTInputTestSupport.h"
 #include "OSTValidationTestFakes.h"
 #include "../render/OSTPixelTestSupport.h"
 
@@ -151,6 +154,32 @@ TEST_P(ButtonPixels, EachStateShowsItsOwnBackgroundImageAndTitleInsideRoundedCor
 }
 
 INSTANTIATE_TEST_SUITE_P(Ratios, ButtonPixels, ::testing::Values(1.0, 2.0), test::ratioTestName);
+
+TEST(InputShadows, ButtonsPickersAndTextFieldsCastTheirShadowOutsideTheirBox)
+{
+    // White boxes with a hard black shadow 12 points lower: the band just below each box is the
+    // shadow's alone, and a shadow clipped to the box would leave it white.
+    test::InputWindow window;
+    window.setAutoFillBackground(true);
+    window.setPalette(QPalette(Qt::white));
+    const char *box = R"({"backgroundColor": "#FFFFFF", "cornerRadius": "10", "objectShadow": ["#000000", "1", "0", "12"],
+                          "states": {"normal": {"text": "Go"}}, "picker": {"pickerData": ["Red"]}})";
+    QWidget *const elements[] = {
+        OSTButton::create(QRect(20, 20, 100, 40), jsonObject(box), u"go"_s, &window),
+        new OSTPicker(QRect(20, 100, 100, 40), jsonObject(box), u"colour"_s, &window),
+        new OSTTextField(QRect(20, 180, 100, 40), jsonObject(box), u"name"_s, &window),
+    };
+    for (QWidget *element : elements)
+        test::shown(element);
+    const QImage image = capture(window, 1);
+    for (QWidget *element : elements) {
+        const QPoint belowTheBox(element->geometry().center().x(), element->geometry().bottom() + 6);
+        EXPECT_LT(pixelAt(image, belowTheBox).value(), 60) << element->metaObject()->className()
+                                                          << ": the shadow below the box";
+        EXPECT_TRUE(colorNear(pixelAt(image, element->geometry().center() + QPoint(30, 0)), Qt::white))
+            << element->metaObject()->className() << ": the box over its shadow";
+    }
+}
 
 TEST(ImagePickerButton, ChosenPictureBecomesValueAndBackgroundAndCancellingLeavesItInvalid)
 {
