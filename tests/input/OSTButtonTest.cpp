@@ -18,6 +18,7 @@
 #include "../render/OSTPixelTestSupport.h"
 
 #include <QAccessible>
+#include <QMenu>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -181,29 +182,63 @@ TEST(InputShadows, ButtonsPickersAndTextFieldsCastTheirShadowOutsideTheirBox)
     }
 }
 
-TEST(ImagePickerButton, ChosenPictureBecomesValueAndBackgroundAndCancellingLeavesItInvalid)
+TEST(ImagePickerButton, ItsMenuComesFromTheSelectorAndTheChosenPictureBecomesValueAndBackground)
 {
     QTemporaryDir folder;
     const QString picture = folder.filePath(u"me.png"_s);
     ASSERT_TRUE(imageOfColor(Qt::blue, {30, 30}).save(picture));
     QString answer;
-    OSTImagePickerButton::setFileChooser([&answer](QWidget *) { return answer; });
+    int chooserOpened = 0;
+    OSTImagePickerButton::setFileChooser([&](QWidget *) {
+        ++chooserOpened;
+        return answer;
+    });
 
-    std::unique_ptr<OSTImagePickerButton> picker(OSTImagePickerButton::create(QRect(0, 0, 60, 60),
-        jsonObject(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}}})"), u"avatar"_s));
+    // No selector, no menu: a press does nothing.
+    test::InputWindow window;
+    auto *plain = test::shown(OSTImagePickerButton::create(QRect(100, 0, 60, 60),
+        jsonObject(R"({"states": {"normal": {}}})"), u"plain"_s, &window));
+    QTest::mouseClick(plain, Qt::LeftButton);
+    EXPECT_EQ(plain->menu(), nullptr);
+    EXPECT_EQ(chooserOpened, 0);
+    EXPECT_FALSE(plain->shouldShowErrorMessage());
+
+    auto *picker = test::shown(OSTImagePickerButton::create(QRect(0, 0, 60, 60),
+        jsonObject(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}},
+                       "imageSelector": {"cameraText": "Take one", "photosText": "Pick a file", "cancelText": "Not now"}})"),
+        u"avatar"_s, &window));
     auto model = bindModel(*picker, "false");
     EXPECT_FALSE(picker->shouldShowErrorMessage());
+    // Picks the menu entry titled `title` as a person does: a press on the button, a click on it.
+    const auto choose = [&](const QString &title) {
+        QTest::mouseClick(picker, Qt::LeftButton);
+        QMenu *menu = picker->menu();
+        ASSERT_TRUE(menu && menu->isVisible());
+        QStringList titles;
+        QAction *entry = nullptr;
+        for (QAction *action : menu->actions()) {
+            titles.append(action->text());
+            if (action->text() == title)
+                entry = action;
+        }
+        EXPECT_EQ(titles, (QStringList{u"Pick a file"_s, u"Not now"_s})) << "no camera on a desktop";
+        ASSERT_TRUE(entry);
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(entry).center());
+        QCoreApplication::processEvents();
+    };
 
-    QTest::mouseClick(picker.get(), Qt::LeftButton); // cancelled
+    choose(u"Not now"_s);
+    EXPECT_EQ(chooserOpened, 0);
     EXPECT_TRUE(picker->shouldShowErrorMessage());
     EXPECT_FALSE(model->isValid());
 
     answer = folder.filePath(u"not-a-picture.png"_s);
-    QTest::mouseClick(picker.get(), Qt::LeftButton);
+    choose(u"Pick a file"_s);
+    EXPECT_EQ(chooserOpened, 1);
     EXPECT_FALSE(model->isValid()) << "an unreadable file is no picture";
 
     answer = picture;
-    QTest::mouseClick(picker.get(), Qt::LeftButton);
+    choose(u"Pick a file"_s);
     EXPECT_TRUE(model->isValid());
     EXPECT_EQ(model->value().value<QImage>().size(), QSize(30, 30));
     EXPECT_TRUE(colorNear(pixelAt(capture(*picker, 2), {30, 30}), QColor(Qt::blue)));
