@@ -8,6 +8,7 @@
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTBackgroundView.h"
 #include "core/OSTDateFormatter.h"
+#include "platform/OSTClock.h"
 #include "render/OSTImageView.h"
 #include "render/OSTViewEffect.h"
 #include "render/OSTLabel.h"
@@ -141,7 +142,10 @@ void OSTPicker::buildToolbar(const QVariantMap &properties)
     if (!toolbar)
         return;
     m_toolbar = new OSTToolbar(*toolbar, m_popup);
-    m_toolbar->setCancelBlock([this] { hideWheel(); });
+    m_toolbar->setCancelBlock([this] {
+        hideWheel();
+        clearFocus();
+    });
     m_toolbar->setDoneBlock([this] { finishWithDone(); });
     layout->addWidget(m_toolbar);
 }
@@ -201,9 +205,13 @@ void OSTPicker::buildDateWheel(const QVariantMap &picker)
         m_dateWheel->setMinimumDateTime(minimum);
     if (const QDateTime maximum = dateForKey(picker, u"maxDate"_s); maximum.isValid())
         m_dateWheel->setMaximumDateTime(maximum);
+    // Untouched, the wheel holds the start date or else now (within the bounds), as it shows.
     if (const QDateTime start = dateForKey(picker, u"startDate"_s); start.isValid()) {
         m_dateWheel->setDateTime(start);
         dateChanged();
+    } else {
+        m_dateWheel->setDateTime(QDateTime::fromSecsSinceEpoch(
+            qint64(OSTClock::current().now() + OSTClock::referenceDateOffset)));
     }
     connect(m_dateWheel, &QDateTimeEdit::dateTimeChanged, this, &OSTPicker::dateChanged);
     m_popup->layout()->addWidget(m_dateWheel);
