@@ -103,7 +103,7 @@ void BM_PaintFortyElements(benchmark::State &state)
 BENCHMARK(BM_PaintFortyElements)->Unit(benchmark::kMillisecond);
 
 // A label whose text shadow asks for a blur of 1000 points, repainted after its first paint (the
-// blurred layer is kept; the blur is bounded). Target: under 16 ms a repaint.
+// blurred layer, made at a lower resolution, is kept). Target: under 16 ms a repaint.
 void BM_RepaintLabelWithHugeShadowBlur(benchmark::State &state)
 {
     OSTLabel label(QRect(0, 0, 343, 44), {{u"text"_s, u"A shadow too wide to see"_s}, {u"size"_s, u"17"_s},

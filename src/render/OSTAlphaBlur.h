@@ -11,10 +11,10 @@ class OSTAlphaBlur {
 public:
     OSTAlphaBlur() = delete;
 
-    // The largest standard deviation, in pixels, a blur takes: wider blurs of screen JSON (a
-    // "1000"-point shadow) would cost seconds and hundreds of megabytes for a shadow too faint to
-    // see, and overflow the radius arithmetic further on.
-    static constexpr qreal maximumSigma = 64;
+    // The largest standard deviation, in pixels, a blur takes. Callers blur wide shadows at a
+    // lower resolution and stay far below it; the bound keeps the radius arithmetic from
+    // overflowing whatever a caller asks (sigmas of 1e4 and more).
+    static constexpr qreal maximumSigma = 1024;
 
     // `sigma` held to [0, maximumSigma]; not-a-number is 0.
     static qreal boundedSigma(qreal sigma);

@@ -67,10 +67,11 @@ TEST(Shadow, AHugeBlurIsBoundedAndItsLayerKeptForRepaints)
 
     OSTPaintedLayerCache::clear();
     OSTLabel label(QRect(0, 0, 200, 40), test::jsonObject(R"({"text": "Shadowed", "size": "17",
-        "shadow": ["#FF000000", "1000", "0", "0"]})"));
+        "shadow": ["#000000", "1000", "0", "0"]})"));
     const QImage first = test::capture(label, 1);
     const qsizetype kept = OSTPaintedLayerCache::count();
     EXPECT_GE(kept, 1) << "the blurred shadow is kept";
+    EXPECT_LT(OSTPaintedLayerCache::bytes(), 4 * 1024 * 1024) << "made at a lower resolution";
     const QImage again = test::capture(label, 1);
     EXPECT_EQ(OSTPaintedLayerCache::count(), kept) << "a repaint finds it";
     EXPECT_EQ(first, again);
