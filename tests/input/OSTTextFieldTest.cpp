@@ -316,12 +316,7 @@ TEST(TextField, TheInvalidLooksColourAndFontLeaveWithItWhenTheNormalLookNamesNon
     const QColor defaultText = field->palette().color(QPalette::Text);
     const int defaultSize = field->font().pixelSize();
     const auto redPixels = [&] {
-        const QImage image = test::capture(*field, 1);
-        int count = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                count += test::colorNear(image.pixelColor(x, y), QColor(255, 0, 0), 60) ? 1 : 0;
-        return count;
+        return test::countPixels(test::capture(*field, 1), [](QColor c) { return bool(test::colorNear(c, Qt::red, 60)); });
     };
 
     field->setFocus();
