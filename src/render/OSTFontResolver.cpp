@@ -77,9 +77,8 @@ const QHash<QString, QString> &familiesByComparableName()
 {
     static QHash<QString, QString> families;
     static bool stale = true;
-    static const QMetaObject::Connection changes = QObject::connect(
+    [[maybe_unused]] static const QMetaObject::Connection changes = QObject::connect(
         qGuiApp, &QGuiApplication::fontDatabaseChanged, qGuiApp, [] { stale = true; });
-    Q_UNUSED(changes);
     if (stale) {
         families.clear();
         for (const QString &listed : QFontDatabase::families()) {
