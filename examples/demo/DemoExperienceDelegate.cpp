@@ -33,12 +33,12 @@ void DemoExperienceDelegate::validateUniqueFields(const QVariantMap &fields, Val
 {
     answerLater([this, fields, completion] {
         if (m_accounts.isRegistered(fields.value(emailField).toString())) {
-            emit received(u"validateUniqueFields"_s, fields, u"rejected: address taken"_s);
             completion(invalidField(emailField, u"This e-mail address is already registered."_s));
+            emit received(u"validateUniqueFields"_s, fields, u"rejected: address taken"_s);
             return;
         }
-        emit received(u"validateUniqueFields"_s, fields, u"accepted"_s);
         completion(OSTValidationResult());
+        emit received(u"validateUniqueFields"_s, fields, u"accepted"_s);
     });
 }
 
@@ -47,12 +47,12 @@ void DemoExperienceDelegate::signUpWithFields(const QVariantMap &fields, Authent
     answerLater([this, fields, completion] {
         const std::optional<DemoAccounts::Account> account = m_accounts.signUp(fields);
         if (!account) {
-            emit received(u"signUpWithFields"_s, fields, u"rejected: address missing or taken"_s);
             completion(invalidField(emailField, u"This e-mail address is already registered."_s), QString());
+            emit received(u"signUpWithFields"_s, fields, u"rejected: address missing or taken"_s);
             return;
         }
-        emit received(u"signUpWithFields"_s, fields, u"signed up as "_s + account->userID);
         completion(OSTValidationResult(), account->userID);
+        emit received(u"signUpWithFields"_s, fields, u"signed up as "_s + account->userID);
     });
 }
 
@@ -60,18 +60,18 @@ void DemoExperienceDelegate::logInWithFields(const QVariantMap &fields, Authenti
 {
     answerLater([this, fields, completion] {
         if (!m_accounts.isRegistered(fields.value(emailField).toString())) {
-            emit received(u"logInWithFields"_s, fields, u"rejected: unknown address"_s);
             completion(invalidField(emailField, u"No account uses this address. Create one first."_s), QString());
+            emit received(u"logInWithFields"_s, fields, u"rejected: unknown address"_s);
             return;
         }
         const std::optional<DemoAccounts::Account> account = m_accounts.logIn(fields);
         if (!account) {
-            emit received(u"logInWithFields"_s, fields, u"rejected: wrong password"_s);
             completion(invalidField(u"password"_s, u"That password is not right."_s), QString());
+            emit received(u"logInWithFields"_s, fields, u"rejected: wrong password"_s);
             return;
         }
-        emit received(u"logInWithFields"_s, fields, u"logged in as "_s + account->userID);
         completion(OSTValidationResult(), account->userID);
+        emit received(u"logInWithFields"_s, fields, u"logged in as "_s + account->userID);
     });
 }
 
@@ -79,12 +79,12 @@ void DemoExperienceDelegate::recoverPasswordWithFields(const QVariantMap &fields
 {
     answerLater([this, fields, completion] {
         if (!m_accounts.isRegistered(fields.value(emailField).toString())) {
-            emit received(u"recoverPasswordWithFields"_s, fields, u"rejected: unknown address"_s);
             completion(invalidField(emailField, u"No account uses this address."_s));
+            emit received(u"recoverPasswordWithFields"_s, fields, u"rejected: unknown address"_s);
             return;
         }
-        emit received(u"recoverPasswordWithFields"_s, fields, u"reset link sent"_s);
         completion(OSTValidationResult());
+        emit received(u"recoverPasswordWithFields"_s, fields, u"reset link sent"_s);
     });
 }
 
@@ -93,8 +93,8 @@ void DemoExperienceDelegate::authenticateFacebookWithFields(const QVariantMap &f
 {
     answerLater([this, fields, completion] {
         const QString userID = u"facebook-"_s + fields.value(u"id"_s).toString();
-        emit received(u"authenticateFacebookWithFields"_s, fields, u"logged in as "_s + userID);
         completion(OSTValidationResult(), userID);
+        emit received(u"authenticateFacebookWithFields"_s, fields, u"logged in as "_s + userID);
     });
 }
 

@@ -15,7 +15,9 @@ namespace ostrel::demo {
 // The demo host's answers to the experience: sign-ups and log-ins against its own accounts
 // (DemoAccounts), unique e-mail addresses, password recovery for known addresses. Each answer
 // comes after `answerDelay`, as from a back end, so the experience shows its loading overlay.
-// Every callback is announced through received(), which the window shows.
+// Every callback is announced through received(), which the window shows, after the answer went
+// to the SDK: by then the SDK has recorded a sign-up or log-in, so the window shows the user the
+// SDK reports.
 //
 // Lives on the GUI thread; the host keeps it in a shared_ptr for as long as the SDK should call it.
 class DemoExperienceDelegate : public QObject, public OSTExperienceDelegate {

@@ -25,6 +25,17 @@ qreal alphaWithProperties(const QVariantMap &properties)
     return std::clamp(alpha.value_or(1.0), 0.0, 1.0);
 }
 
+// A state's title and text look; the alignment is always the normal state's, as the title is
+// one label whatever the state.
+OSTButton::StateLook stateLook(QVariantMap state, const QVariantMap &normal)
+{
+    const QString alignmentKey = u"alignment"_s;
+    state.remove(alignmentKey);
+    if (normal.contains(alignmentKey))
+        state.insert(alignmentKey, normal.value(alignmentKey));
+    return {ost_stringForKey(state, u"text"_s).value_or(QString()), OSTTextAttributes(state)};
+}
+
 } // namespace
 
 OSTButton *OSTButton::create(const QRect &frame, const QVariantMap &properties, const QString &name,
@@ -43,25 +54,21 @@ OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QV
     setGeometry(frame);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_NoSystemBackground);
-    if (const qreal alpha = alphaWithProperties(properties); alpha < 1) {
-        auto *effect = new OSTViewEffect(nullptr);
-        effect->setOpacity(alpha);
-        setGraphicsEffect(effect);
-    }
-
     const QVariantMap normal = ost_mergeIntoDictionary(ost_dictionaryForKey(states, u"normal"_s).value_or(QVariantMap()), properties);
-    m_normalLook = {ost_stringForKey(normal, u"text"_s).value_or(QString()), OSTTextAttributes(normal)};
+    m_normalLook = stateLook(normal, normal);
     m_normalBackground = addBackground(normal);
     if (const auto pressed = ost_dictionaryForKey(states, u"pressed"_s)) {
         const QVariantMap merged = ost_mergeIntoDictionary(*pressed, normal);
-        m_pressedLook = StateLook{ost_stringForKey(merged, u"text"_s).value_or(QString()), OSTTextAttributes(merged)};
+        m_pressedLook = stateLook(merged, normal);
         m_highlightedBackground = addBackground(merged);
     }
     if (const auto disabled = ost_dictionaryForKey(states, u"disabled"_s)) {
         const QVariantMap merged = ost_mergeIntoDictionary(*disabled, normal);
-        m_disabledLook = StateLook{ost_stringForKey(merged, u"text"_s).value_or(QString()), OSTTextAttributes(merged)};
+        m_disabledLook = stateLook(merged, normal);
         m_disabledBackground = addBackground(merged);
     }
+    OSTViewEffect::applyTo(*this, m_normalBackground->container(), alphaWithProperties(properties),
+                           ost_objectShadowWithProperties(normal));
     // The state backgrounds are child widgets, which paint over their parent; the title and the
     // focus frame go on a transparent layer above them so that an opaque background cannot hide them.
     m_titleLayer->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -89,7 +96,8 @@ OSTButton::~OSTButton() = default;
 
 OSTImageView *OSTButton::addBackground(const QVariantMap &properties)
 {
-    auto *background = new OSTImageView(rect(), properties, this);
+    // The button casts the shadow itself: a background's own would be clipped to the button.
+    auto *background = new OSTImageView(rect(), ost_propertiesWithoutObjectShadow(properties), this);
     background->lower();
     return background;
 }
@@ -187,8 +195,12 @@ void OSTButton::keyPressEvent(QKeyEvent *event)
 void OSTButton::changeEvent(QEvent *event)
 {
     QAbstractButton::changeEvent(event);
-    if (event->type() == QEvent::EnabledChange)
+    if (event->type() == QEvent::EnabledChange) {
+        // Qt drops the clicks on a disabled widget; a disabled button lets them through to the
+        // screen beneath, which counts them as taps and shows why the button is off.
+        setAttribute(Qt::WA_TransparentForMouseEvents, !isEnabled());
         updateBackgrounds();
+    }
     else if (event->type() == QEvent::FontChange)
         m_titleDocument.reset();
 }

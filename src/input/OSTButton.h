@@ -52,6 +52,15 @@ public:
     // The title shown in the current state.
     QString currentTitle() const;
 
+    struct StateLook {
+        QString title;
+        OSTTextAttributes attributes;
+    };
+    // Each state's title and text look; pressed and disabled are absent when the states are.
+    const StateLook &normalLook() const { return m_normalLook; }
+    const std::optional<StateLook> &pressedLook() const { return m_pressedLook; }
+    const std::optional<StateLook> &disabledLook() const { return m_disabledLook; }
+
     // A toggle's value is whether it is selected; a plain button has none.
     QVariant value() const override;
     void setValue(const QVariant &value) override;
@@ -75,11 +84,6 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    struct StateLook {
-        QString title;
-        OSTTextAttributes attributes;
-    };
-
     OSTImageView *addBackground(const QVariantMap &properties);
     qreal shownBackgroundCornerRadius() const;
     // The current state's title laid out at the current width; laid out again only when the

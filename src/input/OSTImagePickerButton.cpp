@@ -7,6 +7,7 @@
 
 #include <QFileDialog>
 #include <QImageReader>
+#include <QMenu>
 
 using namespace Qt::StringLiterals;
 
@@ -38,13 +39,30 @@ OSTImagePickerButton *OSTImagePickerButton::create(const QRect &frame, const QVa
     if (!states)
         return nullptr;
     auto *button = new OSTImagePickerButton(frame, properties, *states, name, parent);
-    connect(button, &OSTButton::tapped, button, &OSTImagePickerButton::choosePicture);
+    if (const auto selector = ost_dictionaryForKey(properties, u"imageSelector"_s))
+        button->prepareMenu(*selector);
     return button;
 }
 
 void OSTImagePickerButton::setFileChooser(FileChooser chooser)
 {
     fileChooser() = chooser ? std::move(chooser) : FileChooser(chooseWithDialog);
+}
+
+void OSTImagePickerButton::prepareMenu(const QVariantMap &selector)
+{
+    m_menu = new QMenu(this);
+    const QAction *photos = m_menu->addAction(ost_stringForKey(selector, u"photosText"_s).value_or(u"Photos"_s));
+    const QAction *cancel = m_menu->addAction(ost_stringForKey(selector, u"cancelText"_s).value_or(u"Cancel"_s));
+    // Queued: the file dialog opens once the menu has closed.
+    connect(photos, &QAction::triggered, this, &OSTImagePickerButton::choosePicture, Qt::QueuedConnection);
+    connect(cancel, &QAction::triggered, this, [this] { handlePickedImage(QImage()); });
+    connect(this, &OSTButton::tapped, this, &OSTImagePickerButton::showMenu);
+}
+
+void OSTImagePickerButton::showMenu()
+{
+    m_menu->popup(mapToGlobal(rect().bottomLeft()));
 }
 
 void OSTImagePickerButton::choosePicture()

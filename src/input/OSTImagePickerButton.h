@@ -6,13 +6,17 @@
 
 #include <functional>
 
+class QMenu;
+
 namespace ostrel {
 
-// The "imageUpload" button: pressing it lets the user choose a picture file, which then shows as
-// the button's background and is the button's value. Desktops have no camera source, so the
-// choice goes straight to the files; "imageSelector" titles for a camera or a choice sheet have
-// nothing to label here. A required picker is valid once a picture was chosen; its error message
-// may show once the user has chosen or cancelled.
+// The "imageUpload" button: pressing it offers a small menu built from "imageSelector", and the
+// picture file the user then chooses shows as the button's background and is the button's value.
+// The menu holds "photosText" (default "Photos"), which opens the file chooser, and "cancelText"
+// (default "Cancel"); "cameraText" would title a camera entry, and the SDK has no camera source
+// on a desktop, so it has none. Without an "imageSelector" object there is no menu and a press
+// does nothing. A required picker is valid once a picture was chosen; its error message may show
+// once the user has chosen or cancelled.
 //
 // Lives on the GUI thread; owned by its parent widget.
 class OSTImagePickerButton final : public OSTButton {
@@ -29,7 +33,9 @@ public:
     static void setFileChooser(FileChooser chooser);
 
     const QImage &customImage() const { return m_customImage; }
-    // Opens the chooser and takes its answer (what a press does).
+    // The menu a press opens, or null without an "imageSelector".
+    QMenu *menu() const { return m_menu; }
+    // Opens the chooser and takes its answer (what the menu's picture entry does).
     void choosePicture();
     // A null image is a cancelled choice.
     void handlePickedImage(const QImage &image);
@@ -45,9 +51,12 @@ protected:
 private:
     using OSTButton::OSTButton;
 
+    void prepareMenu(const QVariantMap &selector);
+    void showMenu();
     void setCustomImage(const QImage &image);
     void validate();
 
+    QMenu *m_menu = nullptr; // child of the button
     QImage m_customImage;
     bool m_shouldShowErrorMessage = false;
 };

@@ -8,7 +8,9 @@
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTBackgroundView.h"
 #include "core/OSTDateFormatter.h"
+#include "platform/OSTClock.h"
 #include "render/OSTImageView.h"
+#include "render/OSTViewEffect.h"
 #include "render/OSTLabel.h"
 
 #include <ostrel/OSTPropertyConversions.h>
@@ -76,7 +78,8 @@ OSTPicker::OSTPicker(const QRect &frame, const QVariantMap &properties, const QS
     : OSTView(frame, {}, Styling::InSubclassConstructor, parent),
       OSTInput(*this, inputPositionWithProperties(properties)),
       m_name(name),
-      m_backgroundView(new OSTImageView(QRect(QPoint(), frame.size()), properties, container())),
+      m_backgroundView(new OSTImageView(QRect(QPoint(), frame.size()), ost_propertiesWithoutObjectShadow(properties),
+                                        container())),
       m_textLabel(new OSTLabel(QRect(QPoint(), frame.size()),
                                ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()), container()))
 {
@@ -93,7 +96,9 @@ OSTPicker::~OSTPicker()
 void OSTPicker::customizeWithProperties(const QVariantMap &properties)
 {
     OSTView::customizeWithProperties({});
-    m_backgroundView->customizeWithProperties(properties);
+    // The picker casts its box's shadow itself: the box's own would be clipped to the picker.
+    m_backgroundView->customizeWithProperties(ost_propertiesWithoutObjectShadow(properties));
+    OSTViewEffect::applyTo(*this, m_backgroundView->container(), 1, ost_objectShadowWithProperties(properties));
     m_textLabel->customizeWithProperties(ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()));
     m_contentInsets = ost_contentInsetsForKey(properties, u"contentInsets"_s).value_or(defaultContentInsets);
     layOutLabel();
@@ -137,7 +142,10 @@ void OSTPicker::buildToolbar(const QVariantMap &properties)
     if (!toolbar)
         return;
     m_toolbar = new OSTToolbar(*toolbar, m_popup);
-    m_toolbar->setCancelBlock([this] { hideWheel(); });
+    m_toolbar->setCancelBlock([this] {
+        hideWheel();
+        clearFocus();
+    });
     m_toolbar->setDoneBlock([this] { finishWithDone(); });
     layout->addWidget(m_toolbar);
 }
@@ -197,9 +205,13 @@ void OSTPicker::buildDateWheel(const QVariantMap &picker)
         m_dateWheel->setMinimumDateTime(minimum);
     if (const QDateTime maximum = dateForKey(picker, u"maxDate"_s); maximum.isValid())
         m_dateWheel->setMaximumDateTime(maximum);
+    // Untouched, the wheel holds the start date or else now (within the bounds), as it shows.
     if (const QDateTime start = dateForKey(picker, u"startDate"_s); start.isValid()) {
         m_dateWheel->setDateTime(start);
         dateChanged();
+    } else {
+        m_dateWheel->setDateTime(QDateTime::fromSecsSinceEpoch(
+            qint64(OSTClock::current().now() + OSTClock::referenceDateOffset)));
     }
     connect(m_dateWheel, &QDateTimeEdit::dateTimeChanged, this, &OSTPicker::dateChanged);
     m_popup->layout()->addWidget(m_dateWheel);

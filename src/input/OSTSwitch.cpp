@@ -12,13 +12,6 @@ namespace ostrel {
 
 namespace {
 
-QRect centredNaturalFrame(const QRect &frame)
-{
-    QRect natural(QPoint(), OSTSwitchControl::naturalSize());
-    natural.moveCenter(frame.center());
-    return natural;
-}
-
 QColor colorForKey(const QVariantMap &properties, const QString &key)
 {
     const auto text = ost_stringForKey(properties, key);
@@ -29,7 +22,7 @@ QColor colorForKey(const QVariantMap &properties, const QString &key)
 
 OSTSwitch::OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name,
                      QWidget *parent)
-    : OSTView(centredNaturalFrame(frame), properties, Styling::InSubclassConstructor, parent),
+    : OSTView(frameInBox(frame), properties, Styling::InSubclassConstructor, parent),
       m_internalSwitch(new OSTSwitchControl(container()))
 {
     m_internalSwitch->setGeometry(container()->rect());
@@ -37,6 +30,13 @@ OSTSwitch::OSTSwitch(const QRect &frame, const QVariantMap &properties, const QS
     setFocusProxy(m_internalSwitch);
     connect(m_internalSwitch, &OSTSwitchControl::toggled, this, &OSTSwitch::userChangedValue);
     customizeWithProperties(properties);
+}
+
+QRect OSTSwitch::frameInBox(const QRect &box)
+{
+    QRect natural(QPoint(), OSTSwitchControl::naturalSize());
+    natural.moveCenter(box.center());
+    return natural;
 }
 
 void OSTSwitch::customizeWithProperties(const QVariantMap &properties)

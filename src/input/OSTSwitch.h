@@ -16,7 +16,8 @@ class OSTSwitchControl;
 //   "thumbTintColor"  thumb colour
 //   "accessibilityLabel"  the name accessibility reads; the element key otherwise
 //
-// The element shrinks to the switch's natural size around the centre the layout gave it.
+// The element shrinks to the switch's natural size around the centre the layout gave it
+// (frameInBox), whenever its box is set: at construction and at every relayout.
 // A required switch is valid while on; an optional one always.
 //
 // Lives on the GUI thread; owned by its parent widget.
@@ -26,6 +27,9 @@ class OSTSwitch final : public OSTView, public OSTValidationItem {
 public:
     OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name,
               QWidget *parent = nullptr);
+
+    // The switch's natural size centred in `box`: the geometry it takes for that layout box.
+    static QRect frameInBox(const QRect &box);
 
     void customizeWithProperties(const QVariantMap &properties) override;
 

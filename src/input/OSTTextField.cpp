@@ -12,12 +12,14 @@
 #include "render/OSTTextAttributes.h"
 #include "render/OSTBackgroundView.h"
 #include "render/OSTView.h"
+#include "render/OSTViewEffect.h"
 
-#include <QGraphicsOpacityEffect>
+#include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -77,6 +79,42 @@ Qt::Alignment verticalAlignmentOf(const QVariantMap &properties)
     return Qt::AlignVCenter;
 }
 
+Qt::Alignment horizontalAlignmentOfWord(const QString &word)
+{
+    return OSTTextAttributes(QVariantMap{{u"alignment"_s, word}}).horizontalAlignment();
+}
+
+// "horizontalAlignment" places the text when no alignment word does; the text field's default
+// is the left edge. A single line has nothing to fill, so "fill" starts at the left too.
+Qt::Alignment horizontalAlignmentOf(const QVariantMap &properties)
+{
+    if (const std::optional<QString> word = alignmentWordOf(properties))
+        return horizontalAlignmentOfWord(*word);
+    const std::optional<QString> content = ost_stringForKey(properties, u"horizontalAlignment"_s);
+    if (!content)
+        return Qt::AlignLeft;
+    switch (UIControlContentHorizontalAlignmentFromString(content)) {
+    case UIControlContentHorizontalAlignmentCenter:
+        return Qt::AlignHCenter;
+    case UIControlContentHorizontalAlignmentRight:
+        return Qt::AlignRight;
+    case UIControlContentHorizontalAlignmentLeft:
+    case UIControlContentHorizontalAlignmentFill:
+        break;
+    }
+    return Qt::AlignLeft;
+}
+
+// `font` scaled by `factor`, in the unit it was sized in.
+QFont scaledFont(QFont font, qreal factor, qreal minimumPixelSize)
+{
+    if (font.pixelSize() > 0)
+        font.setPixelSize(int(std::max(minimumPixelSize, std::floor(font.pixelSize() * factor))));
+    else
+        font.setPointSizeF(std::max(minimumPixelSize, font.pointSizeF() * factor));
+    return font;
+}
+
 Qt::InputMethodHints keyboardHintsOf(UIKeyboardType keyboard)
 {
     switch (keyboard) {
@@ -122,14 +160,12 @@ OSTTextField::OSTTextField(const QRect &frame, const QVariantMap &properties, co
       m_name(name),
       m_normalStateProperties(properties),
       m_invalidStateProperties(invalidPropertiesOf(properties)),
-      m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), properties, this))
+      m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), properties, this)),
+      m_defaultFont(font()), m_defaultPalette(palette())
 {
     setGeometry(frame);
     setFrame(false);
     m_backgroundView->hide();
-    QPalette clearBase = palette();
-    clearBase.setColor(QPalette::Base, Qt::transparent);
-    setPalette(clearBase);
 
     if (const std::optional<QVariantMap> placeholder = ost_dictionaryForKey(properties, u"placeholder"_s)) {
         m_placeholderLabel = new OSTLabel(QRect(QPoint(), frame.size()), *placeholder, this);
@@ -156,15 +192,11 @@ OSTTextField::~OSTTextField() = default;
 
 void OSTTextField::readBehaviour(const QVariantMap &properties)
 {
-    const double opacity = std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0);
-    if (opacity < 1.0) {
-        auto *fade = new QGraphicsOpacityEffect(this);
-        fade->setOpacity(opacity);
-        setGraphicsEffect(fade);
-    }
+    m_opacity = std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0);
     setEchoMode(boolForKey(properties, u"secureTextEntry"_s, false) ? Password : Normal);
-    if (const std::optional<QString> alignment = alignmentWordOf(properties))
-        setAlignment(OSTTextAttributes(QVariantMap{{u"alignment"_s, *alignment}}).horizontalAlignment() | verticalAlignmentOf(properties));
+    setAlignment(horizontalAlignmentOf(properties) | verticalAlignmentOf(properties));
+    m_adjustsFontSizeToFitWidth = boolForKey(properties, u"adjustsFontSizeToFitWidth"_s, false);
+    m_minimumFontSize = ost_finiteDouble(ost_numberForKey(properties, u"minimumFontSize"_s)).value_or(0);
 
     m_maxLength = std::max(integerForKey(properties, u"maxLength"_s), -1);
     m_minLength = integerForKey(properties, u"minLength"_s);
@@ -236,7 +268,9 @@ void OSTTextField::updateView()
 {
     const QVariantMap &state = showsInvalidLook() ? m_invalidStateProperties : m_normalStateProperties;
     const QVariantMap text = ost_dictionaryForKey(state, u"text"_s).value_or(QVariantMap());
-    m_backgroundView->customizeWithProperties(state);
+    // The box is painted inside the field's own painting, so the field casts the box's shadow.
+    m_backgroundView->customizeWithProperties(ost_propertiesWithoutObjectShadow(state));
+    OSTViewEffect::applyTo(*this, m_backgroundView->container(), m_opacity, ost_objectShadowWithProperties(state));
 
     const QMargins defaultInsets(defaultLeftInset, 0,
                                  m_clearButtonMode == UITextFieldViewModeNever ? 0 : clearButtonRightInset, 0);
@@ -244,15 +278,19 @@ void OSTTextField::updateView()
                           .value_or(ost_contentInsetsForKey(state, u"contentInsets"_s).value_or(defaultInsets));
     setTextMargins(m_contentInsets);
 
-    QFont textFont = OSTFontResolver::fontWithProperties(text).value_or(font());
+    // Built fresh from the state each time: a colour or font of the invalid look must not stay
+    // once the field is valid again.
+    QFont textFont = OSTFontResolver::fontWithProperties(text).value_or(m_defaultFont);
     textFont.setUnderline(ost_stringForKey(text, u"style"_s) == u"underlined"_s);
-    setFont(textFont);
-    QPalette textPalette = palette();
+    m_textFont = textFont;
+    fitTextToWidth();
+    QPalette textPalette = m_defaultPalette;
+    textPalette.setColor(QPalette::Base, Qt::transparent);
     if (ost_stringForKey(text, u"textColor"_s))
         textPalette.setColor(QPalette::Text, OSTTextAttributes(text).textColor());
     setPalette(textPalette);
     if (const std::optional<QString> alignment = alignmentWordOf(text))
-        setAlignment(OSTTextAttributes(QVariantMap{{u"alignment"_s, *alignment}}).horizontalAlignment() | (this->alignment() & Qt::AlignVertical_Mask));
+        setAlignment(horizontalAlignmentOfWord(*alignment) | (this->alignment() & Qt::AlignVertical_Mask));
 
     layOutOverlays();
     updateAccessibility();
@@ -336,8 +374,23 @@ void OSTTextField::keepCaretOutOfPrefix(int newPosition)
         setCursorPosition(m_beginningCaretOffset);
 }
 
+void OSTTextField::fitTextToWidth()
+{
+    QFont fitted = m_textFont;
+    if (m_adjustsFontSizeToFitWidth) {
+        // QLineEdit keeps two pixels free on either side of the text.
+        const qreal available = contentsRect().marginsRemoved(textMargins()).width() - 4;
+        const qreal natural = QFontMetricsF(m_textFont).horizontalAdvance(displayText());
+        if (natural > available && available > 0)
+            fitted = scaledFont(m_textFont, available / natural, std::max<qreal>(m_minimumFontSize, 1));
+    }
+    if (fitted != font())
+        setFont(fitted);
+}
+
 void OSTTextField::textFieldDidChange()
 {
+    fitTextToWidth();
     if (m_placeholderLabel)
         m_placeholderLabel->setVisible(text().isEmpty());
     validate();
@@ -463,6 +516,7 @@ void OSTTextField::resizeEvent(QResizeEvent *event)
 {
     QLineEdit::resizeEvent(event);
     layOutOverlays();
+    fitTextToWidth();
 }
 
 void OSTTextField::layOutOverlays()

@@ -6,7 +6,9 @@
 
 #include <ostrel/OSTPropertyConversions.h>
 
+#include <QFont>
 #include <QLineEdit>
+#include <QPalette>
 #include <QMargins>
 #include <QVariantMap>
 
@@ -25,6 +27,11 @@ class OSTView;
 //                   once the user has left the field (or a value was restored) while it is invalid
 //   "text"          {"text": the initial text, "textColor", "font", "size", "style": "underlined",
 //                    "contentInsets": [top, left, bottom, right], "alignment"...}
+//   "contentAlignment", "textAlignment", "alignment"  the text's alignment word; without one,
+//                   "horizontalAlignment" ("left", "right", centre otherwise); "verticalAlignment"
+//                   ("top", "bottom", centre otherwise) on its own
+//   "adjustsFontSizeToFitWidth", "minimumFontSize"  shrink the font, no further than the
+//                   minimum, while the text is wider than the field
 //   "placeholder"   an OSTLabel dictionary shown while the field is empty
 //   "textType"      "password", "phoneNumber", "phoneNumberValidated", "phoneNumberPin" (see
 //                   OSTTextFieldType); phone types take at most 14 characters, a PIN 4
@@ -107,6 +114,8 @@ private:
     void userEdited(const QString &proposed);
     void placeCaretAfterFormatting(qsizetype start, qsizetype replacedLength, const QString &replacement);
     void keepCaretOutOfPrefix(int newPosition);
+    // Shrinks the font, no further than "minimumFontSize", while the text is wider than the field.
+    void fitTextToWidth();
     void textFieldDidChange();
     void textFieldShouldReturn();
     void updateAccessibility();
@@ -129,6 +138,12 @@ private:
     FormattingBlock m_formattingBlock;
     QString m_lastText; // the text before the user's latest edit
     OSTView *m_backgroundView = nullptr; // hidden child, painted behind the text
+    qreal m_opacity = 1;
+    bool m_adjustsFontSizeToFitWidth = false;
+    qreal m_minimumFontSize = 0;
+    QFont m_textFont; // the state's font, before any shrinking to fit
+    const QFont m_defaultFont;       // what a state without "font" or "textColor" shows
+    const QPalette m_defaultPalette;
     OSTLabel *m_placeholderLabel = nullptr; // child; null without "placeholder"
     OSTToolbar *m_toolbar = nullptr; // hidden child; null without "toolbar"
 };

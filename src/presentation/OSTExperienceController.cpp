@@ -340,13 +340,19 @@ void OSTExperienceController::hideLoadingOverlay()
 
 void OSTExperienceController::validateController(OSTScreenController &controller)
 {
+    // One step forward at a time, and only from the screen on display: a second "next" (a double
+    // click, a second Return) while a step runs or a screen slides away is not a second step.
+    if (m_steppingForward || &controller != topScreenController())
+        return;
     if (!isValid(controller))
         return; // the screen shows its own errors
+    m_steppingForward = true;
     // Set while an answer is awaited; the overlay shows only when a check did not answer at once.
     auto pending = std::make_shared<bool>(true);
     QPointer<OSTScreenController> screenController(&controller);
     validateScreenOfController(controller, [this, pending, screenController] {
         *pending = false;
+        m_steppingForward = false;
         if (m_dismissed)
             return;
         if (!screenController || !isValid(*screenController)) {
@@ -361,9 +367,11 @@ void OSTExperienceController::validateController(OSTScreenController &controller
             return;
         }
         *pending = true;
+        m_steppingForward = true;
         const std::shared_ptr<OSTValidationManager> manager = screenController->validationManager();
         validateFlowOfController(*screenController, [this, pending, flow, screen, manager](const std::optional<QString> &userID) {
             *pending = false;
+            m_steppingForward = false;
             endFlow({flow, screen, manager}, userID);
         });
         if (*pending)

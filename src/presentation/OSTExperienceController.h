@@ -119,6 +119,7 @@ private:
     QPointer<OSTLoadingOverlay> m_loadingOverlay; // child of the view, made on first use
     QPointer<QShortcut> m_closeWhileWaiting;       // child of the view; on while the overlay is up
     bool m_didAppear = false;
+    bool m_steppingForward = false; // a step forward awaits its checks
     bool m_dismissed = false; // closed or at the end of its flows; later answers are dropped
 };
 

@@ -270,7 +270,7 @@ void OSTScreenController::finishSocialLogIn(const std::shared_ptr<const OSTActio
 
 void OSTScreenController::screenViewDidPressButton(OSTScreenView &, OSTButton &button)
 {
-    // A picture button already opened its chooser when pressed.
+    // A picture button already opened its menu when pressed.
     if (qobject_cast<OSTImagePickerButton *>(&button))
         return;
     handleAction(button.action());

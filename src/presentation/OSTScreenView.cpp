@@ -38,6 +38,7 @@ namespace {
 const QString backgroundKey = u"background"_s;
 const QString errorMessageKey = u"errorMessage"_s;
 constexpr int errorAnimationMilliseconds = 250;
+const QString errorAnimationName = u"errorLayoutMove"_s;
 
 int roundedEdge(double edge)
 {
@@ -182,8 +183,19 @@ void OSTScreenView::loadCategory(const QString &name, Build build)
         const QString &key = element.key();
         if (QWidget *view = build(key, geometryForKey(*m_layoutManager, key), element.value().toMap())) {
             view->setObjectName(key);
+            hideReplacedView(key);
             m_views.insert(key, view);
         }
+    }
+}
+
+void OSTScreenView::hideReplacedView(const QString &key)
+{
+    // A key in two categories names one element; the view built first is not stacked and so not
+    // shown. It stays alive: its required images still count.
+    if (QWidget *replaced = m_views.value(key)) {
+        OSTLogging::logWarning(u"Element %1 appears in two categories; only the later one is shown"_s, key);
+        replaced->hide();
     }
 }
 
@@ -522,6 +534,8 @@ QRect OSTScreenView::geometryForKey(const OSTLayoutManager &layout, const QStrin
          parent = parent->parent())
         parentOrigin += parent->frame().topLeft();
     QRect geometry = pixelGeometry(layout.frameForKey(key), parentOrigin);
+    if (qobject_cast<const OSTSwitch *>(m_views.value(key)))
+        geometry = OSTSwitch::frameInBox(geometry);
     if (m_anchoredKeySet.contains(key) && !m_groupedKeySet.contains(key))
         geometry.translate(0, m_scrollOffset);
     return geometry;
@@ -568,17 +582,27 @@ const OSTLayoutManager &OSTScreenView::currentLayout() const
 void OSTScreenView::reframeViews(const OSTLayoutManager &layout, OSTAnimation animation)
 {
     for (auto view = m_views.cbegin(); view != m_views.cend(); ++view) {
+        // A move still running towards an older layout would otherwise finish after this one.
+        stopMoving(*view.value());
         const QRect geometry = geometryForKey(layout, view.key());
         if (animation == OSTAnimation::Immediate || view.value()->geometry() == geometry) {
             view.value()->setGeometry(geometry);
             continue;
         }
         auto *move = new QPropertyAnimation(view.value(), "geometry", view.value());
+        move->setObjectName(errorAnimationName);
         move->setDuration(errorAnimationMilliseconds);
         move->setEasingCurve(QEasingCurve::OutCubic);
         move->setEndValue(geometry);
         move->start(QAbstractAnimation::DeleteWhenStopped);
     }
+}
+
+void OSTScreenView::stopMoving(QWidget &view)
+{
+    const auto moves = view.findChildren<QPropertyAnimation *>(errorAnimationName, Qt::FindDirectChildrenOnly);
+    for (QPropertyAnimation *move : moves)
+        move->stop(); // deletes itself when stopped
 }
 
 void OSTScreenView::resizeEvent(QResizeEvent *event)

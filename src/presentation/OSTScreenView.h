@@ -133,6 +133,7 @@ private:
     // Builds a view for every object entry of the category with `build(key, geometry, properties)`.
     template <typename Build>
     void loadCategory(const QString &name, Build build);
+    void hideReplacedView(const QString &key);
     void loadPlainViews(const QString &category);
     void loadImages();
     void loadLabels();
@@ -158,6 +159,7 @@ private:
     void buildErrorLayoutOnce();
     const OSTLayoutManager &currentLayout() const;
     void reframeViews(const OSTLayoutManager &layout, OSTAnimation animation);
+    static void stopMoving(QWidget &view);
     QRect geometryForKey(const OSTLayoutManager &layout, const QString &key) const;
     bool isScrolling(const QString &key) const;
     std::shared_ptr<OSTScreenViewDelegate> lockedDelegate() const;

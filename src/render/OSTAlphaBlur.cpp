@@ -50,8 +50,14 @@ void boxBlurLine(uchar *line, int length, qsizetype stride, int radius, std::vec
 
 } // namespace
 
+qreal OSTAlphaBlur::boundedSigma(qreal sigma)
+{
+    return std::isnan(sigma) ? 0 : std::clamp<qreal>(sigma, 0, maximumSigma);
+}
+
 void OSTAlphaBlur::blur(QImage &alphaMask, qreal sigma)
 {
+    sigma = boundedSigma(sigma);
     std::vector<int> values;
     uchar *bits = alphaMask.bits();
     const qsizetype bytesPerLine = alphaMask.bytesPerLine();
@@ -67,7 +73,7 @@ void OSTAlphaBlur::blur(QImage &alphaMask, qreal sigma)
 
 int OSTAlphaBlur::reach(qreal sigma)
 {
-    const auto radii = boxRadiiForGaussian(sigma);
+    const auto radii = boxRadiiForGaussian(boundedSigma(sigma));
     return radii[0] + radii[1] + radii[2];
 }
 

@@ -6,7 +6,9 @@
 
 #include <QDir>
 #include <QFontDatabase>
+#include <QGuiApplication>
 #include <QHash>
+#include <QRegularExpression>
 
 #include <cmath>
 #include <mutex>
@@ -52,6 +54,15 @@ PostScriptStyle styleFromSuffix(QString suffix)
     return style;
 }
 
+// The font database names a family that more than one foundry installs "Family [Foundry]"
+// ("C059 [URW]", "C059 [UKWN]"). A screen names the family alone, and the family alone lets Qt
+// pick the face of the asked weight and slant from whichever foundry has it.
+QString familyWithoutFoundry(const QString &listed)
+{
+    static const QRegularExpression foundrySuffix(u"\\s*\\[[^\\]]*\\]$"_s);
+    return QString(listed).remove(foundrySuffix);
+}
+
 // PostScript names drop the spaces of the family name ("HelveticaNeue", "DejaVuSans"), so
 // families are compared without spaces and case.
 QString comparableFamily(const QString &family)
@@ -59,16 +70,23 @@ QString comparableFamily(const QString &family)
     return QString(family).remove(u' ').toLower();
 }
 
-// Installed families by their comparable form, read once: screens name fonts per element, and
-// the font database's list is long.
+// Installed families by their comparable form, read on first use and again after the font
+// database changes (a host registering its own fonts): screens name fonts per element, and the
+// database's list is long.
 const QHash<QString, QString> &familiesByComparableName()
 {
-    static const QHash<QString, QString> families = [] {
-        QHash<QString, QString> byName;
-        for (const QString &installed : QFontDatabase::families())
-            byName.insert(comparableFamily(installed), installed);
-        return byName;
-    }();
+    static QHash<QString, QString> families;
+    static bool stale = true;
+    [[maybe_unused]] static const QMetaObject::Connection changes = QObject::connect(
+        qGuiApp, &QGuiApplication::fontDatabaseChanged, qGuiApp, [] { stale = true; });
+    if (stale) {
+        families.clear();
+        for (const QString &listed : QFontDatabase::families()) {
+            const QString family = familyWithoutFoundry(listed);
+            families.insert(comparableFamily(family), family);
+        }
+        stale = false;
+    }
     return families;
 }
 

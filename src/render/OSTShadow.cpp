@@ -13,6 +13,7 @@ namespace ostrel {
 namespace {
 
 constexpr qsizetype shadowEntryCount = 4;
+const QString objectShadowKey = u"objectShadow"_s;
 
 qreal shadowNumber(const QVariant &entry)
 {
@@ -45,6 +46,23 @@ std::optional<OSTShadow> ost_shadowWithProperties(const QVariantMap &properties)
     if (!shadow || shadow->blurRadius == 0 || ost_isClear(shadow->color))
         return std::nullopt;
     return shadow;
+}
+
+std::optional<OSTShadow> ost_objectShadowWithProperties(const QVariantMap &properties)
+{
+    const auto entries = ost_arrayForKey(properties, objectShadowKey);
+    if (!entries)
+        return std::nullopt;
+    auto shadow = ost_shadowFromArray(*entries);
+    if (!shadow || shadow->blurRadius <= 0)
+        return std::nullopt;
+    return shadow;
+}
+
+QVariantMap ost_propertiesWithoutObjectShadow(QVariantMap properties)
+{
+    properties.remove(objectShadowKey);
+    return properties;
 }
 
 } // namespace ostrel

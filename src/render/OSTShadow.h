@@ -30,4 +30,13 @@ std::optional<OSTShadow> ost_shadowFromArray(const QVariantList &entries);
 // is 0 or its colour is clear.
 std::optional<OSTShadow> ost_shadowWithProperties(const QVariantMap &properties);
 
+// The drop shadow under "objectShadow": none when the array is missing or incomplete or its blur
+// radius is not above 0. A clear colour still counts: it just cannot be seen.
+std::optional<OSTShadow> ost_objectShadowWithProperties(const QVariantMap &properties);
+
+// `properties` without "objectShadow": for the parts of an element (a button's state backgrounds,
+// a picker's box) whose element casts the shadow itself, outside its box, where a part inside the
+// box would have it clipped.
+QVariantMap ost_propertiesWithoutObjectShadow(QVariantMap properties);
+
 } // namespace ostrel

@@ -19,6 +19,15 @@ using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
+namespace {
+
+// The standard deviation, in layer pixels, above which a text shadow is made at a lower ratio.
+constexpr qreal maximumShadowSigma = 16;
+// How far, in points, a text shadow may spread before it is too faint to draw.
+constexpr qreal maximumShadowMargin = 100'000;
+
+} // namespace
+
 OSTTextAttributes::OSTTextAttributes(const QVariantMap &properties)
     : m_font(OSTFontResolver::fontWithProperties(properties)),
       m_shadow(ost_shadowWithProperties(properties)),
@@ -93,28 +102,43 @@ void OSTTextAttributes::paintShadow(QPainter &painter, QTextDocument &document,
                                     const QPointF &origin) const
 {
     // The text drawn as coverage only, blurred, then coloured: the same soft shadow as an
-    // element's drop shadow.
-    const qreal ratio = OSTPaintedLayerCache::devicePixelRatio(painter);
-    const qreal sigma = m_shadow->blurRadius / 2 * ratio;
-    const int margin = OSTAlphaBlur::reach(sigma) + 1;
-    const QSizeF size = document.size();
-    const QSize pixels(int(std::ceil(size.width() * ratio)) + 2 * margin,
-                       int(std::ceil(size.height() * ratio)) + 2 * margin);
-    if (pixels.width() <= 0 || pixels.height() <= 0 || qint64(pixels.width()) * pixels.height() > 64'000'000)
+    // element's drop shadow. A wide blur is soft everywhere, so it is made at a lower ratio, where
+    // its standard deviation is at most maximumShadowSigma pixels, and scaled up: a "1000"-point
+    // blur costs what a small one does. The blurred layer is kept, so a repaint is a copy.
+    const qreal deviceRatio = OSTPaintedLayerCache::devicePixelRatio(painter);
+    const qreal blurSigma = std::max<qreal>(0, m_shadow->blurRadius / 2);
+    const qreal ratio = blurSigma * deviceRatio > maximumShadowSigma ? maximumShadowSigma / blurSigma : deviceRatio;
+    const qreal sigma = blurSigma * ratio;
+    const qreal margin = std::ceil((OSTAlphaBlur::reach(sigma) + 1) / ratio);
+    if (margin > maximumShadowMargin)
+        return; // spread this wide, the shadow is too faint to see
+    const QSizeF textSize = document.size();
+    const QSize size(int(std::ceil(textSize.width() + 2 * margin)), int(std::ceil(textSize.height() + 2 * margin)));
+    if (size.isEmpty() || qreal(size.width()) * size.height() * ratio * ratio > 64'000'000)
         return;
-    QImage coverage(pixels, QImage::Format_ARGB32_Premultiplied);
-    coverage.fill(Qt::transparent);
-    {
-        QPainter textPainter(&coverage);
-        textPainter.translate(margin, margin);
-        textPainter.scale(ratio, ratio);
-        document.drawContents(&textPainter);
-    }
-    QImage mask = coverage.convertToFormat(QImage::Format_Alpha8);
-    OSTAlphaBlur::blur(mask, sigma);
-    QImage shadow = OSTAlphaBlur::colorized(mask, m_shadow->color);
-    shadow.setDevicePixelRatio(ratio);
-    painter.drawImage(origin + m_shadow->offset - QPointF(margin / ratio, margin / ratio), shadow);
+    const QString key = u"text shadow %1 %2 %3 %4"_s.arg(m_shadow->color.name(QColor::HexArgb))
+                            .arg(sigma)
+                            .arg(document.textWidth())
+                            .arg(document.toHtml());
+    const QImage shadow = OSTPaintedLayerCache::layer(key, size, ratio, [&](QPainter &layerPainter) {
+        QImage coverage(QSizeF(size * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+        coverage.fill(Qt::transparent);
+        {
+            QPainter textPainter(&coverage);
+            textPainter.scale(ratio, ratio);
+            textPainter.translate(margin, margin);
+            document.drawContents(&textPainter);
+        }
+        QImage mask = coverage.convertToFormat(QImage::Format_Alpha8);
+        OSTAlphaBlur::blur(mask, sigma);
+        QImage coloured = OSTAlphaBlur::colorized(mask, m_shadow->color);
+        coloured.setDevicePixelRatio(ratio);
+        layerPainter.drawImage(QPointF(), coloured);
+    });
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, ratio < deviceRatio);
+    painter.drawImage(origin + m_shadow->offset - QPointF(margin, margin), shadow);
+    painter.restore();
 }
 
 } // namespace ostrel

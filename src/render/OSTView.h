@@ -10,7 +10,6 @@
 namespace ostrel {
 
 class OSTBackgroundView;
-class OSTViewEffect;
 
 // The base of every element view, and the view of shapes, groups and a screen's backdrop. It
 // carries its painted box as `container` (an OSTBackgroundView filling it, in which a group's
@@ -61,7 +60,6 @@ protected:
 
 private:
     void applyEffect();
-    OSTViewEffect *effect() const;
 
     OSTBackgroundView *const m_container; // child widget, owned through the parent link
     qreal m_alpha = 1;

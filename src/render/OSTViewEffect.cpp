@@ -3,12 +3,30 @@
 #include "render/OSTBackgroundView.h"
 
 #include <QPainter>
+#include <QWidget>
 
 namespace ostrel {
 
 OSTViewEffect::OSTViewEffect(const OSTBackgroundView *outline, QObject *parent)
     : QGraphicsEffect(parent), m_outline(outline)
 {
+}
+
+void OSTViewEffect::applyTo(QWidget &view, const OSTBackgroundView *outline, qreal opacity,
+                            const std::optional<OSTShadow> &shadow)
+{
+    auto *effect = qobject_cast<OSTViewEffect *>(view.graphicsEffect());
+    if (opacity >= 1 && !shadow) {
+        if (effect)
+            view.setGraphicsEffect(nullptr);
+        return;
+    }
+    if (!effect || effect->m_outline != outline) {
+        effect = new OSTViewEffect(outline);
+        view.setGraphicsEffect(effect); // the view owns it from here on
+    }
+    effect->setOpacity(opacity);
+    effect->setShadow(shadow);
 }
 
 void OSTViewEffect::setOpacity(qreal opacity)

@@ -23,6 +23,12 @@ public:
     // `outline` gives the corner radius of the shadow's shape; it is a child of the same view.
     explicit OSTViewEffect(const OSTBackgroundView *outline, QObject *parent = nullptr);
 
+    // Gives `view` the effect its opacity and shadow need, with the shadow's shape from
+    // `outline`, or takes it away when they need none. The view casts the shadow itself, so it
+    // lies outside the view's box and nothing but the view's parent clips it.
+    static void applyTo(QWidget &view, const OSTBackgroundView *outline, qreal opacity,
+                        const std::optional<OSTShadow> &shadow);
+
     void setOpacity(qreal opacity);
     void setShadow(const std::optional<OSTShadow> &shadow);
 

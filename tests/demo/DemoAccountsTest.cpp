@@ -66,25 +66,32 @@ protected:
 
 TEST_F(DemoExperienceDelegateTest, SignsUpThenLogsInAndRejectsATakenAddress)
 {
+    // The window shows each callback when it is announced and reads the SDK's user then, so
+    // the answer must have reached the SDK by that time.
+    Answer signUp;
+    Answer logIn;
+    bool uniqueAnswered = false;
     QStringList outcomes;
+    const QHash<QString, const bool *> answered{{u"signUpWithFields"_s, &signUp.answered},
+                                                {u"logInWithFields"_s, &logIn.answered},
+                                                {u"validateUniqueFields"_s, &uniqueAnswered}};
+    QList<bool> answeredWhenAnnounced;
     QObject::connect(&delegate, &DemoExperienceDelegate::received,
-                     [&outcomes](const QString &callback, const QVariantMap &, const QString &outcome) {
+                     [&](const QString &callback, const QVariantMap &, const QString &outcome) {
                          outcomes.append(callback + u": "_s + outcome);
+                         answeredWhenAnnounced.append(*answered.value(callback));
                      });
 
-    Answer signUp;
     delegate.signUpWithFields(ada(), recordInto(signUp));
     ASSERT_TRUE(waitFor(signUp));
     EXPECT_TRUE(signUp.result.isValid());
     EXPECT_FALSE(signUp.userID.isEmpty());
 
-    Answer logIn;
     delegate.logInWithFields(ada(), recordInto(logIn));
     ASSERT_TRUE(waitFor(logIn));
     EXPECT_TRUE(logIn.result.isValid());
     EXPECT_EQ(logIn.userID, signUp.userID);
 
-    bool uniqueAnswered = false;
     OSTValidationResult unique;
     delegate.validateUniqueFields({{u"email"_s, u"ada@example.com"_s}}, [&](const OSTValidationResult &result) {
         uniqueAnswered = true;
@@ -98,6 +105,7 @@ TEST_F(DemoExperienceDelegateTest, SignsUpThenLogsInAndRejectsATakenAddress)
     EXPECT_TRUE(outcomes.at(0).startsWith(u"signUpWithFields: signed up as "_s));
     EXPECT_TRUE(outcomes.at(1).startsWith(u"logInWithFields: logged in as "_s));
     EXPECT_EQ(outcomes.at(2), u"validateUniqueFields: rejected: address taken"_s);
+    EXPECT_EQ(answeredWhenAnnounced, (QList<bool>{true, true, true}));
 }
 
 TEST_F(DemoExperienceDelegateTest, ALogInFailureNamesTheFieldToCorrect)

@@ -4,6 +4,8 @@
 #include "experience/OSTAction.h"
 #include "input/OSTButton.h"
 #include "input/OSTImagePickerButton.h"
+#include "input/OSTPicker.h"
+#include "input/OSTTextField.h"
 #include "input/OSTValidationItemModel.h"
 #include "platform/OSTBundle.h"
 #include "render/OSTImageDisplay.h"
@@ -11,10 +13,12 @@
 #include "support/OSTDevServerProcess.h"
 #include "users/OSTUserManager.h"
 
+#include "OSTInputTestSupport.h"
 #include "OSTValidationTestFakes.h"
 #include "../render/OSTPixelTestSupport.h"
 
 #include <QAccessible>
+#include <QMenu>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -61,6 +65,13 @@ TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)
     QTest::mouseRelease(button.get(), Qt::LeftButton);
     button->setEnabled(false);
     EXPECT_EQ(button->currentTitle(), u"Wait"_s);
+
+    // Every state's title takes the normal state's alignment, whatever the state names.
+    std::unique_ptr<OSTButton> aligned(OSTButton::create(QRect(0, 0, 120, 40), jsonObject(R"({"alignment": "left",
+        "states": {"normal": {"text": "Go"}, "pressed": {"alignment": "right"}, "disabled": {"alignment": "right"}}})"), u"a"_s));
+    ASSERT_TRUE(aligned);
+    for (const OSTButton::StateLook *look : {&aligned->normalLook(), &*aligned->pressedLook(), &*aligned->disabledLook()})
+        EXPECT_EQ(look->attributes.alignment(), NSTextAlignmentLeft);
 
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(button.get());
     EXPECT_EQ(accessible->role(), QAccessible::Button);
@@ -145,29 +156,83 @@ TEST_P(ButtonPixels, EachStateShowsItsOwnBackgroundImageAndTitleInsideRoundedCor
 
 INSTANTIATE_TEST_SUITE_P(Ratios, ButtonPixels, ::testing::Values(1.0, 2.0), test::ratioTestName);
 
-TEST(ImagePickerButton, ChosenPictureBecomesValueAndBackgroundAndCancellingLeavesItInvalid)
+TEST(InputShadows, ButtonsPickersAndTextFieldsCastTheirShadowOutsideTheirBox)
+{
+    // White boxes with a hard black shadow 12 points lower: the band just below each box is the
+    // shadow's alone, and a shadow clipped to the box would leave it white.
+    test::InputWindow window;
+    window.setAutoFillBackground(true);
+    window.setPalette(QPalette(Qt::white));
+    const char *box = R"({"backgroundColor": "#FFFFFF", "cornerRadius": "10", "objectShadow": ["#000000", "1", "0", "12"],
+                          "states": {"normal": {"text": "Go"}}, "picker": {"pickerData": ["Red"]}})";
+    QWidget *const elements[] = {
+        OSTButton::create(QRect(20, 20, 100, 40), jsonObject(box), u"go"_s, &window),
+        new OSTPicker(QRect(20, 100, 100, 40), jsonObject(box), u"colour"_s, &window),
+        new OSTTextField(QRect(20, 180, 100, 40), jsonObject(box), u"name"_s, &window),
+    };
+    for (QWidget *element : elements)
+        test::shown(element);
+    const QImage image = capture(window, 1);
+    for (QWidget *element : elements) {
+        const QPoint belowTheBox(element->geometry().center().x(), element->geometry().bottom() + 6);
+        EXPECT_LT(pixelAt(image, belowTheBox).value(), 60) << element->metaObject()->className()
+                                                          << ": the shadow below the box";
+        EXPECT_TRUE(colorNear(pixelAt(image, element->geometry().center() + QPoint(30, 0)), Qt::white))
+            << element->metaObject()->className() << ": the box over its shadow";
+    }
+}
+
+TEST(ImagePickerButton, ItsMenuComesFromTheSelectorAndTheChosenPictureBecomesValueAndBackground)
 {
     QTemporaryDir folder;
     const QString picture = folder.filePath(u"me.png"_s);
     ASSERT_TRUE(imageOfColor(Qt::blue, {30, 30}).save(picture));
     QString answer;
-    OSTImagePickerButton::setFileChooser([&answer](QWidget *) { return answer; });
+    int chooserOpened = 0;
+    OSTImagePickerButton::setFileChooser([&](QWidget *) {
+        ++chooserOpened;
+        return answer;
+    });
 
-    std::unique_ptr<OSTImagePickerButton> picker(OSTImagePickerButton::create(QRect(0, 0, 60, 60),
-        jsonObject(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}}})"), u"avatar"_s));
+    // No selector, no menu: a press does nothing.
+    test::InputWindow window;
+    auto *plain = test::shown(OSTImagePickerButton::create(QRect(100, 0, 60, 60),
+        jsonObject(R"({"states": {"normal": {}}})"), u"plain"_s, &window));
+    QTest::mouseClick(plain, Qt::LeftButton);
+    EXPECT_EQ(plain->menu(), nullptr);
+    EXPECT_EQ(chooserOpened, 0);
+    EXPECT_FALSE(plain->shouldShowErrorMessage());
+
+    auto *picker = test::shown(OSTImagePickerButton::create(QRect(0, 0, 60, 60),
+        jsonObject(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}},
+                       "imageSelector": {"cameraText": "Take one", "photosText": "Pick a file", "cancelText": "Not now"}})"),
+        u"avatar"_s, &window));
     auto model = bindModel(*picker, "false");
-    EXPECT_FALSE(picker->shouldShowErrorMessage());
+    ASSERT_TRUE(picker->menu());
+    const QList<QAction *> entries = picker->menu()->actions();
+    ASSERT_EQ(entries.size(), 2) << "no camera entry on a desktop";
+    EXPECT_EQ(entries.at(0)->text(), u"Pick a file"_s);
+    EXPECT_EQ(entries.at(1)->text(), u"Not now"_s);
+    // As a person picks an entry: a press on the button, a click on the entry.
+    const auto choose = [&](QAction *entry) {
+        QTest::mouseClick(picker, Qt::LeftButton);
+        ASSERT_TRUE(picker->menu()->isVisible());
+        QTest::mouseClick(picker->menu(), Qt::LeftButton, {}, picker->menu()->actionGeometry(entry).center());
+        QCoreApplication::processEvents();
+    };
 
-    QTest::mouseClick(picker.get(), Qt::LeftButton); // cancelled
+    choose(entries.at(1));
+    EXPECT_EQ(chooserOpened, 0);
     EXPECT_TRUE(picker->shouldShowErrorMessage());
     EXPECT_FALSE(model->isValid());
 
     answer = folder.filePath(u"not-a-picture.png"_s);
-    QTest::mouseClick(picker.get(), Qt::LeftButton);
+    choose(entries.at(0));
+    EXPECT_EQ(chooserOpened, 1);
     EXPECT_FALSE(model->isValid()) << "an unreadable file is no picture";
 
     answer = picture;
-    QTest::mouseClick(picker.get(), Qt::LeftButton);
+    choose(entries.at(0));
     EXPECT_TRUE(model->isValid());
     EXPECT_EQ(model->value().value<QImage>().size(), QSize(30, 30));
     EXPECT_TRUE(colorNear(pixelAt(capture(*picker, 2), {30, 30}), QColor(Qt::blue)));

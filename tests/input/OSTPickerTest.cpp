@@ -6,6 +6,7 @@
 #include "input/OSTToolbar.h"
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTLabel.h"
+#include "support/OSTTestSupport.h"
 
 #include "OSTInputTestSupport.h"
 #include "OSTValidationTestFakes.h"
@@ -173,11 +174,14 @@ TEST(Picker, DatePickerShowsItsStartDateAndKeepsChoicesWithinItsBounds)
     picker->setValue(u"06/01/2021"_s);
     EXPECT_EQ(picker->value().toDateTime().date(), QDate(2021, 12, 31));
 
-    // Unparsable dates leave the editor's defaults and the label's own text.
+    // Unparsable dates leave the editor without bounds and the label's own text; untouched, the
+    // wheel holds now.
+    const test::ManualClockScope clock(700000000.0); // 8 March 2023, in seconds since 2001
     OSTPicker loose(QRect(0, 0, 200, 40), jsonObject(R"({"picker": {"pickerType": "date", "startDate": "2021-03-15",
         "minDate": 7, "maxDate": "13/45/2021"}, "text": {"text": "Birthday"}})"), u"loose"_s, &window);
     EXPECT_EQ(loose.textLabel()->text(), u"Birthday"_s);
     EXPECT_EQ(loose.dateWheel()->minimumDate(), QDateTimeEdit().minimumDate());
+    EXPECT_EQ(loose.value().toDateTime().toUTC().date(), QDate(2023, 3, 8));
 
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
     OSTPicker british(QRect(0, 0, 200, 40), jsonObject(R"({"picker": {"pickerType": "date", "startDate": "03/15/2021"}})"),
@@ -215,6 +219,8 @@ TEST(Toolbar, TitlesStylesAndTheButtonsOfAPickersWheel)
     picker->inputAccessoryView()->cancelAction()->trigger();
     EXPECT_FALSE(picker->isWheelShown());
     EXPECT_EQ(returns, 0);
+    EXPECT_FALSE(picker->hasFocus()) << "cancel gives up the focus";
+    picker->setFocus();
     QTest::keyClick(picker, Qt::Key_Space);
     picker->inputAccessoryView()->doneAction()->trigger();
     EXPECT_FALSE(picker->isWheelShown());

@@ -127,6 +127,33 @@ TEST(TextField, TypesSetKeyboardHintsLimitsAndSecrecy)
               QMargins(6, 5, 8, 7));
 }
 
+TEST(TextField, AlignmentKeysPlaceTheTextAndAWideTextShrinksNoFurtherThanTheMinimumSize)
+{
+    test::InputWindow window;
+    const auto alignmentOf = [&](const char *properties) { return fieldIn(window, properties)->alignment(); };
+    EXPECT_EQ(alignmentOf("{}"), Qt::AlignLeft | Qt::AlignVCenter);
+    EXPECT_EQ(alignmentOf(R"({"horizontalAlignment": "right"})"), Qt::AlignRight | Qt::AlignVCenter);
+    EXPECT_EQ(alignmentOf(R"({"horizontalAlignment": "center", "verticalAlignment": "top"})"), Qt::AlignHCenter | Qt::AlignTop);
+    EXPECT_EQ(alignmentOf(R"({"verticalAlignment": "bottom"})"), Qt::AlignLeft | Qt::AlignBottom) << "without an alignment word";
+    EXPECT_EQ(alignmentOf(R"({"alignment": "center", "horizontalAlignment": "right"})"), Qt::AlignHCenter | Qt::AlignVCenter)
+        << "the alignment word wins";
+
+    OSTTextField *fitting = fieldIn(window, R"({"adjustsFontSizeToFitWidth": true, "minimumFontSize": 12,
+                                               "text": {"size": "20"}})");
+    OSTTextField *fixed = fieldIn(window, R"({"minimumFontSize": 12, "text": {"size": "20"}})");
+    typeInto(fitting, u"Ada"_s);
+    EXPECT_EQ(fitting->font().pixelSize(), 20) << "a short text keeps its size";
+    typeInto(fitting, u"A rather long name that is wider than the field"_s);
+    EXPECT_LT(fitting->font().pixelSize(), 20);
+    EXPECT_GE(fitting->font().pixelSize(), 12);
+    typeInto(fitting, u"W"_s.repeated(200));
+    EXPECT_EQ(fitting->font().pixelSize(), 12) << "no smaller than the minimum";
+    typeInto(fitting, u"Ada"_s);
+    EXPECT_EQ(fitting->font().pixelSize(), 20) << "back to its size once the text fits";
+    typeInto(fixed, u"W"_s.repeated(200));
+    EXPECT_EQ(fixed->font().pixelSize(), 20) << "only when asked to";
+}
+
 TEST(TextField, PhoneNumbersFormatLiveUnderTheChosenCountry)
 {
     test::InputWindow window;
@@ -277,6 +304,34 @@ TEST(TextField, TheInvalidLookShowsAfterEditingWithItsMessageForAssistiveTechnol
     EXPECT_EQ(rebuilt->text(), u"xy"_s);
     rebuilt->replaceText(QString());
     EXPECT_EQ(rebuilt->text(), u""_s);
+}
+
+TEST(TextField, TheInvalidLooksColourAndFontLeaveWithItWhenTheNormalLookNamesNone)
+{
+    test::InputWindow window;
+    OSTTextField *field = fieldIn(window, R"({"minLength": 3, "maxLength": 10,
+        "states": {"invalid": {"text": {"textColor": "#FF0000", "font": "bold", "size": "30"}}}})", u"nickname"_s);
+    OSTTextField *next = fieldIn(window, "{}", u"next"_s);
+    const auto model = bindModel(*field, {{u"errorMessage"_s, u"Too short."_s}});
+    const QColor defaultText = field->palette().color(QPalette::Text);
+    const int defaultSize = field->font().pixelSize();
+    const auto redPixels = [&] {
+        return test::countPixels(test::capture(*field, 1), [](QColor c) { return bool(test::colorNear(c, Qt::red, 60)); });
+    };
+
+    field->setFocus();
+    QTest::keyClicks(field, u"ab"_s);
+    next->setFocus();
+    ASSERT_TRUE(field->showsInvalidLook());
+    EXPECT_GT(redPixels(), 0) << "the invalid text is red";
+
+    field->setFocus();
+    QTest::keyClicks(field, u"c"_s);
+    next->setFocus();
+    ASSERT_FALSE(field->showsInvalidLook());
+    EXPECT_EQ(field->palette().color(QPalette::Text), defaultText);
+    EXPECT_EQ(field->font().pixelSize(), defaultSize);
+    EXPECT_EQ(redPixels(), 0) << "the fixed text is no longer red";
 }
 
 // A screen of the experience document, as the events of a screen name it.

@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QTest>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -104,6 +106,11 @@ TEST(ModalPresenter, CrossDissolvesInAndOutAndFinishesAFadeBeforeTheNextOne)
     EXPECT_FALSE(controller.view()->isVisible());
     EXPECT_TRUE(answers.values.isEmpty());
     EXPECT_EQ(controller.appearanceState(), State::Appearing);
+    // Nothing of the host under the picture takes a click or a key during the fade.
+    QTest::mouseClick(host.window.windowHandle(), Qt::LeftButton, {}, host.field->geometry().center());
+    QTest::keyClick(host.window.windowHandle(), Qt::Key_A);
+    EXPECT_TRUE(host.field->text().isEmpty());
+    EXPECT_FALSE(host.field->hasFocus());
     finish(presenter.runningTransition());
     EXPECT_EQ(answers.values, QList<bool>{true});
     EXPECT_EQ(host.window.findChild<OSTFadingPicture *>(), nullptr) << "the picture is only for the fade";

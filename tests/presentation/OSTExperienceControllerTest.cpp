@@ -27,6 +27,7 @@
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -57,8 +58,11 @@ public:
     std::optional<QVariantMap> closedWith;
     AuthenticationCompletion unanswered;
 
+    int uniqueChecks = 0;
+
     void validateUniqueFields(const QVariantMap &fields, ValidationCompletion completion) override
     {
+        ++uniqueChecks;
         OSTValidationResult result;
         if (fields.value(u"email"_s) == u"taken@example.com"_s)
             result.invalidateField(u"email"_s, u"This address is already registered."_s);
@@ -336,6 +340,38 @@ TEST_F(ExperienceOnScreen, LeavingAFlowBackwardsForgetsItsFieldsAndALogInWaitsFo
     EXPECT_EQ(Ostrel::currentUser().userID(), u"ada"_s);
     settle();
     EXPECT_FALSE(Ostrel::isPresentingExperience()) << "the log-in flow ends by closing";
+}
+
+TEST_F(ExperienceOnScreen, ASecondNextDuringTheSlideTakesNoSecondStep)
+{
+    startSDK();
+    Ostrel::applicationDidChangeState(OSTApplicationState::Active);
+    finishLaunch();
+    Ostrel::presentExperienceWithCompletion([](bool) {});
+    ASSERT_TRUE(test::waitUntil([&] { return currentScreenKey() == u"welcome"_s; }));
+    settle();
+    tap(u"signup"_s);
+    ASSERT_EQ(currentScreenKey(), u"account"_s);
+    type(u"email"_s, u"ada@example.com"_s);
+    type(u"password"_s, u"secret"_s);
+
+    // A double click, through the window as a person's: the second click lands where the
+    // screen that slides away still shows its button.
+    auto *next = onScreen<QAbstractButton>(u"next"_s);
+    ASSERT_NE(next, nullptr);
+    QWindow *window = next->window()->windowHandle();
+    const QPoint onNext = next->mapTo(next->window(), next->rect().center());
+    QTest::mouseClick(window, Qt::LeftButton, {}, onNext);
+    ASSERT_NE(experience()->runningTransition(), nullptr) << "the next screen slides in";
+    QTest::mouseClick(window, Qt::LeftButton, {}, onNext);
+    // A Return in the outgoing screen's last field asks for the same step again.
+    experience()->validateController(*qobject_cast<OSTScreenController *>(experience()->viewControllers().at(1)));
+    settle();
+    EXPECT_EQ(currentScreenKey(), u"phone"_s) << "one step, not two";
+    EXPECT_EQ(experience()->viewControllers().size(), 3);
+    EXPECT_EQ(m_host->uniqueChecks, 1) << "the unique fields were checked once";
+    EXPECT_EQ(m_events.parametersOf(u"OST Account Action Tapped"_s).size(), 1u) << "one tap event for one step";
+    EXPECT_TRUE(Ostrel::isPresentingExperience());
 }
 
 TEST_F(ExperienceOnScreen, APresentationBeforeTheLaunchShowsTheHostsFormThenCrossFades)

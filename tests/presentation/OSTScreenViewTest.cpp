@@ -6,6 +6,7 @@
 #include "input/OSTInput.h"
 #include "input/OSTPicker.h"
 #include "input/OSTSelectionGroup.h"
+#include "render/OSTSwitchControl.h"
 #include "input/OSTTextField.h"
 #include "render/OSTLabel.h"
 #include "render/OSTLayoutManager.h"
@@ -14,7 +15,10 @@
 #include "support/OSTEventRecorder.h"
 #include "support/OSTTestSupport.h"
 
+#include "../render/OSTPixelTestSupport.h"
+
 #include <QApplication>
+#include <QPropertyAnimation>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -164,6 +168,16 @@ TEST(ScreenView, ButtonsQueueTheirEventsAndReachTheDelegateAsDoTapsOnThePageOuts
     EXPECT_EQ(taps.front().value(u"button_id"_s), u"go"_s);
     EXPECT_EQ(taps.front().value(u"action_id"_s), u"next"_s);
 
+    // A disabled button handles nothing: a click on it is a tap on the screen, which then shows
+    // why the button is off. The click goes through the window, as a person's does.
+    auto *go = qobject_cast<OSTButton *>(view->views().value(u"go"_s));
+    go->setEnabled(false);
+    QTest::mouseClick(view->windowHandle(), Qt::LeftButton, {}, go->mapTo(view.get(), go->rect().center()));
+    EXPECT_EQ(delegate.calls.last(), u"tap"_s);
+    EXPECT_EQ(events.parametersOf(u"OST Welcome Action Tapped"_s).size(), taps.size()) << "no press of a disabled button";
+    go->setEnabled(true);
+    delegate.calls.clear();
+
     // A delegate that is gone is not called.
     {
         RecordingScreenViewDelegate shortLived;
@@ -171,7 +185,7 @@ TEST(ScreenView, ButtonsQueueTheirEventsAndReachTheDelegateAsDoTapsOnThePageOuts
     }
     QTest::mouseClick(view->views().value(u"card"_s), Qt::LeftButton);
     QTest::mouseClick(view->views().value(u"go"_s), Qt::LeftButton);
-    EXPECT_EQ(delegate.calls.size(), 3);
+    EXPECT_TRUE(delegate.calls.isEmpty());
 }
 
 TEST(ScreenView, KeyboardLiftsThePageOnlyWhenAScrollingElementEndsBelowItsTop)
@@ -239,6 +253,57 @@ TEST(ScreenView, ErrorMessageOpensWithItsOwnLayoutAndClosesBackToTheScreens)
     const auto plain = screenView(uR"({"labels": {"title": {"text": "t"}}})"_s);
     ASSERT_TRUE(plain);
     plain->showErrorMessage(u"x"_s, OSTAnimation::Animated);
+}
+
+TEST(ScreenView, ASwitchKeepsItsNaturalSizeCentredInItsBoxWhenTheErrorMessageMovesIt)
+{
+    const auto view = screenView(uR"({
+        "labels": {"errorMessage": {"x": "0", "y": "100", "width": "100%", "height": "0"}},
+        "buttons": {"agree": {"x": "100", "y": "{errorMessage.y} + {errorMessage.height}", "width": "151",
+                              "height": "71", "buttonType": "toggleSwitch", "backgroundColor": "#FF0000"}},
+        "animations": {"error": {"targets": {"errorMessage": {"height": "40"}}}}})"_s);
+    ASSERT_TRUE(view);
+    view->show();
+    QWidget *agree = view->views().value(u"agree"_s);
+    const QSize natural = OSTSwitchControl::naturalSize();
+    EXPECT_EQ(agree->geometry(), QRect(QPoint(150, 120), natural));
+
+    view->showErrorMessage(u"Please agree"_s, OSTAnimation::Immediate);
+    EXPECT_EQ(agree->geometry(), QRect(QPoint(150, 160), natural)) << "40 points lower, centred in its box";
+    const QImage image = view->renderImage(1);
+    EXPECT_FALSE(test::colorNear(image.pixelColor(105, 145), QColor(255, 0, 0))) << "the box is not drawn";
+    EXPECT_TRUE(test::colorNear(image.pixelColor(151, 161), QColor(255, 0, 0)))
+        << "the switch's own background, where the switch is";
+}
+
+TEST(ScreenView, ANewErrorLayoutStopsTheMovesTowardsTheOldOne)
+{
+    const auto view = screenView(QString::fromUtf8(errorScreen));
+    ASSERT_TRUE(view);
+    view->show();
+    QWidget *title = view->views().value(u"title"_s);
+    view->showErrorMessage(u"Please fill in your name"_s, OSTAnimation::Animated);
+    view->showErrorMessage(QString(), OSTAnimation::Immediate);
+    EXPECT_EQ(title->y(), 100);
+    // A move left running would carry the title off to the error layout when it ends.
+    for (QPropertyAnimation *move : title->findChildren<QPropertyAnimation *>()) {
+        if (move->state() == QAbstractAnimation::Running)
+            move->setCurrentTime(move->duration());
+    }
+    EXPECT_EQ(title->y(), 100);
+}
+
+TEST(ScreenView, AKeyInTwoCategoriesShowsOnlyTheViewThatIsStacked)
+{
+    const auto view = screenView(uR"({"shapes": {"twice": {"backgroundColor": "#FF0000"}},
+                                      "labels": {"twice": {"text": "label"}}})"_s);
+    ASSERT_TRUE(view);
+    view->show();
+    int shown = 0;
+    for (QWidget *child : view->contentView()->findChildren<QWidget *>(u"twice"_s, Qt::FindDirectChildrenOnly))
+        shown += child->isVisible() ? 1 : 0;
+    EXPECT_EQ(shown, 1);
+    EXPECT_FALSE(test::colorNear(view->renderImage(1).pixelColor(5, 5), QColor(255, 0, 0))) << "the shape is not drawn";
 }
 
 TEST(ScreenView, RequiredImagesAreCountedAndReportedOnceEvenBeforeADelegateIsSet)

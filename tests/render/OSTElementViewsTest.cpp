@@ -11,6 +11,7 @@
 #include "OSTPixelTestSupport.h"
 
 #include <QAccessible>
+#include <QDir>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QLineEdit>
@@ -144,14 +145,19 @@ TEST(Label, FontsAreSetInPixelsAndUnknownNamesFallBackToTheSystemFont)
     EXPECT_EQ(sized->pixelSize(), 18);
     EXPECT_EQ(sized->family(), QFontDatabase::systemFont(QFontDatabase::GeneralFont).family());
 
-    // A PostScript name of an installed family reads as family plus style.
-    const QString family = QFontDatabase::families().value(0);
-    ASSERT_FALSE(family.isEmpty());
-    const QString postScript = QString(family).remove(u' ') + u"-BoldItalic"_s;
-    const QFont styled = OSTFontResolver::fontNamed(postScript, 12);
-    EXPECT_EQ(styled.family(), family);
-    EXPECT_EQ(styled.weight(), QFont::Bold);
-    EXPECT_TRUE(styled.italic());
+    // A PostScript name reads as family plus style, and the face drawn is that style, even
+    // when the family comes from two foundries (its two faces carry different vendors, as a
+    // family installed twice does).
+    const QDir fonts(QStringLiteral(OSTREL_TEST_FONTS_PATH));
+    for (const QString &face : {u"OstrelTestSerif-Regular.ttf"_s, u"OstrelTestSerif-BoldItalic.ttf"_s})
+        ASSERT_GE(QFontDatabase::addApplicationFont(fonts.filePath(face)), 0) << face.toStdString();
+    ASSERT_EQ(QFontDatabase::families().filter(u"Ostrel Test Serif ["_s).size(), 2) << "listed once per foundry";
+    const QFont styled = OSTFontResolver::fontNamed(u"OstrelTestSerif-BoldItalic"_s, 12);
+    EXPECT_EQ(styled.family(), u"Ostrel Test Serif"_s);
+    const QFontInfo drawn(styled);
+    EXPECT_EQ(drawn.styleName(), u"Bold Italic"_s);
+    EXPECT_TRUE(drawn.italic());
+    EXPECT_EQ(QFontInfo(OSTFontResolver::fontNamed(u"OstrelTestSerif-Regular"_s, 12)).styleName(), u"Regular"_s);
 
     for (const char *json : {R"({"font": "Avenir"})", R"({"size": "0"})", R"({"size": "-4"})", R"({"size": 18})"})
         EXPECT_FALSE(OSTFontResolver::fontWithProperties(jsonObject(json))) << json;

@@ -23,6 +23,8 @@ public:
     void setOpacity(qreal opacity);
 
 protected:
+    // Takes the mouse and the keys, so that nothing underneath gets them during the fade.
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

@@ -170,8 +170,12 @@ void OSTNavigationController::transition(OSTViewController *from, const QList<OS
         toView->stackUnder(fromView);
     const bool slides = animation == OSTAnimation::Animated && m_transitionMilliseconds > 0 && fromView
         && view()->isVisible();
-    if (slides)
+    if (slides) {
+        // A view on its way out takes no more clicks: a second click on "next" while the first
+        // slides must not act on a screen that is being left.
+        fromView->setAttribute(Qt::WA_TransparentForMouseEvents);
         startSlide(fromView, toView, direction);
+    }
     else
         finishTransition();
 }
@@ -200,8 +204,11 @@ void OSTNavigationController::finishTransition()
     m_slide.clear();
     const quint64 finishing = m_transitionCount;
     OSTViewController *top = topViewController();
-    if (m_outgoing && m_outgoing != top && m_outgoing->isViewLoaded())
-        m_outgoing->view()->hide();
+    if (m_outgoing && m_outgoing->isViewLoaded()) {
+        m_outgoing->view()->setAttribute(Qt::WA_TransparentForMouseEvents, false);
+        if (m_outgoing != top)
+            m_outgoing->view()->hide();
+    }
     if (m_forwardsAppearance) {
         if (m_outgoing && m_outgoing != top)
             m_outgoing->endAppearanceTransition();
