@@ -44,6 +44,11 @@ QByteArray OSTEventRequestBuilder::batchParameters(const std::deque<OSTEventJour
     return out;
 }
 
+bool OSTEventRequestBuilder::fitsOneRequest(const QByteArray &eventJSON)
+{
+    return batchFrame + eventJSON.size() + 1 <= maximumBytesPerRequest;
+}
+
 QByteArray OSTEventRequestBuilder::singleParameters(const QByteArray &eventJSON, const std::optional<QString> &token)
 {
     // The stored text is always an object; a token goes in before its closing brace.

@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace ostrel {
 
 OSTStatisticalEvent::OSTStatisticalEvent(const QVariantMap &parameters)
-    : OSTEvent(u"$$OST Timing"_s, markedAutomatic(parameters))
+    : OSTEvent(eventName, markedAutomatic(parameters))
 {
 }
 
@@ -43,6 +43,14 @@ OSTStatisticalEvent OSTStatisticalEvent::screenLoadEvent(double timing, int type
                                 {u"fully_loaded"_s, loading == Loading::Full},
                                 {u"timing"_s, timing},
                                 {u"type"_s, stringForEventType(type)}});
+}
+
+OSTStatisticalEvent OSTStatisticalEvent::refusedEventEvent(const QString &eventName, int status)
+{
+    return OSTStatisticalEvent({{u"event"_s, u"event_refused"_s},
+                                {u"event_name"_s, eventName},
+                                {u"status"_s, status},
+                                {u"type"_s, stringForEventType(Failure)}});
 }
 
 OSTStatisticalEvent OSTStatisticalEvent::sessionStartEvent(double timing)
