@@ -12,6 +12,21 @@
 
 namespace ostrel {
 
+namespace {
+
+// The managers exist once the application object does, whose names place the stores the
+// managers read; a call before then is ignored rather than reading the wrong stores.
+bool managersReady(QLatin1StringView call)
+{
+    if (OSTStartup::prepareProcess())
+        return true;
+    OSTLogging::logWarning(QStringLiteral("Ostrel::%1 was called before the application object exists; it is ignored."),
+                           call);
+    return false;
+}
+
+} // namespace
+
 const double OstrelVersionNumber = 1.0;
 const unsigned char OstrelVersionString[] = "@(#)PROGRAM:Ostrel  PROJECT:Ostrel-1\n";
 
@@ -58,23 +73,25 @@ void Ostrel::executeAfterLaunch(std::function<void(bool success)> block)
 
 void Ostrel::trackEventWithName(const QString &name, const QVariantMap &parameters)
 {
-    OSTStartup::prepareProcess();
-    OSTEventManager::sharedManager().sendEventWithName(name, parameters);
+    if (managersReady(QLatin1StringView("trackEventWithName")))
+        OSTEventManager::sharedManager().sendEventWithName(name, parameters);
 }
 
 void Ostrel::setEventsEnabled(bool enabled)
 {
-    OSTEventManager::sharedManager().setEventsEnabled(enabled);
+    if (managersReady(QLatin1StringView("setEventsEnabled")))
+        OSTEventManager::sharedManager().setEventsEnabled(enabled);
 }
 
 bool Ostrel::eventsEnabled()
 {
-    return OSTEventManager::sharedManager().eventsEnabled();
+    return managersReady(QLatin1StringView("eventsEnabled")) && OSTEventManager::sharedManager().eventsEnabled();
 }
 
 void Ostrel::flushEvents()
 {
-    OSTEventManager::sharedManager().flush(OSTEventManager::FlushKind::Immediate);
+    if (managersReady(QLatin1StringView("flushEvents")))
+        OSTEventManager::sharedManager().flush(OSTEventManager::FlushKind::Immediate);
 }
 
 void Ostrel::setExperienceDelegate(const std::shared_ptr<OSTExperienceDelegate> &delegate)
@@ -157,64 +174,71 @@ void Ostrel::getLatestAttributionWithCompletion(
 
 bool Ostrel::shouldUseIDFA()
 {
-    return OSTAttributionManager::sharedManager().shouldUseIDFA();
+    return managersReady(QLatin1StringView("shouldUseIDFA")) && OSTAttributionManager::sharedManager().shouldUseIDFA();
 }
 
 void Ostrel::setShouldUseIDFA(bool shouldUseIDFA)
 {
-    OSTAttributionManager::sharedManager().setShouldUseIDFA(shouldUseIDFA);
+    if (managersReady(QLatin1StringView("setShouldUseIDFA")))
+        OSTAttributionManager::sharedManager().setShouldUseIDFA(shouldUseIDFA);
 }
 
 namespace {
 
-// The user calls start the SDK's managers first, so that the user they meet is the stored one,
-// carried over from an older version where needed.
-OSTUserManager &userManager()
+// The user calls meet the stored user, carried over from an older version where needed.
+void withUserManager(QLatin1StringView call, const std::function<void(OSTUserManager &)> &work)
 {
-    OSTStartup::prepareProcess();
-    return OSTUserManager::sharedManager();
+    if (managersReady(call))
+        work(OSTUserManager::sharedManager());
 }
 
 } // namespace
 
 void Ostrel::setRequiresLogin(bool requiresLogin)
 {
-    userManager().setRequiresLogin(requiresLogin);
+    withUserManager(QLatin1StringView("setRequiresLogin"),
+                    [requiresLogin](OSTUserManager &users) { users.setRequiresLogin(requiresLogin); });
 }
 
 OSTUser Ostrel::currentUser()
 {
-    return userManager().currentUser();
+    OSTUser user;
+    withUserManager(QLatin1StringView("currentUser"), [&user](OSTUserManager &users) { user = users.currentUser(); });
+    return user;
 }
 
 void Ostrel::signUpUser()
 {
-    userManager().signUpUser();
+    withUserManager(QLatin1StringView("signUpUser"), [](OSTUserManager &users) { users.signUpUser(); });
 }
 
 void Ostrel::signUpUserWithID(const QString &userID)
 {
-    userManager().signUpUserWithID(userID);
+    withUserManager(QLatin1StringView("signUpUserWithID"),
+                    [&userID](OSTUserManager &users) { users.signUpUserWithID(userID); });
 }
 
 void Ostrel::logInUser()
 {
-    userManager().logInUser();
+    withUserManager(QLatin1StringView("logInUser"), [](OSTUserManager &users) { users.logInUser(); });
 }
 
 void Ostrel::logInUserWithID(const QString &userID)
 {
-    userManager().logInUserWithID(userID);
+    withUserManager(QLatin1StringView("logInUserWithID"),
+                    [&userID](OSTUserManager &users) { users.logInUserWithID(userID); });
 }
 
 void Ostrel::logOutUser()
 {
-    userManager().logOutUser();
+    withUserManager(QLatin1StringView("logOutUser"), [](OSTUserManager &users) { users.logOutUser(); });
 }
 
 void Ostrel::appendUserProperties(const QVariantMap &properties)
 {
-    userManager().appendUserProperties(properties, OSTUserManager::Delivery::Send);
+    withUserManager(QLatin1StringView("appendUserProperties"), [&properties](OSTUserManager &users) {
+        users.appendUserProperties(properties, OSTUserManager::Delivery::Send);
+    });
 }
 
 void Ostrel::setLoggingLevel(unsigned level)
