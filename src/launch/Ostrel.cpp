@@ -16,12 +16,12 @@ namespace {
 
 // The managers exist once the application object does, whose names place the stores the
 // managers read; a call before then is ignored rather than reading the wrong stores.
-bool managersReady(QLatin1StringView call)
+bool managersReady(const char *call)
 {
     if (OSTStartup::prepareProcess())
         return true;
     OSTLogging::logWarning(QStringLiteral("Ostrel::%1 was called before the application object exists; it is ignored."),
-                           call);
+                           QString::fromLatin1(call));
     return false;
 }
 
@@ -73,24 +73,24 @@ void Ostrel::executeAfterLaunch(std::function<void(bool success)> block)
 
 void Ostrel::trackEventWithName(const QString &name, const QVariantMap &parameters)
 {
-    if (managersReady(QLatin1StringView("trackEventWithName")))
+    if (managersReady("trackEventWithName"))
         OSTEventManager::sharedManager().sendEventWithName(name, parameters);
 }
 
 void Ostrel::setEventsEnabled(bool enabled)
 {
-    if (managersReady(QLatin1StringView("setEventsEnabled")))
+    if (managersReady("setEventsEnabled"))
         OSTEventManager::sharedManager().setEventsEnabled(enabled);
 }
 
 bool Ostrel::eventsEnabled()
 {
-    return managersReady(QLatin1StringView("eventsEnabled")) && OSTEventManager::sharedManager().eventsEnabled();
+    return managersReady("eventsEnabled") && OSTEventManager::sharedManager().eventsEnabled();
 }
 
 void Ostrel::flushEvents()
 {
-    if (managersReady(QLatin1StringView("flushEvents")))
+    if (managersReady("flushEvents"))
         OSTEventManager::sharedManager().flush(OSTEventManager::FlushKind::Immediate);
 }
 
@@ -174,19 +174,19 @@ void Ostrel::getLatestAttributionWithCompletion(
 
 bool Ostrel::shouldUseIDFA()
 {
-    return managersReady(QLatin1StringView("shouldUseIDFA")) && OSTAttributionManager::sharedManager().shouldUseIDFA();
+    return managersReady("shouldUseIDFA") && OSTAttributionManager::sharedManager().shouldUseIDFA();
 }
 
 void Ostrel::setShouldUseIDFA(bool shouldUseIDFA)
 {
-    if (managersReady(QLatin1StringView("setShouldUseIDFA")))
+    if (managersReady("setShouldUseIDFA"))
         OSTAttributionManager::sharedManager().setShouldUseIDFA(shouldUseIDFA);
 }
 
 namespace {
 
 // The user calls meet the stored user, carried over from an older version where needed.
-void withUserManager(QLatin1StringView call, const std::function<void(OSTUserManager &)> &work)
+void withUserManager(const char *call, const std::function<void(OSTUserManager &)> &work)
 {
     if (managersReady(call))
         work(OSTUserManager::sharedManager());
@@ -196,47 +196,47 @@ void withUserManager(QLatin1StringView call, const std::function<void(OSTUserMan
 
 void Ostrel::setRequiresLogin(bool requiresLogin)
 {
-    withUserManager(QLatin1StringView("setRequiresLogin"),
+    withUserManager("setRequiresLogin",
                     [requiresLogin](OSTUserManager &users) { users.setRequiresLogin(requiresLogin); });
 }
 
 OSTUser Ostrel::currentUser()
 {
     OSTUser user;
-    withUserManager(QLatin1StringView("currentUser"), [&user](OSTUserManager &users) { user = users.currentUser(); });
+    withUserManager("currentUser", [&user](OSTUserManager &users) { user = users.currentUser(); });
     return user;
 }
 
 void Ostrel::signUpUser()
 {
-    withUserManager(QLatin1StringView("signUpUser"), [](OSTUserManager &users) { users.signUpUser(); });
+    withUserManager("signUpUser", [](OSTUserManager &users) { users.signUpUser(); });
 }
 
 void Ostrel::signUpUserWithID(const QString &userID)
 {
-    withUserManager(QLatin1StringView("signUpUserWithID"),
+    withUserManager("signUpUserWithID",
                     [&userID](OSTUserManager &users) { users.signUpUserWithID(userID); });
 }
 
 void Ostrel::logInUser()
 {
-    withUserManager(QLatin1StringView("logInUser"), [](OSTUserManager &users) { users.logInUser(); });
+    withUserManager("logInUser", [](OSTUserManager &users) { users.logInUser(); });
 }
 
 void Ostrel::logInUserWithID(const QString &userID)
 {
-    withUserManager(QLatin1StringView("logInUserWithID"),
+    withUserManager("logInUserWithID",
                     [&userID](OSTUserManager &users) { users.logInUserWithID(userID); });
 }
 
 void Ostrel::logOutUser()
 {
-    withUserManager(QLatin1StringView("logOutUser"), [](OSTUserManager &users) { users.logOutUser(); });
+    withUserManager("logOutUser", [](OSTUserManager &users) { users.logOutUser(); });
 }
 
 void Ostrel::appendUserProperties(const QVariantMap &properties)
 {
-    withUserManager(QLatin1StringView("appendUserProperties"), [&properties](OSTUserManager &users) {
+    withUserManager("appendUserProperties", [&properties](OSTUserManager &users) {
         users.appendUserProperties(properties, OSTUserManager::Delivery::Send);
     });
 }

@@ -18,6 +18,7 @@
 #include "users/OSTUserArchive.h"
 #include "users/OSTUserManager.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
