@@ -1,6 +1,11 @@
 #include "network/OSTURLSession.h"
 
+#include "platform/OSTMainQueue.h"
+
 #include <QNetworkAccessManager>
+#include <QSslConfiguration>
+
+#include <utility>
 
 namespace ostrel {
 
@@ -16,7 +21,20 @@ OSTURLSession::OSTURLSession(const QString &queueName, double timeoutInterval)
     m_queue->sync([this] {
         m_manager = new QNetworkAccessManager(m_queue->context());
         m_manager->setAutoDeleteReplies(false);
+        // Qt makes its TLS globals (the backend plugin, the default configuration) on first use:
+        // made here, they come before the registration below rather than during a request that
+        // an exit() may meet.
+        QSslConfiguration::defaultConfiguration();
     });
+    // The manager brought the network's globals in; the queue must stop before they go.
+    OSTMainQueue::shutDownBeforeExitHandlers();
+}
+
+void OSTURLSession::requestStarted()
+{
+    // A first request brings in more of them (name lookup, connections, TLS).
+    if (!std::exchange(m_startedAny, true))
+        OSTMainQueue::shutDownBeforeExitHandlers();
 }
 
 OSTURLSession::~OSTURLSession() = default;
