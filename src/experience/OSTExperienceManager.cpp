@@ -214,12 +214,16 @@ bool OSTExperienceManager::openURLWithString(const QString &text)
 
 bool OSTExperienceManager::usesViewControllerBasedStatusBarAppearance()
 {
-    static const bool uses = [] {
-        const QVariant value =
-            OSTBundle::mainBundle()->objectForInfoDictionaryKey(u"UIViewControllerBasedStatusBarAppearance"_s);
-        return ost_isNumber(value) ? value.toDouble() != 0.0 : true;
-    }();
+    static const bool uses = readViewControllerBasedStatusBarAppearance();
     return uses;
+}
+
+bool OSTExperienceManager::readViewControllerBasedStatusBarAppearance()
+{
+    // A number of any kind (a JSON boolean among them) counts; anything else means YES.
+    const QVariant value =
+        OSTBundle::mainBundle()->objectForInfoDictionaryKey(u"UIViewControllerBasedStatusBarAppearance"_s);
+    return ost_isNumber(value) ? value.toDouble() != 0.0 : true;
 }
 
 // --- Dynamic variables -------------------------------------------------------------------------------

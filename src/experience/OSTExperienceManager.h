@@ -82,6 +82,8 @@ public:
     // The main bundle's "UIViewControllerBasedStatusBarAppearance"; true unless it is a boolean
     // or number that says otherwise. Read once.
     static bool usesViewControllerBasedStatusBarAppearance();
+    // The same reading of the main bundle, done again at every call.
+    static bool readViewControllerBasedStatusBarAppearance();
 
     // --- Dynamic variables ---------------------------------------------------------------------
     // String values are added, replacing earlier ones; other values are ignored.

@@ -147,29 +147,47 @@ void Ostrel::loadExperienceType(int type, std::function<void(QWidget *experience
 
 bool Ostrel::continueUserActivity(const QUrl &webpageURL, const QString &activityType)
 {
-    OSTStartup::prepareProcess();
-    return OSTAttributionManager::sharedManager().continueUserActivity(activityType, webpageURL);
+    return managersReady("continueUserActivity")
+        && OSTAttributionManager::sharedManager().continueUserActivity(activityType, webpageURL);
 }
+
+namespace {
+
+// An ignored early call still answers, so that a host waiting for the answer is not left waiting.
+template <typename Answer>
+void answerNothing(const std::function<void(const std::optional<Answer> &)> &completion)
+{
+    if (completion)
+        completion(std::nullopt);
+}
+
+} // namespace
 
 void Ostrel::getLinkForTargeting(const QString &targeting, const std::optional<QVariantMap> &parameters,
                                  std::function<void(const std::optional<QString> &link)> completion)
 {
-    OSTStartup::prepareProcess();
-    OSTAttributionManager::sharedManager().getLinkForTargeting(targeting, parameters, std::move(completion));
+    if (managersReady("getLinkForTargeting"))
+        OSTAttributionManager::sharedManager().getLinkForTargeting(targeting, parameters, std::move(completion));
+    else
+        answerNothing(completion);
 }
 
 void Ostrel::getInstallAttributionWithCompletion(
     std::function<void(const std::optional<OSTAttribution> &attribution)> completion)
 {
-    OSTStartup::prepareProcess();
-    OSTAttributionManager::sharedManager().getInstallAttributionWithCompletion(std::move(completion));
+    if (managersReady("getInstallAttributionWithCompletion"))
+        OSTAttributionManager::sharedManager().getInstallAttributionWithCompletion(std::move(completion));
+    else
+        answerNothing(completion);
 }
 
 void Ostrel::getLatestAttributionWithCompletion(
     std::function<void(const std::optional<OSTAttribution> &attribution)> completion)
 {
-    OSTStartup::prepareProcess();
-    OSTAttributionManager::sharedManager().getLatestAttributionWithCompletion(std::move(completion));
+    if (managersReady("getLatestAttributionWithCompletion"))
+        OSTAttributionManager::sharedManager().getLatestAttributionWithCompletion(std::move(completion));
+    else
+        answerNothing(completion);
 }
 
 bool Ostrel::shouldUseIDFA()
