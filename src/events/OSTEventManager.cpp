@@ -3,6 +3,7 @@
 #include <ostrel/OSTConstants.h>
 #include <ostrel/OSTEventEmitter.h>
 
+#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTJsonWriter.h"
 #include "core/OSTLogging.h"
 #include "core/OSTUserDefaultsManager.h"
@@ -529,9 +530,9 @@ void OSTEventManager::processLaunchResponse(const std::optional<QVariantMap> &re
 {
     if (!response)
         return;
+    // A boolean reading as for any text or number the service sends ("1", "true", 1, true).
     const QVariant qa = response->value(u"is_qa"_s);
-    m_isQA = (qa.typeId() == QMetaType::Bool || qa.typeId() == QMetaType::Double || qa.typeId() == QMetaType::LongLong)
-        && qa.toBool();
+    m_isQA = qa.typeId() == QMetaType::QString ? ost_boolValue(qa.toString()) : ost_isNumber(qa) && qa.toBool();
 }
 
 size_t OSTEventManager::pendingEventCount() const

@@ -28,7 +28,7 @@ public:
                                       const std::optional<QString> &token);
     // Whether an event's JSON fits a request of its own.
     static bool fitsOneRequest(const QByteArray &eventJSON);
-    // One event's parameters with "token" added.
+    // One event's parameters with "token" set (replacing one the event holds).
     static QByteArray singleParameters(const QByteArray &eventJSON, const std::optional<QString> &token);
 
 private:

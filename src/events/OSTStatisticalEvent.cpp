@@ -27,14 +27,14 @@ OSTStatisticalEvent OSTStatisticalEvent::launchEvent(double timing, int type)
 OSTStatisticalEvent OSTStatisticalEvent::imageDownloadEvent(const QUrl &url, double timing, int type)
 {
     return OSTStatisticalEvent({{u"event"_s, u"image_download"_s},
-                                {u"image_url"_s, url.toString()},
+                                {u"image_url"_s, url.toString(QUrl::FullyEncoded)},
                                 {u"timing"_s, timing},
                                 {u"type"_s, stringForEventType(type)}});
 }
 
 OSTStatisticalEvent OSTStatisticalEvent::internalServerErrorEvent(const QUrl &url)
 {
-    return OSTStatisticalEvent({{u"event"_s, u"internal_server_error"_s}, {u"url"_s, url.toString()}});
+    return OSTStatisticalEvent({{u"event"_s, u"internal_server_error"_s}, {u"url"_s, url.toString(QUrl::FullyEncoded)}});
 }
 
 OSTStatisticalEvent OSTStatisticalEvent::screenLoadEvent(double timing, int type, Loading loading)

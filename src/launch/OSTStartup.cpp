@@ -192,9 +192,7 @@ void OSTStartup::connectAttributionToEvents()
     const auto forEvents = [](const std::optional<OSTAttribution> &record) -> std::optional<OSTEventSources::Attribution> {
         if (!record)
             return std::nullopt;
-        return OSTEventSources::Attribution{record->sourceName.value_or(QString()),
-                                            record->targetingID.value_or(QString()),
-                                            record->targetingName.value_or(QString())};
+        return OSTEventSources::Attribution{record->sourceName, record->targetingID, record->targetingName};
     };
     OSTAttributionManager &attribution = OSTAttributionManager::sharedManager();
     OSTEventSources::Sources sources = OSTEventSources::current();

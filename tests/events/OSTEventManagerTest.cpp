@@ -412,4 +412,13 @@ TEST_F(EventQueue, QAInstallationsMarkTheirEvents)
     ASSERT_TRUE(test::waitUntil([&] { return server.storedEventCount() == 1; }));
     EXPECT_EQ(server.storedEvents().first().value(u"is_qa"_s), QVariant(true));
     EXPECT_TRUE(manager().isQA());
+
+    // The service's value read as a boolean, whatever its JSON type.
+    const std::pair<QVariant, bool> readings[] = {{u"1"_s, true}, {u"true"_s, true}, {u"0"_s, false},
+                                                  {u"no"_s, false}, {1, true}, {0.0, false},
+                                                  {false, false}, {QVariantList{}, false}};
+    for (const auto &[value, qa] : readings) {
+        manager().processLaunchResponse(QVariantMap{{u"is_qa"_s, value}});
+        EXPECT_EQ(manager().isQA(), qa) << value.toString().toStdString();
+    }
 }
