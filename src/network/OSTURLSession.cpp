@@ -5,7 +5,7 @@
 #include <QNetworkAccessManager>
 #include <QSslConfiguration>
 
-#include <utility>
+#include <mutex>
 
 namespace ostrel {
 
@@ -26,15 +26,17 @@ OSTURLSession::OSTURLSession(const QString &queueName, double timeoutInterval)
         // an exit() may meet.
         QSslConfiguration::defaultConfiguration();
     });
-    // The manager brought the network's globals in; the queue must stop before they go.
-    OSTMainQueue::shutDownBeforeExitHandlers();
+    // The first manager brought the network's globals in; the queues must stop before they go.
+    // They are the process's, so once is enough (sessions are made per request, too).
+    static std::once_flag firstManager;
+    std::call_once(firstManager, &OSTMainQueue::shutDownBeforeExitHandlers);
 }
 
 void OSTURLSession::requestStarted()
 {
-    // A first request brings in more of them (name lookup, connections, TLS).
-    if (!std::exchange(m_startedAny, true))
-        OSTMainQueue::shutDownBeforeExitHandlers();
+    // The first request brings in more of them (name lookup, connections, TLS).
+    static std::once_flag firstRequest;
+    std::call_once(firstRequest, &OSTMainQueue::shutDownBeforeExitHandlers);
 }
 
 OSTURLSession::~OSTURLSession() = default;

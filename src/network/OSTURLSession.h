@@ -35,8 +35,8 @@ public:
 
     // The manager; only to be used on the delegate queue.
     QNetworkAccessManager *networkAccessManager() const { return m_manager; }
-    // Called on the delegate queue as a request goes out.
-    void requestStarted();
+    // Called as a request goes out.
+    static void requestStarted();
 
 private:
     OSTURLSession(const QString &queueName, double timeoutInterval);
@@ -45,8 +45,6 @@ private:
     std::unique_ptr<OSTSerialQueue> m_queue;
     // Owned by the queue's context object, destroyed on the queue's thread with it.
     QPointer<QNetworkAccessManager> m_manager;
-    // Only touched on the delegate queue.
-    bool m_startedAny = false;
 };
 
 } // namespace ostrel

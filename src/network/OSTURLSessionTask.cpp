@@ -70,7 +70,7 @@ void OSTURLSessionTask::start()
     QNetworkReply *reply = m_method == Method::Post ? manager->post(m_request, m_body)
                                                     : manager->get(m_request);
     m_reply = reply;
-    session->requestStarted();
+    OSTURLSession::requestStarted();
     watchReply(reply);
     m_clock = OSTClock::currentShared();
     m_timeoutTimer = m_clock->schedule(session->timeoutInterval(), reply,
