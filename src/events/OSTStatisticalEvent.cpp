@@ -45,10 +45,10 @@ OSTStatisticalEvent OSTStatisticalEvent::screenLoadEvent(double timing, int type
                                 {u"type"_s, stringForEventType(type)}});
 }
 
-OSTStatisticalEvent OSTStatisticalEvent::refusedEventEvent(const QString &eventName, int status)
+OSTStatisticalEvent OSTStatisticalEvent::refusedEventEvent(const QString &refusedName, int status)
 {
     return OSTStatisticalEvent({{u"event"_s, u"event_refused"_s},
-                                {u"event_name"_s, eventName},
+                                {u"event_name"_s, refusedName},
                                 {u"status"_s, status},
                                 {u"type"_s, stringForEventType(Failure)}});
 }

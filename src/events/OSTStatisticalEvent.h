@@ -25,7 +25,7 @@ public:
     enum class Loading { Partial, Full };
     static OSTStatisticalEvent screenLoadEvent(double timing, int type, Loading loading);
     // An event the service kept refusing, dropped after its last try.
-    static OSTStatisticalEvent refusedEventEvent(const QString &eventName, int status);
+    static OSTStatisticalEvent refusedEventEvent(const QString &refusedName, int status);
     // The time from sending the first session start to the service's "OK" for it.
     static OSTStatisticalEvent sessionStartEvent(double timing);
 };
