@@ -3,6 +3,7 @@
 #include <ostrel/OSTExport.h>
 
 #include <QString>
+#include <QVariant>
 #include <QVariantMap>
 
 #include <optional>
@@ -15,9 +16,9 @@ class OSTREL_EXPORT OSTUserABNTest {
 public:
     OSTUserABNTest(const QString &name, const QString &variation);
 
-    // From the service's form {"test_name": string, "variation": string}; nothing when either is
-    // missing or not a string.
-    static std::optional<OSTUserABNTest> fromProperties(const QVariantMap &properties);
+    // From the service's form {"test_name": string, "variation": string}: a field that is missing
+    // or not a string reads as ""; nothing when `properties` is not a dictionary.
+    static std::optional<OSTUserABNTest> fromProperties(const QVariant &properties);
 
     const QString &name() const { return m_name; }
     const QString &variation() const { return m_variation; }

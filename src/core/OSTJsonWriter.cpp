@@ -4,6 +4,7 @@
 #include <QVariantHash>
 #include <QVariantList>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -56,14 +57,40 @@ char *writeCodePoint(char *cursor, char32_t codePoint)
 bool OSTJsonWriter::isJSONValue(const QVariant &value)
 {
     QByteArray scratch;
-    return writeValue(scratch, value);
+    return writeValue(scratch, value, 0);
+}
+
+bool OSTJsonWriter::isNestedTooDeep(const QVariant &value)
+{
+    return nestsDeeperThan(value, maximumDepth);
+}
+
+bool OSTJsonWriter::nestsDeeperThan(const QVariant &value, int allowedDepth)
+{
+    const auto anyNestsDeeper = [allowedDepth](const auto &container) {
+        return allowedDepth == 0 || std::any_of(container.begin(), container.end(), [allowedDepth](const auto &element) {
+                   return nestsDeeperThan(QVariant(element), allowedDepth - 1);
+               });
+    };
+    switch (value.typeId()) {
+    case QMetaType::QVariantMap:
+        return anyNestsDeeper(*static_cast<const QVariantMap *>(value.constData()));
+    case QMetaType::QVariantHash:
+        return anyNestsDeeper(*static_cast<const QVariantHash *>(value.constData()));
+    case QMetaType::QVariantList:
+        return anyNestsDeeper(*static_cast<const QVariantList *>(value.constData()));
+    case QMetaType::QStringList:
+        return allowedDepth == 0;
+    default:
+        return false;
+    }
 }
 
 std::optional<QByteArray> OSTJsonWriter::serialized(const QVariantMap &object)
 {
     QByteArray out;
     out.reserve(256);
-    if (!writeMap(out, object))
+    if (!writeMap(out, object, 0))
         return std::nullopt;
     return out;
 }
@@ -71,7 +98,7 @@ std::optional<QByteArray> OSTJsonWriter::serialized(const QVariantMap &object)
 bool OSTJsonWriter::appendValue(QByteArray &out, const QVariant &value)
 {
     const qsizetype start = out.size();
-    if (writeValue(out, value))
+    if (writeValue(out, value, 0))
         return true;
     out.truncate(start);
     return false;
@@ -108,7 +135,7 @@ void OSTJsonWriter::appendString(QByteArray &out, QStringView text)
     out.truncate(cursor - out.constData());
 }
 
-bool OSTJsonWriter::writeValue(QByteArray &out, const QVariant &value)
+bool OSTJsonWriter::writeValue(QByteArray &out, const QVariant &value, int depth)
 {
     switch (value.typeId()) {
     case QMetaType::UnknownType:
@@ -140,21 +167,23 @@ bool OSTJsonWriter::writeValue(QByteArray &out, const QVariant &value)
         appendString(out, *static_cast<const QString *>(value.constData()));
         return true;
     case QMetaType::QVariantMap:
-        return writeMap(out, *static_cast<const QVariantMap *>(value.constData()));
+        return writeMap(out, *static_cast<const QVariantMap *>(value.constData()), depth);
     case QMetaType::QVariantHash:
-        return writeMap(out, *static_cast<const QVariantHash *>(value.constData()));
+        return writeMap(out, *static_cast<const QVariantHash *>(value.constData()), depth);
     case QMetaType::QVariantList:
-        return writeList(out, *static_cast<const QVariantList *>(value.constData()));
+        return writeList(out, *static_cast<const QVariantList *>(value.constData()), depth);
     case QMetaType::QStringList:
-        return writeList(out, *static_cast<const QStringList *>(value.constData()));
+        return writeList(out, *static_cast<const QStringList *>(value.constData()), depth);
     default:
         return false;
     }
 }
 
 template <typename Map>
-bool OSTJsonWriter::writeMap(QByteArray &out, const Map &map)
+bool OSTJsonWriter::writeMap(QByteArray &out, const Map &map, int depth)
 {
+    if (++depth > maximumDepth)
+        return false;
     out.append('{');
     bool first = true;
     for (auto entry = map.constBegin(); entry != map.constEnd(); ++entry) {
@@ -163,7 +192,7 @@ bool OSTJsonWriter::writeMap(QByteArray &out, const Map &map)
         first = false;
         appendString(out, entry.key());
         out.append(':');
-        if (!writeValue(out, entry.value()))
+        if (!writeValue(out, entry.value(), depth))
             return false;
     }
     out.append('}');
@@ -171,15 +200,17 @@ bool OSTJsonWriter::writeMap(QByteArray &out, const Map &map)
 }
 
 template <typename List>
-bool OSTJsonWriter::writeList(QByteArray &out, const List &list)
+bool OSTJsonWriter::writeList(QByteArray &out, const List &list, int depth)
 {
+    if (++depth > maximumDepth)
+        return false;
     out.append('[');
     bool first = true;
     for (const auto &element : list) {
         if (!first)
             out.append(',');
         first = false;
-        if (!writeValue(out, QVariant(element)))
+        if (!writeValue(out, QVariant(element), depth))
             return false;
     }
     out.append(']');

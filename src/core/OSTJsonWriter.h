@@ -13,10 +13,18 @@ namespace ostrel {
 // QJsonDocument first: strings go from UTF-16 to escaped UTF-8 in one pass. Carries what JSON
 // can: maps (QVariantMap, QVariantHash), lists (QVariantList, QStringList), strings, booleans,
 // integers, finite doubles (non-finite ones become null) and null. Anything else (dates, data,
-// pointers, widgets...) is refused. Stateless and thread-safe.
+// pointers, widgets...) is refused, and so is nesting deeper than maximumDepth: a parser on the
+// other side gives up long before, and the writer's own recursion stays bounded. Stateless and
+// thread-safe.
 class OSTJsonWriter {
 public:
+    // Containers inside containers, counting the outermost as 1.
+    static constexpr int maximumDepth = 64;
+
     OSTJsonWriter() = delete;
+
+    // Whether `value` holds containers nested deeper than maximumDepth; looks no further down.
+    static bool isNestedTooDeep(const QVariant &value);
 
     // Whether `value`, and everything nested in it, is something JSON can carry.
     static bool isJSONValue(const QVariant &value);
@@ -28,11 +36,12 @@ public:
     static void appendString(QByteArray &out, QStringView text);
 
 private:
-    static bool writeValue(QByteArray &out, const QVariant &value);
+    static bool writeValue(QByteArray &out, const QVariant &value, int depth);
     template <typename Map>
-    static bool writeMap(QByteArray &out, const Map &map);
+    static bool writeMap(QByteArray &out, const Map &map, int depth);
     template <typename List>
-    static bool writeList(QByteArray &out, const List &list);
+    static bool writeList(QByteArray &out, const List &list, int depth);
+    static bool nestsDeeperThan(const QVariant &value, int allowedDepth);
     static void writeDouble(QByteArray &out, double value);
     template <typename Integer>
     static void writeInteger(QByteArray &out, Integer value);

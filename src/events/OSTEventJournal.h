@@ -30,6 +30,8 @@ public:
         qint64 id = 0;
         Kind kind = Kind::Queued;
         QByteArray json;
+        // How often the service has refused it in a request of its own; not stored.
+        int refusals = 0;
     };
 
     explicit OSTEventJournal(const QString &databasePath);

@@ -3,6 +3,7 @@
 #include <ostrel/OSTConstants.h>
 #include <ostrel/OSTEventEmitter.h>
 
+#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTJsonWriter.h"
 #include "core/OSTLogging.h"
 #include "core/OSTUserDefaultsManager.h"
@@ -13,6 +14,9 @@
 #include "events/OSTTrackingParameters.h"
 #include "network/OSTRequestManager.h"
 #include "platform/OSTApplication.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <algorithm>
 
@@ -57,6 +61,19 @@ QVariantMap acceptedHostParameters(const QString &eventName, const QVariantMap &
     return accepted;
 }
 
+// The service refuses such a request for what it carries; sending it again unchanged cannot help.
+bool isRefusalStatus(int status)
+{
+    return status >= 400 && status < 500 && status != 401 && status != 408 && status != 429;
+}
+
+// "name" (id) of a stored event, for log lines.
+QString describeStoredEvent(const QByteArray &json)
+{
+    const QJsonObject event = QJsonDocument::fromJson(json).object();
+    return u"\"%1\" (%2)"_s.arg(event.value(u"event_type"_s).toString(), event.value(u"ost_event_id"_s).toString());
+}
+
 } // namespace
 
 OSTEventManager &OSTEventManager::sharedManager()
@@ -83,6 +100,12 @@ OSTEventManager::OSTEventManager()
 
 void OSTEventManager::sendEventWithName(const QString &name, const QVariantMap &parameters)
 {
+    if (OSTJsonWriter::isNestedTooDeep(parameters)) {
+        OSTLogging::logWarning(u"Event \"%1\" nests its parameters deeper than %2 levels, more than the service "
+                               u"reads; it was not recorded."_s,
+                               name, OSTJsonWriter::maximumDepth);
+        return;
+    }
     sendEvent(std::make_shared<const OSTEvent>(name, acceptedHostParameters(name, parameters)));
 }
 
@@ -108,6 +131,12 @@ std::optional<OSTEventManager::Intake> OSTEventManager::prepareIntake(const std:
     std::optional<QByteArray> json = OSTJsonWriter::serialized(parameters);
     if (!json) {
         OSTLogging::logError(u"Event \"%1\" holds values JSON cannot carry; it was not recorded."_s, event->name());
+        return std::nullopt;
+    }
+    if (!OSTEventRequestBuilder::fitsOneRequest(*json)) {
+        OSTLogging::logWarning(u"Event \"%1\" is %2 bytes of JSON, more than one request carries (%3 bytes); it was "
+                               u"not recorded."_s,
+                               event->name(), json->size(), OSTEventRequestBuilder::maximumBytesPerRequest);
         return std::nullopt;
     }
     const bool internal = dynamic_cast<const OSTInternalEvent *>(event.get()) != nullptr;
@@ -193,7 +222,7 @@ void OSTEventManager::takeIn(const std::vector<Intake> &batch)
 
 void OSTEventManager::enforceStorageLimit()
 {
-    const size_t stored = m_pending.size() + m_inFlightCount;
+    const size_t stored = waitingEventCount() + m_inFlightCount;
     if (stored <= static_cast<size_t>(maximumStoredEvents))
         return;
     size_t excess = stored - maximumStoredEvents;
@@ -229,20 +258,31 @@ void OSTEventManager::flushOnQueue(FlushKind kind)
 {
     // Reported here, once per flush, rather than once per dropped event.
     reportDroppedEvents();
-    if (m_pending.empty()) {
+    retryHeldBackEvents();
+    if (m_pending.empty() && m_refusedParts.empty()) {
         stopFlushTimer();
         return;
     }
     const bool waitingForRetry = OSTClock::current().monotonicNow() < m_retryAt;
     if (m_batchInFlight || (kind == FlushKind::Scheduled && waitingForRetry))
         return;
-    OSTLogging::logInfo(u"Flushing %1 events."_s, m_pending.size());
+    OSTLogging::logInfo(u"Flushing %1 events."_s, waitingEventCount());
     sendNextBatch();
 }
 
 void OSTEventManager::sendNextBatch()
 {
-    if (m_pending.empty() || !m_enabled)
+    if (!m_enabled)
+        return;
+    if (!m_refusedParts.empty()) {
+        std::deque<Record> part = std::move(m_refusedParts.front());
+        m_refusedParts.pop_front();
+        QByteArray parameters = OSTEventRequestBuilder::batchParameters(part, part.size(), sdkToken());
+        sendRecords({std::make_move_iterator(part.begin()), std::make_move_iterator(part.end())},
+                    std::move(parameters), true);
+        return;
+    }
+    if (m_pending.empty())
         return;
     const size_t count = OSTEventRequestBuilder::batchSize(m_pending);
     QByteArray parameters = OSTEventRequestBuilder::batchParameters(m_pending, count, sdkToken());
@@ -260,14 +300,24 @@ void OSTEventManager::sendRecords(std::vector<Record> records, QByteArray parame
     OSTRequestManager::sharedManager().apiStringRequestWithSerializedParameters(
         u"event"_s, parameters,
         [this, carried, isBatch](const std::optional<QString> &answer, const std::optional<OSTError> &error) {
-            const bool succeeded = !error && answer && *answer == u"OK"_s;
-            m_serialQueue.async([this, carried, isBatch, succeeded] {
-                requestDidComplete(*carried, isBatch, succeeded);
+            const Delivery delivery = deliveryOf(answer, error);
+            m_serialQueue.async([this, carried, isBatch, delivery] {
+                requestDidComplete(*carried, isBatch, delivery);
             });
         });
 }
 
-void OSTEventManager::requestDidComplete(const std::vector<Record> &records, bool isBatch, bool succeeded)
+OSTEventManager::Delivery OSTEventManager::deliveryOf(const std::optional<QString> &answer,
+                                                      const std::optional<OSTError> &error)
+{
+    if (!error && answer && *answer == u"OK"_s)
+        return {Delivery::Result::Delivered};
+    if (error && error->domain == NSURLErrorDomain && isRefusalStatus(error->code))
+        return {Delivery::Result::Refused, error->code};
+    return {Delivery::Result::Failed};
+}
+
+void OSTEventManager::requestDidComplete(const std::vector<Record> &records, bool isBatch, Delivery delivery)
 {
     m_inFlightCount -= records.size();
     if (isBatch)
@@ -276,7 +326,13 @@ void OSTEventManager::requestDidComplete(const std::vector<Record> &records, boo
         m_journal.remove(storedIdsOf(records));
         return;
     }
-    if (!succeeded) {
+    if (delivery.result == Delivery::Result::Refused) {
+        setAsideRefused(records, delivery.status);
+        if (isBatch)
+            sendNextBatch();
+        return;
+    }
+    if (delivery.result == Delivery::Result::Failed) {
         requeue(records);
         scheduleRetry();
         return;
@@ -297,6 +353,54 @@ void OSTEventManager::requeue(const std::vector<Record> &records)
     std::stable_sort(m_pending.begin(), m_pending.end(),
                      [](const Record &left, const Record &right) { return left.id < right.id; });
     enforceStorageLimit();
+}
+
+void OSTEventManager::setAsideRefused(const std::vector<Record> &records, int status)
+{
+    if (records.size() > 1) {
+        OSTLogging::logInfo(u"The service refused %1 events with HTTP status %2; sending them in two halves."_s,
+                            records.size(), status);
+        const auto middle = records.begin() + static_cast<qsizetype>(records.size() / 2);
+        m_refusedParts.emplace_front(middle, records.end());
+        m_refusedParts.emplace_front(records.begin(), middle);
+        return;
+    }
+    Record record = records.front();
+    if (++record.refusals >= maximumRefusals) {
+        dropRefused(record, status);
+        return;
+    }
+    OSTLogging::logWarning(u"The service refused event %1 with HTTP status %2; it goes again at the next flush."_s,
+                           describeStoredEvent(record.json), status);
+    m_heldBack.push_back(std::move(record));
+    startFlushTimer();
+}
+
+void OSTEventManager::dropRefused(const Record &record, int status)
+{
+    m_journal.remove(storedIdsOf({record}));
+    const QString eventName = QJsonDocument::fromJson(record.json).object().value(u"event_type"_s).toString();
+    OSTLogging::logError(u"The service refused event %1 %2 times (HTTP status %3); it was dropped."_s,
+                         describeStoredEvent(record.json), record.refusals, status);
+    // A refused statistic is not reported again, or a service refusing everything would get an
+    // endless chain of them.
+    if (eventName != OSTStatisticalEvent::eventName)
+        sendEvent(std::make_shared<const OSTStatisticalEvent>(OSTStatisticalEvent::refusedEventEvent(eventName, status)));
+}
+
+void OSTEventManager::retryHeldBackEvents()
+{
+    for (Record &record : m_heldBack)
+        m_refusedParts.push_back({std::move(record)});
+    m_heldBack.clear();
+}
+
+size_t OSTEventManager::waitingEventCount() const
+{
+    size_t count = m_pending.size() + m_heldBack.size();
+    for (const std::deque<Record> &part : m_refusedParts)
+        count += part.size();
+    return count;
 }
 
 void OSTEventManager::scheduleRetry()
@@ -352,6 +456,7 @@ void OSTEventManager::restoreStoredEvents()
     importArchivedRequests();
     for (Record &record : m_journal.loadAll())
         m_pending.push_back(std::move(record));
+    removeCorruptRecords();
     reportJournalProblems();
     if (!m_enabled) {
         discardEverything();
@@ -361,6 +466,23 @@ void OSTEventManager::restoreStoredEvents()
         OSTLogging::logInfo(u"Unarchived %1 events."_s, m_pending.size());
         m_serialQueue.async([this] { startFlushTimer(); });
     }
+}
+
+void OSTEventManager::removeCorruptRecords()
+{
+    std::vector<Record> corrupt;
+    const auto isCorrupt = [](const Record &record) { return !QJsonDocument::fromJson(record.json).isObject(); };
+    for (auto record = m_pending.begin(); record != m_pending.end();) {
+        if (!isCorrupt(*record)) {
+            ++record;
+            continue;
+        }
+        OSTLogging::logError(u"Stored event %1 is not a JSON object and can never be sent; it was removed: %2"_s,
+                             record->id, QString::fromUtf8(record->json.left(80)));
+        corrupt.push_back(std::move(*record));
+        record = m_pending.erase(record);
+    }
+    m_journal.remove(storedIdsOf(corrupt));
 }
 
 void OSTEventManager::importArchivedRequests()
@@ -388,6 +510,8 @@ void OSTEventManager::reportJournalProblems()
 void OSTEventManager::discardEverything()
 {
     m_pending.clear();
+    m_refusedParts.clear();
+    m_heldBack.clear();
     m_journal.removeAll();
     stopFlushTimer();
     OSTClock::current().cancel(m_retryTimer);
@@ -406,15 +530,15 @@ void OSTEventManager::processLaunchResponse(const std::optional<QVariantMap> &re
 {
     if (!response)
         return;
+    // A boolean reading as for any text or number the service sends ("1", "true", 1, true).
     const QVariant qa = response->value(u"is_qa"_s);
-    m_isQA = (qa.typeId() == QMetaType::Bool || qa.typeId() == QMetaType::Double || qa.typeId() == QMetaType::LongLong)
-        && qa.toBool();
+    m_isQA = qa.typeId() == QMetaType::QString ? ost_boolValue(qa.toString()) : ost_isNumber(qa) && qa.toBool();
 }
 
 size_t OSTEventManager::pendingEventCount() const
 {
     size_t count = 0;
-    m_serialQueue.sync([&] { count = m_pending.size(); });
+    m_serialQueue.sync([&] { count = waitingEventCount(); });
     return count;
 }
 
@@ -438,7 +562,7 @@ void OSTEventManager::willEnterForeground()
 {
     m_inBackground = false;
     m_serialQueue.async([this] {
-        if (!m_pending.empty())
+        if (waitingEventCount() > 0)
             startFlushTimer();
     });
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ostrel/OSTError.h>
+
 #include "events/OSTEvent.h"
 #include "events/OSTEventJournal.h"
 #include "events/OSTEventRetryPolicy.h"
@@ -32,6 +34,13 @@ class OSTInternalEvent;
 // holds. At most 10,000 events are kept; beyond that the oldest non-internal ones are dropped
 // with a warning. After a failed send the next attempt waits (OSTEventRetryPolicy).
 //
+// One bad event must not hold the others back. An event that no request could carry (larger
+// than a request, or nested deeper than OSTJsonWriter::maximumDepth) is refused at intake with a
+// warning. A request the service refuses outright (a 4xx other than 401, 408 and 429) is split
+// in halves that go at once, so everything deliverable is delivered; an event refused on its own
+// is tried again alone at the next flushes and dropped after maximumRefusals, with an error line
+// and an "event_refused" statistic. A journal row that is not a JSON object is removed at start.
+//
 // Lives for the whole process. sendEvent() may be called from any thread; concurrent callers
 // share one journal transaction. All queue state lives on the serial queue
 // "com.ostrelhq.eventManagerQueue", where sends and their completions run.
@@ -40,6 +49,7 @@ public:
     static constexpr int maximumStoredEvents = 10000;
     static constexpr double flushInterval = 60.0;
     static constexpr double requestTimeout = 5.0;
+    static constexpr int maximumRefusals = 3;
     static inline const QString archivedRequestsKey = QStringLiteral("OSTArchivedFlushRequestParametersKey");
     static inline const QString eventsEnabledKey = QStringLiteral("OSTEventsEnabledKey");
 
@@ -83,6 +93,14 @@ private:
         std::shared_ptr<const OSTEvent> event;
     };
 
+    // How the service dealt with a request.
+    struct Delivery {
+        enum class Result { Delivered, Refused, Failed };
+        Result result = Result::Failed;
+        int status = 0;
+    };
+    static Delivery deliveryOf(const std::optional<QString> &answer, const std::optional<OSTError> &error);
+
     OSTEventManager();
 
     // --- Intake (any thread) ---
@@ -98,8 +116,13 @@ private:
     void flushOnQueue(FlushKind kind);
     void sendNextBatch();
     void sendRecords(std::vector<Record> records, QByteArray parameters, bool isBatch);
-    void requestDidComplete(const std::vector<Record> &records, bool isBatch, bool succeeded);
+    void requestDidComplete(const std::vector<Record> &records, bool isBatch, Delivery delivery);
     void requeue(const std::vector<Record> &records);
+    void setAsideRefused(const std::vector<Record> &records, int status);
+    void dropRefused(const Record &record, int status);
+    void retryHeldBackEvents();
+    size_t waitingEventCount() const;
+    void removeCorruptRecords();
     void scheduleRetry();
     void confirmSessionStartIfCarried(const std::vector<Record> &records);
     void startFlushTimer();
@@ -130,6 +153,10 @@ private:
 
     // Serial-queue state.
     std::deque<Record> m_pending;
+    // Parts of refused requests, sent one by one before anything in m_pending.
+    std::deque<std::deque<Record>> m_refusedParts;
+    // Events refused on their own; each goes alone again at the next flush.
+    std::vector<Record> m_heldBack;
     size_t m_inFlightCount = 0;
     size_t m_droppedSinceReport = 0;
     bool m_batchInFlight = false;

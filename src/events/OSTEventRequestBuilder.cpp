@@ -2,6 +2,11 @@
 
 #include "core/OSTJsonWriter.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
 namespace ostrel {
 
 namespace {
@@ -44,18 +49,20 @@ QByteArray OSTEventRequestBuilder::batchParameters(const std::deque<OSTEventJour
     return out;
 }
 
+bool OSTEventRequestBuilder::fitsOneRequest(const QByteArray &eventJSON)
+{
+    return batchFrame + eventJSON.size() + 1 <= maximumBytesPerRequest;
+}
+
 QByteArray OSTEventRequestBuilder::singleParameters(const QByteArray &eventJSON, const std::optional<QString> &token)
 {
-    // The stored text is always an object; a token goes in before its closing brace.
-    QByteArray out = eventJSON.chopped(1);
-    if (token && out.size() > 1) {
-        appendToken(out, token);
-    } else if (token) {
-        out.append("\"token\":");
-        OSTJsonWriter::appendString(out, *token);
-    }
-    out.append('}');
-    return out;
+    if (!token)
+        return eventJSON;
+    // The event may hold a "token" of its own (the device fingerprint carries one): it is
+    // replaced, not repeated. Single requests carry small internal events, so parsing is cheap.
+    QJsonObject event = QJsonDocument::fromJson(eventJSON).object();
+    event.insert(u"token"_s, *token);
+    return QJsonDocument(event).toJson(QJsonDocument::Compact);
 }
 
 void OSTEventRequestBuilder::appendToken(QByteArray &out, const std::optional<QString> &token)

@@ -26,7 +26,9 @@ public:
     // The batch of the first `count` records of `pending`.
     static QByteArray batchParameters(const std::deque<OSTEventJournal::Record> &pending, size_t count,
                                       const std::optional<QString> &token);
-    // One event's parameters with "token" added.
+    // Whether an event's JSON fits a request of its own.
+    static bool fitsOneRequest(const QByteArray &eventJSON);
+    // One event's parameters with "token" set (replacing one the event holds).
     static QByteArray singleParameters(const QByteArray &eventJSON, const std::optional<QString> &token);
 
 private:

@@ -15,10 +15,11 @@ namespace ostrel {
 class OSTEventSources {
 public:
     // An attribution as events report it.
+    // A field the record does not hold is left out of the events.
     struct Attribution {
-        QString sourceName;
-        QString targetingID;
-        QString targetingName;
+        std::optional<QString> sourceName;
+        std::optional<QString> targetingID;
+        std::optional<QString> targetingName;
     };
 
     struct Sources {

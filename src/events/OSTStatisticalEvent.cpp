@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace ostrel {
 
 OSTStatisticalEvent::OSTStatisticalEvent(const QVariantMap &parameters)
-    : OSTEvent(u"$$OST Timing"_s, markedAutomatic(parameters))
+    : OSTEvent(eventName, markedAutomatic(parameters))
 {
 }
 
@@ -27,14 +27,14 @@ OSTStatisticalEvent OSTStatisticalEvent::launchEvent(double timing, int type)
 OSTStatisticalEvent OSTStatisticalEvent::imageDownloadEvent(const QUrl &url, double timing, int type)
 {
     return OSTStatisticalEvent({{u"event"_s, u"image_download"_s},
-                                {u"image_url"_s, url.toString()},
+                                {u"image_url"_s, url.toString(QUrl::FullyEncoded)},
                                 {u"timing"_s, timing},
                                 {u"type"_s, stringForEventType(type)}});
 }
 
 OSTStatisticalEvent OSTStatisticalEvent::internalServerErrorEvent(const QUrl &url)
 {
-    return OSTStatisticalEvent({{u"event"_s, u"internal_server_error"_s}, {u"url"_s, url.toString()}});
+    return OSTStatisticalEvent({{u"event"_s, u"internal_server_error"_s}, {u"url"_s, url.toString(QUrl::FullyEncoded)}});
 }
 
 OSTStatisticalEvent OSTStatisticalEvent::screenLoadEvent(double timing, int type, Loading loading)
@@ -43,6 +43,14 @@ OSTStatisticalEvent OSTStatisticalEvent::screenLoadEvent(double timing, int type
                                 {u"fully_loaded"_s, loading == Loading::Full},
                                 {u"timing"_s, timing},
                                 {u"type"_s, stringForEventType(type)}});
+}
+
+OSTStatisticalEvent OSTStatisticalEvent::refusedEventEvent(const QString &refusedName, int status)
+{
+    return OSTStatisticalEvent({{u"event"_s, u"event_refused"_s},
+                                {u"event_name"_s, refusedName},
+                                {u"status"_s, status},
+                                {u"type"_s, stringForEventType(Failure)}});
 }
 
 OSTStatisticalEvent OSTStatisticalEvent::sessionStartEvent(double timing)

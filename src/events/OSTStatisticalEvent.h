@@ -12,6 +12,7 @@ class OSTStatisticalEvent : public OSTEvent {
 public:
     // How a timed operation ended; the numbers are part of the wire contract.
     enum TimingType { Failure = 1, Success = 2, Timeout = 3 };
+    static inline const QString eventName = QStringLiteral("$$OST Timing");
 
     explicit OSTStatisticalEvent(const QVariantMap &parameters);
 
@@ -23,6 +24,8 @@ public:
     static OSTStatisticalEvent internalServerErrorEvent(const QUrl &url);
     enum class Loading { Partial, Full };
     static OSTStatisticalEvent screenLoadEvent(double timing, int type, Loading loading);
+    // An event the service kept refusing, dropped after its last try.
+    static OSTStatisticalEvent refusedEventEvent(const QString &refusedName, int status);
     // The time from sending the first session start to the service's "OK" for it.
     static OSTStatisticalEvent sessionStartEvent(double timing);
 };

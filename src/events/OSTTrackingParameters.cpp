@@ -46,9 +46,13 @@ void insertAttribution(QVariantMap &parameters, const QString &prefix,
 {
     if (!attribution)
         return;
-    parameters.insert(prefix + u"_source"_s, attribution->sourceName);
-    parameters.insert(prefix + u"_targeting_id"_s, attribution->targetingID);
-    parameters.insert(prefix + u"_targeting"_s, attribution->targetingName);
+    const auto insertPresent = [&](const QString &suffix, const std::optional<QString> &value) {
+        if (value)
+            parameters.insert(prefix + suffix, *value);
+    };
+    insertPresent(u"_source"_s, attribution->sourceName);
+    insertPresent(u"_targeting_id"_s, attribution->targetingID);
+    insertPresent(u"_targeting"_s, attribution->targetingName);
 }
 
 void insertReachability(QVariantMap &parameters)

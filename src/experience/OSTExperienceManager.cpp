@@ -1,6 +1,7 @@
 #include "experience/OSTExperienceManager.h"
 
 #include "core/OSTDictionaryHelpers.h"
+#include "core/OSTJsonWriter.h"
 #include "core/OSTLogging.h"
 #include "experience/OSTDelegateDefaults.h"
 #include "experience/OSTFlowManager.h"
@@ -20,6 +21,15 @@ void complete(const OSTExperienceManager::Completion &completion, bool success)
 {
     if (completion)
         completion(success);
+}
+
+// `value` as the inside of a JSON string: a quote or a backslash in a user's name must show as
+// itself, not end the string it lands in and break the screen.
+QString asJSONStringContent(const QString &value)
+{
+    QByteArray quoted;
+    OSTJsonWriter::appendString(quoted, value);
+    return QString::fromUtf8(quoted.sliced(1, quoted.size() - 2));
 }
 
 } // namespace
@@ -204,12 +214,16 @@ bool OSTExperienceManager::openURLWithString(const QString &text)
 
 bool OSTExperienceManager::usesViewControllerBasedStatusBarAppearance()
 {
-    static const bool uses = [] {
-        const QVariant value =
-            OSTBundle::mainBundle()->objectForInfoDictionaryKey(u"UIViewControllerBasedStatusBarAppearance"_s);
-        return ost_isNumber(value) ? value.toDouble() != 0.0 : true;
-    }();
+    static const bool uses = readViewControllerBasedStatusBarAppearance();
     return uses;
+}
+
+bool OSTExperienceManager::readViewControllerBasedStatusBarAppearance()
+{
+    // A number of any kind (a JSON boolean among them) counts; anything else means YES.
+    const QVariant value =
+        OSTBundle::mainBundle()->objectForInfoDictionaryKey(u"UIViewControllerBasedStatusBarAppearance"_s);
+    return ost_isNumber(value) ? value.toDouble() != 0.0 : true;
 }
 
 // --- Dynamic variables -------------------------------------------------------------------------------
@@ -234,7 +248,7 @@ QString OSTExperienceManager::replaceDynamicVariables(const QString &text) const
 {
     QString replaced = text;
     for (auto variable = m_dynamicVariables.cbegin(); variable != m_dynamicVariables.cend(); ++variable)
-        replaced.replace(u'{' + variable.key() + u'}', variable.value());
+        replaced.replace(u'{' + variable.key() + u'}', asJSONStringContent(variable.value()));
     return replaced;
 }
 

@@ -82,6 +82,8 @@ public:
     // The main bundle's "UIViewControllerBasedStatusBarAppearance"; true unless it is a boolean
     // or number that says otherwise. Read once.
     static bool usesViewControllerBasedStatusBarAppearance();
+    // The same reading of the main bundle, done again at every call.
+    static bool readViewControllerBasedStatusBarAppearance();
 
     // --- Dynamic variables ---------------------------------------------------------------------
     // String values are added, replacing earlier ones; other values are ignored.
@@ -89,8 +91,9 @@ public:
     // Each name becomes "prefix.name".
     void appendDynamicVariables(const QVariantMap &variables, const QString &prefix);
     void cleanDynamicVariables() { m_dynamicVariables.clear(); }
-    // Replaces "{name}" with each variable's value, one variable after the other in name order;
-    // a value is inserted as it is, so a reference it holds is replaced only by a later variable.
+    // Replaces "{name}" in a screen's JSON text with each variable's value, one variable after the
+    // other in name order; a value is escaped for the JSON string it lands in and otherwise
+    // inserted as it is, so a reference it holds is replaced only by a later variable.
     QString replaceDynamicVariables(const QString &text) const;
     const QMap<QString, QString> &dynamicVariables() const { return m_dynamicVariables; }
 

@@ -61,7 +61,7 @@ OSTUser userOfVersion2(const QVariantMap &data)
     if (const auto abTests = ost_arrayForKey(data, u"ost_ab_test"_s)) {
         QList<OSTUserABNTest> tests;
         for (const QVariant &entry : *abTests) {
-            if (auto test = OSTUserABNTest::fromProperties(entry.toMap()))
+            if (auto test = OSTUserABNTest::fromProperties(entry))
                 tests.append(*test);
         }
         user.setActiveABNTests(tests);

@@ -14,6 +14,7 @@
 #include "network/OSTRequestManager.h"
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
+#include "platform/OSTMainQueue.h"
 #include "platform/OSTURLOpener.h"
 #include "presentation/OSTRootPresenter.h"
 #include "core/OSTDateFormatter.h"
@@ -24,6 +25,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 
+#include <atomic>
 #include <mutex>
 
 using namespace Qt::StringLiterals;
@@ -31,6 +33,8 @@ using namespace Qt::StringLiterals;
 namespace ostrel {
 
 namespace {
+
+std::atomic<bool> managersConnected = false;
 
 OSTStatisticalEvent::TimingType timingTypeFor(OSTNetworkStatistics::Outcome outcome)
 {
@@ -55,7 +59,7 @@ Q_COREAPP_STARTUP_FUNCTION(migrateAtApplicationStart)
 
 } // namespace
 
-void OSTStartup::prepareProcess()
+bool OSTStartup::prepareProcess()
 {
     static std::once_flag once;
     std::call_once(once, [] {
@@ -63,8 +67,24 @@ void OSTStartup::prepareProcess()
         connectNetworkStatistics();
         // Managers own threads and timers, which need the application object: a host that
         // starts the SDK before making it gets them from its constructor.
-        qAddPreRoutine(&OSTStartup::connectManagers);
+        if (!QCoreApplication::instance())
+            qAddPreRoutine(&OSTStartup::connectManagersOnce);
     });
+    if (managersConnected.load(std::memory_order_acquire))
+        return true;
+    if (!QCoreApplication::instance())
+        return false;
+    // Outside the once-lock above, so a GUI thread arriving meanwhile does the work instead of
+    // waiting for a caller that waits for it.
+    OSTMainQueue::sync(&OSTStartup::connectManagersOnce);
+    return managersConnected.load(std::memory_order_acquire);
+}
+
+void OSTStartup::connectManagersOnce()
+{
+    static std::once_flag once;
+    std::call_once(once, &OSTStartup::connectManagers);
+    managersConnected.store(true, std::memory_order_release);
 }
 
 void OSTStartup::connectManagers()
@@ -172,9 +192,7 @@ void OSTStartup::connectAttributionToEvents()
     const auto forEvents = [](const std::optional<OSTAttribution> &record) -> std::optional<OSTEventSources::Attribution> {
         if (!record)
             return std::nullopt;
-        return OSTEventSources::Attribution{record->sourceName.value_or(QString()),
-                                            record->targetingID.value_or(QString()),
-                                            record->targetingName.value_or(QString())};
+        return OSTEventSources::Attribution{record->sourceName, record->targetingID, record->targetingName};
     };
     OSTAttributionManager &attribution = OSTAttributionManager::sharedManager();
     OSTEventSources::Sources sources = OSTEventSources::current();

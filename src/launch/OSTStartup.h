@@ -13,9 +13,11 @@ class OSTStartup {
 public:
     OSTStartup() = delete;
 
-    // Runs once per process; later calls return at once. Call from the GUI thread (the managers
-    // made here belong to it).
-    static void prepareProcess();
+    // Runs once per process; later calls return at once. Any thread may call it: the managers are
+    // made on the GUI thread (a caller on another thread waits for them), after the migration.
+    // Returns whether they exist: not before the application object does, whose names place the
+    // stores; they are then made from its constructor.
+    static bool prepareProcess();
 
     // Turns the network's statistics into statistical events on the event hook. Part of
     // prepareProcess(); also for code that records events without starting the SDK.
@@ -24,6 +26,7 @@ public:
 private:
     static void reportBundleProblems();
     static void connectManagers();
+    static void connectManagersOnce();
     static void connectEventManager();
     static void connectExperienceManager();
     static void connectUserToExperience();

@@ -12,6 +12,21 @@
 
 namespace ostrel {
 
+namespace {
+
+// The managers exist once the application object does, whose names place the stores the
+// managers read; a call before then is ignored rather than reading the wrong stores.
+bool managersReady(const char *call)
+{
+    if (OSTStartup::prepareProcess())
+        return true;
+    OSTLogging::logWarning(QStringLiteral("Ostrel::%1 was called before the application object exists; it is ignored."),
+                           QString::fromLatin1(call));
+    return false;
+}
+
+} // namespace
+
 const double OstrelVersionNumber = 1.0;
 const unsigned char OstrelVersionString[] = "@(#)PROGRAM:Ostrel  PROJECT:Ostrel-1\n";
 
@@ -58,23 +73,25 @@ void Ostrel::executeAfterLaunch(std::function<void(bool success)> block)
 
 void Ostrel::trackEventWithName(const QString &name, const QVariantMap &parameters)
 {
-    OSTStartup::prepareProcess();
-    OSTEventManager::sharedManager().sendEventWithName(name, parameters);
+    if (managersReady("trackEventWithName"))
+        OSTEventManager::sharedManager().sendEventWithName(name, parameters);
 }
 
 void Ostrel::setEventsEnabled(bool enabled)
 {
-    OSTEventManager::sharedManager().setEventsEnabled(enabled);
+    if (managersReady("setEventsEnabled"))
+        OSTEventManager::sharedManager().setEventsEnabled(enabled);
 }
 
 bool Ostrel::eventsEnabled()
 {
-    return OSTEventManager::sharedManager().eventsEnabled();
+    return managersReady("eventsEnabled") && OSTEventManager::sharedManager().eventsEnabled();
 }
 
 void Ostrel::flushEvents()
 {
-    OSTEventManager::sharedManager().flush(OSTEventManager::FlushKind::Immediate);
+    if (managersReady("flushEvents"))
+        OSTEventManager::sharedManager().flush(OSTEventManager::FlushKind::Immediate);
 }
 
 void Ostrel::setExperienceDelegate(const std::shared_ptr<OSTExperienceDelegate> &delegate)
@@ -130,91 +147,116 @@ void Ostrel::loadExperienceType(int type, std::function<void(QWidget *experience
 
 bool Ostrel::continueUserActivity(const QUrl &webpageURL, const QString &activityType)
 {
-    OSTStartup::prepareProcess();
-    return OSTAttributionManager::sharedManager().continueUserActivity(activityType, webpageURL);
+    return managersReady("continueUserActivity")
+        && OSTAttributionManager::sharedManager().continueUserActivity(activityType, webpageURL);
 }
+
+namespace {
+
+// An ignored early call still answers, so that a host waiting for the answer is not left waiting.
+template <typename Answer>
+void answerNothing(const std::function<void(const std::optional<Answer> &)> &completion)
+{
+    if (completion)
+        completion(std::nullopt);
+}
+
+} // namespace
 
 void Ostrel::getLinkForTargeting(const QString &targeting, const std::optional<QVariantMap> &parameters,
                                  std::function<void(const std::optional<QString> &link)> completion)
 {
-    OSTStartup::prepareProcess();
-    OSTAttributionManager::sharedManager().getLinkForTargeting(targeting, parameters, std::move(completion));
+    if (managersReady("getLinkForTargeting"))
+        OSTAttributionManager::sharedManager().getLinkForTargeting(targeting, parameters, std::move(completion));
+    else
+        answerNothing(completion);
 }
 
 void Ostrel::getInstallAttributionWithCompletion(
     std::function<void(const std::optional<OSTAttribution> &attribution)> completion)
 {
-    OSTStartup::prepareProcess();
-    OSTAttributionManager::sharedManager().getInstallAttributionWithCompletion(std::move(completion));
+    if (managersReady("getInstallAttributionWithCompletion"))
+        OSTAttributionManager::sharedManager().getInstallAttributionWithCompletion(std::move(completion));
+    else
+        answerNothing(completion);
 }
 
 void Ostrel::getLatestAttributionWithCompletion(
     std::function<void(const std::optional<OSTAttribution> &attribution)> completion)
 {
-    OSTStartup::prepareProcess();
-    OSTAttributionManager::sharedManager().getLatestAttributionWithCompletion(std::move(completion));
+    if (managersReady("getLatestAttributionWithCompletion"))
+        OSTAttributionManager::sharedManager().getLatestAttributionWithCompletion(std::move(completion));
+    else
+        answerNothing(completion);
 }
 
 bool Ostrel::shouldUseIDFA()
 {
-    return OSTAttributionManager::sharedManager().shouldUseIDFA();
+    return managersReady("shouldUseIDFA") && OSTAttributionManager::sharedManager().shouldUseIDFA();
 }
 
 void Ostrel::setShouldUseIDFA(bool shouldUseIDFA)
 {
-    OSTAttributionManager::sharedManager().setShouldUseIDFA(shouldUseIDFA);
+    if (managersReady("setShouldUseIDFA"))
+        OSTAttributionManager::sharedManager().setShouldUseIDFA(shouldUseIDFA);
 }
 
 namespace {
 
-// The user calls start the SDK's managers first, so that the user they meet is the stored one,
-// carried over from an older version where needed.
-OSTUserManager &userManager()
+// The user calls meet the stored user, carried over from an older version where needed.
+void withUserManager(const char *call, const std::function<void(OSTUserManager &)> &work)
 {
-    OSTStartup::prepareProcess();
-    return OSTUserManager::sharedManager();
+    if (managersReady(call))
+        work(OSTUserManager::sharedManager());
 }
 
 } // namespace
 
 void Ostrel::setRequiresLogin(bool requiresLogin)
 {
-    userManager().setRequiresLogin(requiresLogin);
+    withUserManager("setRequiresLogin",
+                    [requiresLogin](OSTUserManager &users) { users.setRequiresLogin(requiresLogin); });
 }
 
 OSTUser Ostrel::currentUser()
 {
-    return userManager().currentUser();
+    OSTUser user;
+    withUserManager("currentUser", [&user](OSTUserManager &users) { user = users.currentUser(); });
+    return user;
 }
 
 void Ostrel::signUpUser()
 {
-    userManager().signUpUser();
+    withUserManager("signUpUser", [](OSTUserManager &users) { users.signUpUser(); });
 }
 
 void Ostrel::signUpUserWithID(const QString &userID)
 {
-    userManager().signUpUserWithID(userID);
+    withUserManager("signUpUserWithID",
+                    [&userID](OSTUserManager &users) { users.signUpUserWithID(userID); });
 }
 
 void Ostrel::logInUser()
 {
-    userManager().logInUser();
+    withUserManager("logInUser", [](OSTUserManager &users) { users.logInUser(); });
 }
 
 void Ostrel::logInUserWithID(const QString &userID)
 {
-    userManager().logInUserWithID(userID);
+    withUserManager("logInUserWithID",
+                    [&userID](OSTUserManager &users) { users.logInUserWithID(userID); });
 }
 
 void Ostrel::logOutUser()
 {
-    userManager().logOutUser();
+    withUserManager("logOutUser", [](OSTUserManager &users) { users.logOutUser(); });
 }
 
 void Ostrel::appendUserProperties(const QVariantMap &properties)
 {
-    userManager().appendUserProperties(properties, OSTUserManager::Delivery::Send);
+    withUserManager("appendUserProperties", [&properties](OSTUserManager &users) {
+        users.appendUserProperties(properties, OSTUserManager::Delivery::Send);
+    });
 }
 
 void Ostrel::setLoggingLevel(unsigned level)

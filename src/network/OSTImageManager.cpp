@@ -62,13 +62,16 @@ void OSTImageManager::loadImageWithURL(const QUrl &url, Completion completion)
         deliver(completion, QImage());
         return;
     }
-    QImage found = rememberedImage(*m_downloads, name);
+    // The host's own image of the name first, even over a download of it already remembered.
+    QImage found = hostImage(*m_downloads, name);
     if (found.isNull())
-        found = hostImageNamed(name);
-    if (found.isNull())
+        found = rememberedImage(*m_downloads, Origin::Elsewhere, name);
+    if (found.isNull()) {
         found = m_downloads->files.loadImageWithName(name);
+        if (!found.isNull())
+            rememberImage(*m_downloads, Origin::Elsewhere, name, found);
+    }
     if (!found.isNull()) {
-        rememberImage(*m_downloads, name, found);
         deliver(completion, found);
         return;
     }
@@ -180,7 +183,7 @@ void OSTImageManager::finishDownload(Downloads &downloads, const QUrl &url, cons
     // the list, one arriving after it finds the image, and none starts a second download.
     if (!image.isNull()) {
         const QString name = imageNameForURL(url);
-        rememberImage(downloads, name, image);
+        rememberImage(downloads, Origin::Elsewhere, name, image);
         downloads.files.saveImage(image, name);
     }
     std::vector<Completion> waiting;
@@ -196,17 +199,29 @@ void OSTImageManager::finishDownload(Downloads &downloads, const QUrl &url, cons
         deliver(completion, image);
 }
 
-QImage OSTImageManager::rememberedImage(Downloads &downloads, const QString &name)
+QImage OSTImageManager::rememberedImage(Downloads &downloads, Origin origin, const QString &name)
 {
     QMutexLocker locker(&downloads.lock);
-    const QImage *image = downloads.decoded.object(name);
+    const QImage *image = (origin == Origin::Host ? downloads.decodedHostImages : downloads.decoded).object(name);
     return image ? *image : QImage();
 }
 
-void OSTImageManager::rememberImage(Downloads &downloads, const QString &name, const QImage &image)
+void OSTImageManager::rememberImage(Downloads &downloads, Origin origin, const QString &name, const QImage &image)
 {
     QMutexLocker locker(&downloads.lock);
-    downloads.decoded.insert(name, new QImage(image), std::max<qsizetype>(1, image.sizeInBytes() / 1024));
+    (origin == Origin::Host ? downloads.decodedHostImages : downloads.decoded)
+        .insert(name, new QImage(image), std::max<qsizetype>(1, image.sizeInBytes() / 1024));
+}
+
+QImage OSTImageManager::hostImage(Downloads &downloads, const QString &name)
+{
+    QImage image = rememberedImage(downloads, Origin::Host, name);
+    if (image.isNull()) {
+        image = hostImageNamed(name);
+        if (!image.isNull())
+            rememberImage(downloads, Origin::Host, name, image);
+    }
+    return image;
 }
 
 QImage OSTImageManager::hostImageNamed(const QString &name)

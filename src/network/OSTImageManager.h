@@ -74,10 +74,12 @@ private:
         QMutex lock;
         std::map<QString, Pending> pending;
         quint64 nextSerial = 0;
-        // Images already read from the host's files or the cache folder, or downloaded, by
-        // name: a screen that shows one picture many times reads and decodes it once. Costs
+        // Images already read from the host's files, and those read from the cache folder or
+        // downloaded, by name: a screen that shows one picture many times reads and decodes it
+        // once. Kept apart because the host's image of a name wins over a download of it. Costs
         // are kilobytes.
-        QCache<QString, QImage> decoded{decodedImagesBudgetKB};
+        QCache<QString, QImage> decodedHostImages{decodedImagesBudgetKB / 2};
+        QCache<QString, QImage> decoded{decodedImagesBudgetKB / 2};
     };
 
     static constexpr qsizetype decodedImagesBudgetKB = 32 * 1024;
@@ -87,8 +89,11 @@ private:
     bool isWaitingFor(const QUrl &url) const;
     static void finishDownload(Downloads &downloads, const QUrl &url, const QImage &image);
     static QImage hostImageNamed(const QString &name);
-    static QImage rememberedImage(Downloads &downloads, const QString &name);
-    static void rememberImage(Downloads &downloads, const QString &name, const QImage &image);
+    enum class Origin { Host, Elsewhere };
+    static QImage rememberedImage(Downloads &downloads, Origin origin, const QString &name);
+    static void rememberImage(Downloads &downloads, Origin origin, const QString &name, const QImage &image);
+    // The host's image of `name`, remembered once read.
+    static QImage hostImage(Downloads &downloads, const QString &name);
     static bool isDownloadable(const QUrl &url);
     static void deliver(const Completion &completion, const QImage &image);
 

@@ -1,6 +1,11 @@
 #include "network/OSTURLSession.h"
 
+#include "platform/OSTMainQueue.h"
+
 #include <QNetworkAccessManager>
+#include <QSslConfiguration>
+
+#include <mutex>
 
 namespace ostrel {
 
@@ -16,7 +21,22 @@ OSTURLSession::OSTURLSession(const QString &queueName, double timeoutInterval)
     m_queue->sync([this] {
         m_manager = new QNetworkAccessManager(m_queue->context());
         m_manager->setAutoDeleteReplies(false);
+        // Qt makes its TLS globals (the backend plugin, the default configuration) on first use:
+        // made here, they come before the registration below rather than during a request that
+        // an exit() may meet.
+        QSslConfiguration::defaultConfiguration();
     });
+    // The first manager brought the network's globals in; the queues must stop before they go.
+    // They are the process's, so once is enough (sessions are made per request, too).
+    static std::once_flag firstManager;
+    std::call_once(firstManager, &OSTMainQueue::shutDownBeforeExitHandlers);
+}
+
+void OSTURLSession::requestStarted()
+{
+    // The first request brings in more of them (name lookup, connections, TLS).
+    static std::once_flag firstRequest;
+    std::call_once(firstRequest, &OSTMainQueue::shutDownBeforeExitHandlers);
 }
 
 OSTURLSession::~OSTURLSession() = default;

@@ -35,6 +35,8 @@ public:
 
     // The manager; only to be used on the delegate queue.
     QNetworkAccessManager *networkAccessManager() const { return m_manager; }
+    // Called as a request goes out.
+    static void requestStarted();
 
 private:
     OSTURLSession(const QString &queueName, double timeoutInterval);

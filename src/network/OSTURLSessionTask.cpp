@@ -55,7 +55,8 @@ void OSTURLSessionTask::cancel()
 void OSTURLSessionTask::start()
 {
     const std::shared_ptr<OSTURLSession> session = m_session.lock();
-    if (!session || m_cancelRequested) {
+    // A session whose queue is stopping (the application is ending) has no manager left.
+    if (!session || m_cancelRequested || !session->networkAccessManager()) {
         complete({url(), std::nullopt, std::nullopt,
                   OSTURLErrorTable::errorWithCode(OSTURLErrorCancelled, u"The request was cancelled."_s)});
         return;
@@ -69,6 +70,7 @@ void OSTURLSessionTask::start()
     QNetworkReply *reply = m_method == Method::Post ? manager->post(m_request, m_body)
                                                     : manager->get(m_request);
     m_reply = reply;
+    OSTURLSession::requestStarted();
     watchReply(reply);
     m_clock = OSTClock::currentShared();
     m_timeoutTimer = m_clock->schedule(session->timeoutInterval(), reply,

@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <cstdlib>
 
 namespace ostrel {
 
@@ -22,6 +23,7 @@ constexpr int queueDrainMilliseconds = 3000;
 void shutDownWithTheApplication()
 {
     qAddPostRoutine(&OSTMainQueue::shutDown);
+    OSTMainQueue::shutDownBeforeExitHandlers();
 }
 
 } // namespace
@@ -62,6 +64,11 @@ void OSTMainQueue::after(double seconds, std::function<void()> work)
         return;
     }
     OSTClock::current().schedule(seconds, application, std::move(work));
+}
+
+void OSTMainQueue::shutDownBeforeExitHandlers()
+{
+    std::atexit(&OSTMainQueue::shutDown);
 }
 
 void OSTMainQueue::shutDown()

@@ -26,6 +26,12 @@ public:
     // application object the process makes): lets waiting sync() calls go and stops the serial
     // queues, so that no SDK thread outlives the application into the process's exit handlers.
     static void shutDown();
+    // Also runs shutDown() from the process's exit handlers, for a host that ends with exit()
+    // while its application object still exists. Exit handlers run in the reverse order of their
+    // registration and Qt makes some of its globals on first use (the network's among them): a
+    // caller that has just brought such globals in registers again, so that the queues stop
+    // before those globals are destroyed. shutDown() run again finds the queues stopped.
+    static void shutDownBeforeExitHandlers();
 };
 
 } // namespace ostrel

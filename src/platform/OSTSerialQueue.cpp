@@ -51,6 +51,14 @@ void runThreadEndHandlers()
         handler();
 }
 
+// Objects made on a queue end on its thread as it stops: a network manager ends its own thread
+// there and aborts its replies, instead of running on into the process's exit handlers.
+void destroyChildren(QObject &context)
+{
+    const QObjectList children = context.children();
+    qDeleteAll(children);
+}
+
 } // namespace
 
 OSTSerialQueue::OSTSerialQueue(const QString &name)
@@ -117,8 +125,10 @@ void OSTSerialQueue::requestStop()
     if (m_lifetime->stopRequested)
         return;
     m_lifetime->stopRequested = true;
-    QMetaObject::invokeMethod(m_context.get(), [thread = m_thread.get()] { thread->quit(); },
-                              Qt::QueuedConnection);
+    QMetaObject::invokeMethod(m_context.get(), [context = m_context.get(), thread = m_thread.get()] {
+        destroyChildren(*context);
+        thread->quit();
+    }, Qt::QueuedConnection);
 }
 
 void OSTSerialQueue::stopAll(QDeadlineTimer deadline)

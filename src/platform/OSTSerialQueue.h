@@ -17,8 +17,9 @@ namespace ostrel {
 // thread stops after that work; the queue must then not be used again, as after any destruction.
 //
 // At the end of the application every queue is stopped (stopAll): it finishes the work already
-// submitted and its thread ends, so that no SDK thread runs while the process's exit handlers
-// tear down the libraries it uses. A stopped queue drops later work, including sync() calls.
+// submitted, destroys the objects made on it (a network manager ends its own thread there) and
+// its thread ends, so that no SDK thread runs while the process's exit handlers tear down the
+// libraries it uses. A stopped queue drops later work, including sync() calls.
 class OSTSerialQueue {
 public:
     explicit OSTSerialQueue(const QString &name);

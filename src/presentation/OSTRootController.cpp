@@ -1,8 +1,8 @@
 #include "presentation/OSTRootController.h"
 
 #include "core/OSTLogging.h"
+#include "experience/OSTExperienceManager.h"
 #include "platform/OSTApplication.h"
-#include "platform/OSTBundle.h"
 #include "platform/OSTDeviceScreen.h"
 #include "platform/OSTNotificationCenter.h"
 #include "platform/ui/OSTFadingPicture.h"
@@ -26,8 +26,6 @@ namespace ostrel {
 
 namespace {
 
-const QString controllerBasedStatusBarKey = QStringLiteral("UIViewControllerBasedStatusBarAppearance");
-
 // False while the application is starting; set by the first did-become-active after the SDK was
 // loaded. The observer is registered when the library is loaded, so no activation is missed.
 std::atomic<bool> applicationBecameActive{false};
@@ -45,12 +43,6 @@ struct FirstActivationObserver {
 };
 
 const FirstActivationObserver firstActivationObserver;
-
-bool usesControllerBasedStatusBar()
-{
-    const QVariant value = OSTBundle::mainBundle()->objectForInfoDictionaryKey(controllerBasedStatusBarKey);
-    return value.typeId() == QMetaType::Bool ? value.toBool() : true;
-}
 
 QGraphicsOpacityEffect *fadeEffect(QWidget *view, double opacity)
 {
@@ -73,6 +65,17 @@ void callCompletion(const OSTRootController::Completion &completion, bool succes
 {
     if (completion)
         completion(success);
+}
+
+// Experiences are drawn with Qt Widgets, which abort a process without a QApplication. A Qt Quick
+// host (a QGuiApplication) is told NO instead, until experiences can be drawn there too.
+bool canDrawWidgets()
+{
+    if (qobject_cast<QApplication *>(QCoreApplication::instance()))
+        return true;
+    OSTLogging::logWarning(QStringLiteral("Experiences are drawn with Qt Widgets, which need a QApplication; this "
+                                          "application has none, so the experience is not shown."));
+    return false;
 }
 
 } // namespace
@@ -143,6 +146,10 @@ OSTStatusBarStyle OSTRootController::preferredStatusBarStyle() const
 
 void OSTRootController::load(Completion completion)
 {
+    if (!canDrawWidgets()) {
+        callCompletion(completion, false);
+        return;
+    }
     waitForLaunch([this, completion = std::move(completion)](bool started) {
         if (!started) {
             callCompletion(completion, false);
@@ -227,6 +234,10 @@ void OSTRootController::present(Completion completion)
     }
     if (m_state != State::Idle) {
         OSTLogging::logWarning(QStringLiteral("The experience is already presented"));
+        callCompletion(completion, false);
+        return;
+    }
+    if (!canDrawWidgets()) {
         callCompletion(completion, false);
         return;
     }
@@ -471,7 +482,7 @@ void OSTRootController::restoreStatusBar(OSTAnimation animation)
 void OSTRootController::applyStatusBarPreferences()
 {
     // Only a controller-based status bar follows what is on screen; otherwise the host owns it.
-    if (m_state != State::Presented || !usesControllerBasedStatusBar())
+    if (m_state != State::Presented || !OSTExperienceManager::readViewControllerBasedStatusBarAppearance())
         return;
     OSTApplicationStatusBar &statusBar = OSTApplicationStatusBar::sharedStatusBar();
     const auto visibility = prefersStatusBarHidden() ? OSTApplicationStatusBar::Visibility::Hidden
@@ -483,8 +494,10 @@ void OSTRootController::applyStatusBarPreferences()
 void OSTRootController::warnWhenLandscape()
 {
     // Called once the view has been placed over the host, so its size is the covered area.
+    // A desktop window wider than tall is common and not a rotated phone: said once per process.
+    static std::atomic<bool> warned{false};
     const QSize area = view()->size();
-    if (area.width() > area.height())
+    if (area.width() > area.height() && !warned.exchange(true))
         OSTLogging::logWarning(
             QStringLiteral("Presenting experience in landscape orientation, which is currently not supported by the SDK."));
 }

@@ -277,7 +277,8 @@ bool OSTAttributionManager::continueUserActivity(const QString &activityType, co
     const bool sessionLaunchWasCancelled = m_services.cancelSessionLaunch && m_services.cancelSessionLaunch();
     QVariantMap parameters = deviceFingerprint();
     parameters.insert(u"advertiser_id"_s, advertisingIdentifierString().value_or(QString()));
-    parameters.insert(u"url"_s, webpageURL.toString());
+    // The address in its encoded form, as it travels (a space is "%20").
+    parameters.insert(u"url"_s, webpageURL.toString(QUrl::FullyEncoded));
     OSTRequestManager::sharedManager().apiRequestWithEndpoint(
         u"universal_link_click"_s, parameters, universalLinkTimeout,
         [this, sessionLaunchWasCancelled](const std::optional<QVariantMap> &response,

@@ -11,13 +11,13 @@ OSTUserABNTest::OSTUserABNTest(const QString &name, const QString &variation)
 {
 }
 
-std::optional<OSTUserABNTest> OSTUserABNTest::fromProperties(const QVariantMap &properties)
+std::optional<OSTUserABNTest> OSTUserABNTest::fromProperties(const QVariant &properties)
 {
-    const auto name = ost_stringForKey(properties, u"test_name"_s);
-    const auto variation = ost_stringForKey(properties, u"variation"_s);
-    if (!name || !variation)
+    if (properties.typeId() != QMetaType::QVariantMap)
         return std::nullopt;
-    return OSTUserABNTest(*name, *variation);
+    const QVariantMap fields = properties.toMap();
+    return OSTUserABNTest(ost_stringForKey(fields, u"test_name"_s).value_or(QString()),
+                          ost_stringForKey(fields, u"variation"_s).value_or(QString()));
 }
 
 } // namespace ostrel

@@ -276,7 +276,7 @@ void OSTUserManager::processLaunchResponse(const std::optional<QVariantMap> &res
         if (abTests) {
             QList<OSTUserABNTest> tests;
             for (const QVariant &entry : *abTests) {
-                if (auto test = OSTUserABNTest::fromProperties(entry.toMap()))
+                if (auto test = OSTUserABNTest::fromProperties(entry))
                     tests.append(*test);
             }
             user.setActiveABNTests(tests);

@@ -21,6 +21,7 @@
 #include <QSignalSpy>
 #include <QSysInfo>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -56,11 +57,12 @@ protected:
 
     QList<test::OSTRecordedRequest> eventRequests() const { return server.recordedRequests(u"event"_s); }
 
-    static QList<int> sequencesOf(const QVariantList &events)
+    template <typename Events>
+    static QList<int> sequencesOf(const Events &events)
     {
         QList<int> sequences;
-        for (const QVariant &event : events)
-            sequences.append(event.toMap().value(u"sequence"_s).toInt());
+        for (const auto &event : events)
+            sequences.append(QVariant(event).toMap().value(u"sequence"_s).toInt());
         return sequences;
     }
 
@@ -78,6 +80,32 @@ protected:
     }
 
     static OSTEventManager &manager() { return OSTEventManager::sharedManager(); }
+
+    // The stored events the host tracked under `name`.
+    QList<QVariantMap> storedEventsNamed(const QString &name)
+    {
+        QList<QVariantMap> named;
+        for (const QVariantMap &event : server.storedEvents()) {
+            if (event.value(u"event_type"_s) == name)
+                named.append(event);
+        }
+        return named;
+    }
+
+    // A host value nested `depth` levels deep, tracked from a thread whose stack is deep enough
+    // for the host to build and free it.
+    static void trackNestedEvent(const QString &name, int depth)
+    {
+        const std::unique_ptr<QThread> host(QThread::create([name, depth] {
+            QVariantMap nested{{u"leaf"_s, true}};
+            for (int level = 1; level < depth; ++level)
+                nested = QVariantMap{{u"nested"_s, nested}};
+            Ostrel::trackEventWithName(name, nested);
+        }));
+        host->setStackSize(1024u * 1024u * 1024u);
+        host->start();
+        host->wait();
+    }
 
     test::ManualClockScope clock;
     test::OSTDevServerProcess server;
@@ -224,18 +252,66 @@ TEST_F(EventQueue, EventsStoredByAnEarlierRunAndTheOldArchiveAreSentAfterAStart)
     {
         OSTEventJournal journal(OSTEventJournal::standardJournalPath());
         std::vector<OSTEventJournal::Record> records{{0, OSTEventJournal::Kind::Queued, R"({"ost_event_id":"J1","sequence":1})"},
+                                                     {0, OSTEventJournal::Kind::Queued, R"({"ost_event_id":"J9","seq)"},
                                                      {0, OSTEventJournal::Kind::Internal, R"({"ost_event_id":"J2","sequence":2})"}};
         ASSERT_TRUE(journal.append(records));
     }
     OSTUserDefaultsManager::sharedManager().setObject(
         QVariantMap{{u"events"_s, QVariantList{QVariantMap{{u"ost_event_id"_s, u"A1"_s}, {u"sequence"_s, 0}}}}},
         OSTEventManager::archivedRequestsKey);
-    start();
+    Ostrel::setLoggingLevel(1);
+    const QString errors = test::captureStandardError([&] { start(); });
+    EXPECT_TRUE(errors.contains(u"Ostrel Error:"_s) && errors.contains(u"J9"_s)) << "the corrupt row is named"
+                                                                                   << errors.toStdString();
     EXPECT_EQ(manager().pendingEventCount(), 3u);
     EXPECT_FALSE(OSTUserDefaultsManager::sharedManager().objectForKey(OSTEventManager::archivedRequestsKey).isValid());
     Ostrel::flushEvents();
     ASSERT_TRUE(test::waitUntil([&] { return server.storedEventCount() == 3; }));
     EXPECT_EQ(sequencesOf(eventRequests().first().parameters.value(u"events"_s).toList()), (QList<int>{1, 2, 0}));
+    EXPECT_TRUE(test::waitUntil([] { return OSTEventJournal(OSTEventJournal::standardJournalPath()).loadAll().empty(); }));
+}
+
+TEST_F(EventQueue, EventsNoRequestCanCarryOrTheServiceRefusesDoNotHoldBackTheOthers)
+{
+    // A service that refuses every request over 64 KB: smaller than the SDK's own limit, so that
+    // the refusals cost little real work (each split sends the large event again).
+    start({u"event:status=413,larger_than=65536"_s});
+    Ostrel::setLoggingLevel(2);
+    const QString intake = test::captureStandardError([&] {
+        Ostrel::trackEventWithName(u"huge"_s, {{u"text"_s, QString(3 * 1024 * 1024, u'x')}});
+        trackNestedEvent(u"deep"_s, 100000);
+        // Fits a request of the SDK's own, but not one of this service.
+        Ostrel::trackEventWithName(u"large"_s, {{u"text"_s, QString(100 * 1024, u'y')}});
+        track(1, 30);
+    });
+    EXPECT_TRUE(intake.contains(u"\"huge\" is "_s) && intake.contains(u"\"deep\" nests"_s)) << intake.toStdString();
+    EXPECT_EQ(manager().pendingEventCount(), 31u) << "huge and deep were refused at intake";
+
+    clock.advance(OSTEventManager::flushInterval);
+    // One flush interval of SDK time; the real-time limit is only a safety net for the requests
+    // the splits send one after the other (slow under the sanitizers on busy cores).
+    ASSERT_TRUE(test::waitUntil([&] { return storedEventsNamed(u"host event"_s).size() == 30; }, 90000))
+        << server.storedEventCount() << " stored, " << manager().pendingEventCount() << " waiting, "
+        << manager().sendingEventCount() << " on the wire";
+    QList<int> expected(30);
+    std::iota(expected.begin(), expected.end(), 1);
+    EXPECT_EQ(sequencesOf(storedEventsNamed(u"host event"_s)), expected);
+
+    // Refused alone at the next flushes too, it is dropped with an error and a statistic.
+    const QString dropped = test::captureStandardError([&] {
+        ASSERT_TRUE(test::waitUntil([&] {
+            if (manager().sendingEventCount() == 0)
+                clock.advance(OSTEventManager::requestTimeout - 1.0);
+            return !storedEventsNamed(u"$$OST Timing"_s).isEmpty();
+        }, 60000));
+    });
+    EXPECT_TRUE(dropped.contains(u"Ostrel Error:"_s) && dropped.contains(u"\"large\""_s)
+                && dropped.contains(u"dropped"_s)) << dropped.toStdString();
+    const QVariantMap statistic = storedEventsNamed(u"$$OST Timing"_s).first();
+    EXPECT_EQ(statistic.value(u"event"_s).toString(), u"event_refused"_s);
+    EXPECT_EQ(statistic.value(u"event_name"_s).toString(), u"large"_s);
+    EXPECT_EQ(statistic.value(u"status"_s).toInt(), 413);
+    EXPECT_TRUE(storedEventsNamed(u"large"_s).isEmpty());
     EXPECT_TRUE(test::waitUntil([] { return OSTEventJournal(OSTEventJournal::standardJournalPath()).loadAll().empty(); }));
 }
 
@@ -311,7 +387,7 @@ TEST_F(EventQueue, TurnedOffNothingIsStoredOrSentButInternalEventsAreStillAnnoun
     track(4, 1);
     Ostrel::flushEvents();
     ASSERT_TRUE(test::waitUntil([&] { return server.storedEventCount() == 1; }));
-    EXPECT_EQ(sequencesOf({server.storedEvents().first()}), (QList<int>{4}));
+    EXPECT_EQ(sequencesOf(QList<QVariantMap>{server.storedEvents().first()}), (QList<int>{4}));
     OSTNotificationCenter::defaultCenter().removeObserver(token);
 }
 
@@ -336,4 +412,13 @@ TEST_F(EventQueue, QAInstallationsMarkTheirEvents)
     ASSERT_TRUE(test::waitUntil([&] { return server.storedEventCount() == 1; }));
     EXPECT_EQ(server.storedEvents().first().value(u"is_qa"_s), QVariant(true));
     EXPECT_TRUE(manager().isQA());
+
+    // The service's value read as a boolean, whatever its JSON type.
+    const std::pair<QVariant, bool> readings[] = {{u"1"_s, true}, {u"true"_s, true}, {u"0"_s, false},
+                                                  {u"no"_s, false}, {1, true}, {0.0, false},
+                                                  {false, false}, {QVariantList{}, false}};
+    for (const auto &[value, qa] : readings) {
+        manager().processLaunchResponse(QVariantMap{{u"is_qa"_s, value}});
+        EXPECT_EQ(manager().isQA(), qa) << value.toString().toStdString();
+    }
 }

@@ -76,6 +76,10 @@ TEST(EventRequests, AssembledRequestsAreValidJSONWithTheEventsInOrderAndTheToken
     EXPECT_EQ(single, QJsonObject({{u"n"_s, 1}, {u"token"_s, u"tok"_s}}));
     EXPECT_EQ(parsed(OSTEventRequestBuilder::singleParameters("{}", u"tok"_s)), QJsonObject({{u"token"_s, u"tok"_s}}));
     EXPECT_EQ(OSTEventRequestBuilder::singleParameters(R"({"n":1})", std::nullopt), R"({"n":1})");
+    // An event that carries a token of its own (from the device fingerprint) names it once.
+    const QByteArray replaced = OSTEventRequestBuilder::singleParameters(R"({"token":"old","n":1})", u"tok"_s);
+    EXPECT_EQ(replaced.count("\"token\""), 1) << replaced.toStdString();
+    EXPECT_EQ(parsed(replaced), QJsonObject({{u"n"_s, 1}, {u"token"_s, u"tok"_s}}));
 }
 
 TEST(EventRetries, WaitsDoubleFromAMinuteToTenMinutesWithinTwentyPercentAndSuccessStartsOver)

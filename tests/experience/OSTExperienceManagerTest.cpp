@@ -203,7 +203,8 @@ TEST_F(ExperienceManagerTest, DynamicVariablesKeepStringsAndReplaceInOrderWithou
     manager.cleanDynamicVariables();
     manager.appendDynamicVariables({{u"a"_s, u"<{b}>"_s}, {u"b"_s, u"B"_s}, {u"c"_s, u"{a}"_s}, {u"q"_s, u"say \"hi\""_s}});
     EXPECT_EQ(manager.replaceDynamicVariables(u"{a} {b} {c} {c}{q} {unknown} {A}"_s),
-              u"<B> B {a} {a}say \"hi\" {unknown} {A}"_s);
+              u"<B> B {a} {a}say \\\"hi\\\" {unknown} {A}"_s)
+        << "values are escaped for the JSON string they land in";
     // A value replaces an earlier one; a self-reference does not loop.
     manager.appendDynamicVariables({{u"b"_s, u"{b}{b}"_s}});
     EXPECT_EQ(manager.replaceDynamicVariables(u"{b}"_s), u"{b}{b}"_s);

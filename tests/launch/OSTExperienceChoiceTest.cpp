@@ -11,6 +11,7 @@
 #include "support/OSTScriptedPresenter.h"
 #include "support/OSTTestSupport.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -124,4 +125,34 @@ TEST(ExperienceVariables, UserPropertiesBecomeScreenVariablesUntilLogOut)
     EXPECT_EQ(experience.replaceDynamicVariables(u"Hi {first_name} ({age})"_s), u"Hi Ada ({age})"_s);
     Ostrel::logOutUser();
     EXPECT_EQ(experience.replaceDynamicVariables(u"Hi {first_name}"_s), u"Hi {first_name}"_s);
+}
+
+TEST(ExperienceHosts, AQGuiApplicationHostGetsNoWithOneWarningAndItsScreenInTheFingerprintWhenEverItStarts)
+{
+    QTemporaryDir bundle;
+    test::OSTDevServerProcess server;
+    server.writeExperience(experienceWithFlows({u"install"_s, u"logged_out"_s}));
+    ASSERT_TRUE(server.start());
+    server.installMainBundle(bundle.path(), {{u"OstrelToken"_s, u"test-token"_s}});
+
+    for (const QString &order : {u"before"_s, u"after"_s}) {
+        QProcess host;
+        host.setProcessChannelMode(QProcess::MergedChannels);
+        host.start(QStringLiteral(OSTREL_CORE_HOST_PATH), {bundle.path(), order, u"present"_s});
+        ASSERT_TRUE(host.waitForFinished(60000)) << order.toStdString();
+        const std::string output = order.toStdString() + ": " + QString::fromLocal8Bit(host.readAll()).toStdString();
+        const QString text = QString::fromStdString(output);
+        EXPECT_EQ(host.exitStatus(), QProcess::NormalExit) << output;
+        EXPECT_EQ(host.exitCode(), 0) << output;
+        EXPECT_TRUE(text.contains(u"presented: no"_s)) << output;
+        EXPECT_EQ(text.count(u"need a QApplication"_s), 1) << output;
+        // The offscreen platform's screen, not the fallback phone read before the application existed.
+        const QVariantMap launch = server.recordedRequests(u"launch_v3"_s).last().parameters;
+        EXPECT_NE(launch.value(u"device_resolution"_s).toString(), u"375x667"_s) << output;
+        if (order == u"before"_s) {
+            EXPECT_TRUE(text.contains(u"continueUserActivity was called before the application object exists"_s))
+                << output;
+            EXPECT_TRUE(text.contains(u"early attribution answered"_s)) << output;
+        }
+    }
 }

@@ -6,7 +6,9 @@
 
 #include "core/OSTFileManager.h"
 #include "core/OSTUserDefaultsManager.h"
+#include "events/OSTEventJournal.h"
 #include "events/OSTEventManager.h"
+#include "experience/OSTExperienceManager.h"
 #include "launch/OSTMigration.h"
 #include "launch/OSTServiceManager.h"
 #include "platform/OSTApplication.h"
@@ -15,13 +17,17 @@
 #include "support/OSTDevServerProcess.h"
 #include "support/OSTTestSupport.h"
 #include "users/OSTUserArchive.h"
+#include "users/OSTUserManager.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 using namespace ostrel;
@@ -208,4 +214,29 @@ TEST(Migration, TheImagesFolderMovesOnlyOverAnUntouchedOne)
     EXPECT_TRUE(QFile::exists(occupied.baseDirectory + u"/images/b.png"_s)) << "newer images are kept";
     EXPECT_TRUE(QFile::exists(occupied.baseDirectory + u"/ost_images/a.png"_s)) << "the failed move is left alone";
     EXPECT_EQ(occupied.sdkDomain().value(u"lastMigratedVersion"_s), u"3.0.0"_s);
+}
+
+TEST(Migration, AFirstCallFromAWorkerThreadMeetsMigratedStoresAndManagersOfTheGuiThread)
+{
+    writeVersion2Domain(OSTDefaultsStore::standardStore(), dataDomain, archived(version2Data()));
+    writeVersion2Domain(OSTDefaultsStore::standardStore(), eventDomain,
+                        archived(QVariantMap{{u"ost_failed_event_queue"_s, QVariantList{failedEvent(u"OLD-1"_s)}}}));
+
+    const std::unique_ptr<QThread> worker(QThread::create([] { Ostrel::setEventsEnabled(true); }));
+    worker->start();
+    ASSERT_TRUE(test::waitUntil([&] { return worker->isFinished(); })) << "the worker waits for the GUI thread";
+
+    const std::vector<OSTEventJournal::Record> stored = OSTEventJournal(OSTEventJournal::standardJournalPath()).loadAll();
+    EXPECT_TRUE(std::any_of(stored.begin(), stored.end(),
+                            [](const OSTEventJournal::Record &record) { return record.json.contains("OLD-1"); }))
+        << "the version-2 event was carried over";
+    OSTUserManager &users = OSTUserManager::sharedManager();
+    EXPECT_EQ(users.thread(), QCoreApplication::instance()->thread());
+    EXPECT_EQ(Ostrel::currentUser().name(), u"Ada"_s);
+
+    OSTExperienceManager &experience = OSTExperienceManager::sharedManager();
+    Ostrel::appendUserProperties({{u"colour"_s, u"teal"_s}});
+    EXPECT_TRUE(test::waitUntil([&] { return experience.dynamicVariables().contains(u"colour"_s); }));
+    Ostrel::logOutUser();
+    EXPECT_TRUE(test::waitUntil([&] { return experience.dynamicVariables().isEmpty(); }));
 }

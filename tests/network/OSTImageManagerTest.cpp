@@ -216,6 +216,13 @@ TEST_F(ServedImageManagerTest, PreloadingLogsAndSkipsWhatIsCachedOrOnItsWay)
     EXPECT_EQ(log.count(u"Failed to preload image: "_s + imageURL(u"absent.png"_s).toString()), 1);
     EXPECT_FALSE(log.contains(u"Failed to preload image: "_s + imageURL(u"hero.png"_s).toString()));
     EXPECT_EQ(imageGETs(), 2) << "the second and the cached preload download nothing";
+
+    // The host's own image of that name wins over the download already in memory.
+    test::writeFile(bundle.filePath(u"hero.png"_s), test::pngOfColor(Qt::green));
+    LoadOutcome hostsOwn;
+    manager().loadImageWithURL(imageURL(u"hero.png"_s), hostsOwn.completion());
+    ASSERT_TRUE(hostsOwn.wait());
+    EXPECT_EQ(hostsOwn.image.pixelColor(0, 0), QColor(Qt::green));
 }
 
 TEST_F(ServedImageManagerTest, HostileAddressesAndBodiesGiveNoImageAndWriteNothingOutsideTheImagesFolder)

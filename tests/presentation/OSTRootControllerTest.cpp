@@ -256,8 +256,10 @@ TEST(RootController, TheStatusBarIsPutBackAsItWas)
 {
     becomeActive();
     OSTApplicationStatusBar &statusBar = OSTApplicationStatusBar::sharedStatusBar();
-    for (const bool controllerBased : {true, false}) {
-        Host host({360, 640}, {{u"UIViewControllerBasedStatusBarAppearance"_s, controllerBased}});
+    // Any number counts, as a property list's booleans are numbers.
+    for (const QVariant &value : {QVariant(true), QVariant(false), QVariant(1), QVariant(0.0)}) {
+        const bool controllerBased = value.toBool();
+        Host host({360, 640}, {{u"UIViewControllerBasedStatusBarAppearance"_s, value}});
         statusBar.setVisibility(Visibility::Shown, OSTAnimation::Immediate);
         statusBar.setStyle(OSTStatusBarStyle::LightContent, OSTAnimation::Immediate);
         Sdk sdk;
@@ -282,18 +284,20 @@ TEST(RootController, TheStatusBarIsPutBackAsItWas)
     }
 }
 
-TEST(RootController, PresentingOverALandscapeWindowWarnsAndCarriesOn)
+TEST(RootController, PresentingOverALandscapeWindowWarnsOncePerProcessAndCarriesOn)
 {
     becomeActive();
     OSTLogging::setLoggingLevel(2);
     const QString warning = u"Presenting experience in landscape orientation, which is currently not supported by the SDK."_s;
-    for (const QSize size : {QSize(800, 400), QSize(400, 800)}) {
+    const std::pair<QSize, bool> presentations[] = {
+        {QSize(400, 800), false}, {QSize(800, 400), true}, {QSize(900, 300), false}};
+    for (const auto &[size, warns] : presentations) {
         Host host(size);
         Sdk sdk;
         const auto root = sdk.root(&host.window, OSTAnimation::Immediate);
         root->present(sdk.record());
         const QString log = test::captureStandardError([&] { sdk.finishLaunch(true); });
-        EXPECT_EQ(log.contains(warning), size.width() > size.height()) << log.toStdString();
+        EXPECT_EQ(log.contains(warning), warns) << size.width() << "x" << size.height() << ": " << log.toStdString();
         EXPECT_EQ(sdk.answers, QList<bool>{true});
     }
 }

@@ -3,7 +3,10 @@
 
 #include "presentation/OSTScreenEnvironment.h"
 
+#include "OSTScreenTestSupport.h"
+
 #include "experience/OSTExperienceManager.h"
+#include "render/OSTLabel.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -68,4 +71,15 @@ TEST(ScreenEnvironment, ScreensReachTheVariablesAndTheHostsAnswerArrivesOnceOnTh
     EXPECT_FALSE(answers.back().result->isValid());
     EXPECT_EQ(answers.back().userID, u"first"_s);
     EXPECT_EQ(answers.back().thread, QCoreApplication::instance()->thread());
+}
+
+TEST(ScreenEnvironment, AVariableHoldingQuotesBackslashesAndLineBreaksShowsOnTheScreenAsItself)
+{
+    const OSTScreenController::Environment environment = OSTScreenEnvironment::forExperience({375, 667});
+    const QString name = u"Ada \"Countess\" Lovelace \\ of Ockham\n1815"_s;
+    OSTExperienceManager::sharedManager().appendDynamicVariables({{u"first_name"_s, name}});
+    const auto view = test::screenView(uR"({"labels": {"hello": {"text": "Hi {first_name}"}}})"_s, {375, 667},
+                                       environment.substitution);
+    ASSERT_TRUE(view) << "the screen's JSON still parses";
+    EXPECT_EQ(qobject_cast<OSTLabel *>(view->views().value(u"hello"_s))->text(), u"Hi "_s + name);
 }

@@ -207,11 +207,13 @@ TEST_F(Users, SignUpLogInAndLogOutEventsNameTheUser)
 TEST_F(Users, TheLaunchResponsesAppUserSetsTestsAndMergesProperties)
 {
     server.writeLaunchConfiguration(test::jsonObject(R"({"app_user": {
-        "ab_tests": [{"test_name": "colour", "variation": "b"}, {"test_name": 7}, "junk"],
+        "ab_tests": [{"test_name": "colour", "variation": "b"}, {"test_name": 7, "variation": "c"}, {}, "junk"],
         "user_properties": {"tier": "pro"}}})"));
     start();
-    const QList<OSTUserABNTest> colourTest{OSTUserABNTest(u"colour"_s, u"b"_s)};
-    EXPECT_EQ(Ostrel::currentUser().activeABNTests(), colourTest) << "malformed tests are skipped";
+    const QList<OSTUserABNTest> colourTest{OSTUserABNTest(u"colour"_s, u"b"_s), OSTUserABNTest(u""_s, u"c"_s),
+                                           OSTUserABNTest(u""_s, u""_s)};
+    EXPECT_EQ(Ostrel::currentUser().activeABNTests(), colourTest)
+        << "a field that is not a string reads as empty; an entry that is no object is skipped";
     EXPECT_EQ(Ostrel::currentUser().properties(), (QVariantMap{{u"tier"_s, u"pro"_s}}));
     EXPECT_EQ(storedUser().activeABNTests(), colourTest);
 

@@ -160,7 +160,7 @@ void DevServer::handleEndpoint(const QString &endpoint, const QHttpServerRequest
         ResponseWriter::send(std::move(responder), textResponse(httpNotFound, "unknown endpoint"), Fault(), m_clock);
         return;
     }
-    const Fault fault = m_faults.take(endpoint).value_or(Fault());
+    const Fault fault = m_faults.take(endpoint, request.body().size()).value_or(Fault());
     ResponseWriter::send(std::move(responder), answerEnvelope(endpoint, *envelope, fault), fault, m_clock);
 }
 

@@ -71,6 +71,8 @@ QJsonObject Fault::toJson(const QString &endpoint) const
         object.insert(u"times"_s, *remaining);
     if (share)
         object.insert(u"share"_s, *share);
+    if (largerThan)
+        object.insert(u"larger_than"_s, double(*largerThan));
     return object;
 }
 
@@ -94,6 +96,8 @@ std::optional<Fault> Fault::fromJson(const QJsonObject &object, QString &error)
             fault.remaining = value.toInt();
         } else if (key == u"share"_s && value.isDouble() && value.toDouble() > 0.0 && value.toDouble() <= 1.0) {
             fault.share = value.toDouble();
+        } else if (key == u"larger_than"_s && value.isDouble() && value.toDouble() >= 0.0) {
+            fault.largerThan = static_cast<qint64>(value.toDouble());
         } else {
             error = u"unknown fault key or bad value: \"%1\""_s.arg(key);
             return std::nullopt;
@@ -135,12 +139,12 @@ void FaultSwitches::clear()
     m_faults.clear();
 }
 
-std::optional<Fault> FaultSwitches::take(const QString &endpoint)
+std::optional<Fault> FaultSwitches::take(const QString &endpoint, qint64 bodySize)
 {
     auto entry = m_faults.find(endpoint);
     if (entry == m_faults.end())
         entry = m_faults.find(anyEndpoint);
-    if (entry == m_faults.end())
+    if (entry == m_faults.end() || (entry->largerThan && bodySize <= *entry->largerThan))
         return std::nullopt;
     if (entry->share) {
         entry->shareCredit += *entry->share;

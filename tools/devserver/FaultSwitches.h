@@ -37,13 +37,15 @@ struct Fault {
     // The share of answers it applies to (0 to 1), spread evenly: 0.5 is every other answer.
     // Every answer when absent.
     std::optional<double> share;
+    // Applies only to requests whose body is longer than this many bytes (a service's size limit).
+    std::optional<qint64> largerThan;
     // Accumulates the share; an answer is faulted whenever it reaches 1.
     double shareCredit = 0.0;
 
     // The fault written in the admin route's form, with "endpoint".
     QJsonObject toJson(const QString &endpoint) const;
     // Reads {"status": 500, "delay": 2.5, "body": "garbage", "connection": "drop", "times": 1,
-    // "share": 0.5}.
+    // "share": 0.5, "larger_than": 1048576}.
     static std::optional<Fault> fromJson(const QJsonObject &object, QString &error);
     // Reads "endpoint:key=value,key=value" with the keys above, e.g. "launch_v3:status=500,times=1".
     static std::optional<std::pair<QString, Fault>> fromCommandLine(const QString &text, QString &error);
@@ -57,8 +59,9 @@ public:
 
     void set(const QString &endpoint, const Fault &fault);
     void clear();
-    // The fault for the next answer of `endpoint`, using up one of its counted answers.
-    std::optional<Fault> take(const QString &endpoint);
+    // The fault for the next answer of `endpoint` to a request of `bodySize` bytes, using up one
+    // of its counted answers.
+    std::optional<Fault> take(const QString &endpoint, qint64 bodySize = 0);
     QJsonArray toJson() const;
 
 private:
