@@ -253,9 +253,13 @@ TEST_F(ExperienceOnScreen, TheInstallExperienceSignsUpThroughTheHostAndReportsIt
     tap(u"next"_s);
     ASSERT_EQ(currentScreenKey(), u"phone"_s);
     type(u"phone"_s, u"4155550100"_s);
+    // The service holds its answer until its clock moves, so the overlay is seen however fast it is.
+    ASSERT_TRUE(m_server.setFault({{u"endpoint"_s, u"verify_phone_number"_s}, {u"delay"_s, 1}, {u"times"_s, 1}}));
     tap(u"next"_s);
     ASSERT_NE(experience()->loadingOverlay(), nullptr);
     EXPECT_TRUE(experience()->loadingOverlay()->isPresented()) << "waiting for the service to send the PIN";
+    ASSERT_TRUE(test::waitUntil([&] { return !m_server.recordedRequests(u"verify_phone_number"_s).isEmpty(); }));
+    ASSERT_TRUE(m_server.advanceClock(1));
     ASSERT_TRUE(test::waitUntil([&] { return currentScreenKey() == u"pin"_s; }));
     settle();
     const std::optional<QString> pin = m_server.verificationPin(u"4155550100"_s);
