@@ -210,8 +210,7 @@ void OSTPicker::buildDateWheel(const QVariantMap &picker)
         m_dateWheel->setDateTime(start);
         dateChanged();
     } else {
-        m_dateWheel->setDateTime(QDateTime::fromSecsSinceEpoch(
-            qint64(OSTClock::current().now() + OSTClock::referenceDateOffset)));
+        m_dateWheel->setDateTime(OSTClock::current().dateTimeNow().toLocalTime());
     }
     connect(m_dateWheel, &QDateTimeEdit::dateTimeChanged, this, &OSTPicker::dateChanged);
     m_popup->layout()->addWidget(m_dateWheel);

@@ -280,9 +280,8 @@ void OSTTextField::updateView()
 
     // Built fresh from the state each time: a colour or font of the invalid look must not stay
     // once the field is valid again.
-    QFont textFont = OSTFontResolver::fontWithProperties(text).value_or(m_defaultFont);
-    textFont.setUnderline(ost_stringForKey(text, u"style"_s) == u"underlined"_s);
-    m_textFont = textFont;
+    m_textFont = OSTFontResolver::fontWithProperties(text).value_or(m_defaultFont);
+    m_textFont.setUnderline(ost_stringForKey(text, u"style"_s) == u"underlined"_s);
     fitTextToWidth();
     QPalette textPalette = m_defaultPalette;
     textPalette.setColor(QPalette::Base, Qt::transparent);

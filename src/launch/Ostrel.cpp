@@ -15,7 +15,8 @@ namespace ostrel {
 namespace {
 
 // The managers exist once the application object does, whose names place the stores the
-// managers read; a call before then is ignored rather than reading the wrong stores.
+// managers read (the stored user among them, carried over from an older version where needed);
+// a call before then is ignored rather than reading the wrong stores.
 bool managersReady(const char *call)
 {
     if (OSTStartup::prepareProcess())
@@ -201,62 +202,51 @@ void Ostrel::setShouldUseIDFA(bool shouldUseIDFA)
         OSTAttributionManager::sharedManager().setShouldUseIDFA(shouldUseIDFA);
 }
 
-namespace {
-
-// The user calls meet the stored user, carried over from an older version where needed.
-void withUserManager(const char *call, const std::function<void(OSTUserManager &)> &work)
-{
-    if (managersReady(call))
-        work(OSTUserManager::sharedManager());
-}
-
-} // namespace
-
 void Ostrel::setRequiresLogin(bool requiresLogin)
 {
-    withUserManager("setRequiresLogin",
-                    [requiresLogin](OSTUserManager &users) { users.setRequiresLogin(requiresLogin); });
+    if (managersReady("setRequiresLogin"))
+        OSTUserManager::sharedManager().setRequiresLogin(requiresLogin);
 }
 
 OSTUser Ostrel::currentUser()
 {
-    OSTUser user;
-    withUserManager("currentUser", [&user](OSTUserManager &users) { user = users.currentUser(); });
-    return user;
+    return managersReady("currentUser") ? OSTUserManager::sharedManager().currentUser() : OSTUser();
 }
 
 void Ostrel::signUpUser()
 {
-    withUserManager("signUpUser", [](OSTUserManager &users) { users.signUpUser(); });
+    if (managersReady("signUpUser"))
+        OSTUserManager::sharedManager().signUpUser();
 }
 
 void Ostrel::signUpUserWithID(const QString &userID)
 {
-    withUserManager("signUpUserWithID",
-                    [&userID](OSTUserManager &users) { users.signUpUserWithID(userID); });
+    if (managersReady("signUpUserWithID"))
+        OSTUserManager::sharedManager().signUpUserWithID(userID);
 }
 
 void Ostrel::logInUser()
 {
-    withUserManager("logInUser", [](OSTUserManager &users) { users.logInUser(); });
+    if (managersReady("logInUser"))
+        OSTUserManager::sharedManager().logInUser();
 }
 
 void Ostrel::logInUserWithID(const QString &userID)
 {
-    withUserManager("logInUserWithID",
-                    [&userID](OSTUserManager &users) { users.logInUserWithID(userID); });
+    if (managersReady("logInUserWithID"))
+        OSTUserManager::sharedManager().logInUserWithID(userID);
 }
 
 void Ostrel::logOutUser()
 {
-    withUserManager("logOutUser", [](OSTUserManager &users) { users.logOutUser(); });
+    if (managersReady("logOutUser"))
+        OSTUserManager::sharedManager().logOutUser();
 }
 
 void Ostrel::appendUserProperties(const QVariantMap &properties)
 {
-    withUserManager("appendUserProperties", [&properties](OSTUserManager &users) {
-        users.appendUserProperties(properties, OSTUserManager::Delivery::Send);
-    });
+    if (managersReady("appendUserProperties"))
+        OSTUserManager::sharedManager().appendUserProperties(properties, OSTUserManager::Delivery::Send);
 }
 
 void Ostrel::setLoggingLevel(unsigned level)

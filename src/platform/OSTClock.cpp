@@ -25,6 +25,11 @@ ClockSlot &clockSlot()
 
 } // namespace
 
+QDateTime OSTClock::dateTimeNow() const
+{
+    return QDateTime::fromMSecsSinceEpoch(qint64((now() + referenceDateOffset) * 1000.0), Qt::UTC);
+}
+
 std::shared_ptr<OSTClock> OSTClock::currentShared()
 {
     ClockSlot &slot = clockSlot();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QObject>
 #include <QPointer>
 
@@ -20,6 +21,8 @@ public:
 
     // Seconds since 2001-01-01 00:00:00 UTC.
     virtual double now() const = 0;
+    // now() as a UTC date and time.
+    QDateTime dateTimeNow() const;
     // Seconds since an arbitrary origin; never goes backwards. For measuring durations.
     virtual double monotonicNow() const = 0;
 
