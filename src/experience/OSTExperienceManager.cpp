@@ -246,8 +246,13 @@ void OSTExperienceManager::appendDynamicVariables(const QVariantMap &variables, 
 
 QString OSTExperienceManager::replaceDynamicVariables(const QString &text) const
 {
+    return replaceDynamicVariables(text, m_dynamicVariables);
+}
+
+QString OSTExperienceManager::replaceDynamicVariables(const QString &text, const QMap<QString, QString> &variables)
+{
     QString replaced = text;
-    for (auto variable = m_dynamicVariables.cbegin(); variable != m_dynamicVariables.cend(); ++variable)
+    for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
         replaced.replace(u'{' + variable.key() + u'}', asJSONStringContent(variable.value()));
     return replaced;
 }

@@ -95,6 +95,8 @@ public:
     // other in name order; a value is escaped for the JSON string it lands in and otherwise
     // inserted as it is, so a reference it holds is replaced only by a later variable.
     QString replaceDynamicVariables(const QString &text) const;
+    // The same with `variables` instead of the manager's own (the screen preview's).
+    static QString replaceDynamicVariables(const QString &text, const QMap<QString, QString> &variables);
     const QMap<QString, QString> &dynamicVariables() const { return m_dynamicVariables; }
 
 private:

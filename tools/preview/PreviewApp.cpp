@@ -3,6 +3,7 @@
 #include "JsonLocator.h"
 #include "ScreenChecker.h"
 
+#include "experience/OSTExperienceManager.h"
 #include "experience/OSTScreen.h"
 #include "input/OSTButton.h"
 #include "platform/OSTBundle.h"
@@ -107,12 +108,8 @@ bool PreviewApp::renderOnce()
     const auto screen = std::make_shared<const ostrel::OSTScreen>(
         source.screenKey, QVariantMap{{u"json_data"_s, QString::fromUtf8(source.screenText)}},
         ostrel::OSTDocumentOrigin::Local);
-    const QMap<QString, QString> variables = m_options.variables;
-    const auto substitute = [variables](const QString &text) {
-        QString result = text;
-        for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
-            result.replace(u'{' + variable.key() + u'}', variable.value());
-        return result;
+    const auto substitute = [variables = m_options.variables](const QString &text) {
+        return ostrel::OSTExperienceManager::replaceDynamicVariables(text, variables);
     };
     QWidget *parent = m_window.get();
     OSTScreenView *view = OSTScreenView::create(screen, QSizeF(m_options.size), substitute,
