@@ -32,11 +32,11 @@ OSTURLSession::OSTURLSession(const QString &queueName, double timeoutInterval)
     std::call_once(firstManager, &OSTMainQueue::shutDownBeforeExitHandlers);
 }
 
-void OSTURLSession::requestStarted()
+void OSTURLSession::requestReached(RequestStage stage)
 {
-    // The first request brings in more of them (name lookup, connections, TLS).
-    static std::once_flag firstRequest;
-    std::call_once(firstRequest, &OSTMainQueue::shutDownBeforeExitHandlers);
+    static std::once_flag firstStart;
+    static std::once_flag firstSend;
+    std::call_once(stage == RequestStage::Started ? firstStart : firstSend, &OSTMainQueue::shutDownBeforeExitHandlers);
 }
 
 OSTURLSession::~OSTURLSession() = default;

@@ -35,8 +35,13 @@ public:
 
     // The manager; only to be used on the delegate queue.
     QNetworkAccessManager *networkAccessManager() const { return m_manager; }
-    // Called as a request goes out.
-    static void requestStarted();
+    // How far a request has gone; each stage's first time may bring in more of Qt's network
+    // globals, so the queues' shutdown at exit() is registered again after it.
+    enum class RequestStage {
+        Started, // handed to the manager (name lookup, connections, TLS)
+        Sent,    // written by the manager's own thread (the request's headers)
+    };
+    static void requestReached(RequestStage stage);
 
 private:
     OSTURLSession(const QString &queueName, double timeoutInterval);

@@ -70,7 +70,7 @@ void OSTURLSessionTask::start()
     QNetworkReply *reply = m_method == Method::Post ? manager->post(m_request, m_body)
                                                     : manager->get(m_request);
     m_reply = reply;
-    OSTURLSession::requestStarted();
+    OSTURLSession::requestReached(OSTURLSession::RequestStage::Started);
     watchReply(reply);
     m_clock = OSTClock::currentShared();
     m_timeoutTimer = m_clock->schedule(session->timeoutInterval(), reply,
@@ -86,6 +86,8 @@ void OSTURLSessionTask::watchReply(QNetworkReply *reply)
                      [self](qint64 received, qint64) { self->checkReceivedLength(received); });
     QObject::connect(reply, &QNetworkReply::sslErrors, reply,
                      [self](const QList<QSslError> &errors) { self->m_certificateRefused = !errors.isEmpty(); });
+    QObject::connect(reply, &QNetworkReply::requestSent, reply,
+                     [] { OSTURLSession::requestReached(OSTURLSession::RequestStage::Sent); });
     QObject::connect(reply, &QNetworkReply::finished, reply, [self] { self->finish(); });
 }
 
