@@ -186,7 +186,11 @@ TEST_F(Users, SignUpLogInAndLogOutEventsNameTheUser)
     Ostrel::signUpUserWithID(u"u1"_s);
     Ostrel::logInUserWithID(u"u2"_s);
     Ostrel::logOutUser();
-    ASSERT_TRUE(test::waitUntil([&] { return !storedEvents(OSTLogoutEvent).isEmpty(); }));
+    // Each goes in a request of its own, so they may be stored in any order.
+    ASSERT_TRUE(test::waitUntil([&] {
+        return !storedEvents(OSTSignupEvent).isEmpty() && !storedEvents(OSTLoginEvent).isEmpty()
+            && !storedEvents(OSTLogoutEvent).isEmpty();
+    }));
     const struct {
         QString name;
         QString userID;
