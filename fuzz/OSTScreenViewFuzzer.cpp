@@ -1,6 +1,9 @@
-// Arbitrary bytes as the JSON text of a screen, built into a screen view on the offscreen platform.
+// Arbitrary bytes as the JSON text of a screen, read into a screen document alone, then built into
+// a screen view on the offscreen platform.
 //
-// Checks, besides the sanitizers' own: construction ends (no hang) and gives a view exactly when
+// Checks, besides the sanitizers' own: the document is read exactly when the text is a JSON
+// object; each of its layout entries is an element of a laid-out category under its own key, and
+// the error message has a look while showing exactly when it has one; construction ends (no hang) and gives a view exactly when
 // the text is a JSON object whose layout resolves; every element view lies inside the screen view
 // (a group that contains itself or another group that contains it must not make a loop or a loose
 // window); the view survives an error message shown and hidden, a keyboard, a resize with its
@@ -12,6 +15,8 @@
 #include "platform/OSTManualClock.h"
 #include "presentation/OSTScreenView.h"
 #include "render/OSTLayoutManager.h"
+#include "screen/OSTScreenDocument.h"
+#include "screen/OSTScreenVocabulary.h"
 
 #include <QApplication>
 #include <QJsonDocument>
@@ -31,6 +36,24 @@ namespace {
 }
 
 std::shared_ptr<OSTManualClock> manualClock;
+
+void checkDocument(const OSTScreenDocument &document)
+{
+    const auto &entries = document.layoutEntries();
+    for (auto entry = entries.constBegin(); entry != entries.constEnd(); ++entry) {
+        if (!entry->element || entry->element->key() != entry.key())
+            fail("a layout entry under another key than its element's");
+        if (entry->group && !entries.contains(*entry->group))
+            fail("a layout entry in a group that is not laid out");
+    }
+    qsizetype laidOut = 0;
+    for (const QString &category : OSTScreenVocabulary::laidOutCategoryNames())
+        laidOut += document.elements(category).size();
+    if (laidOut < entries.size())
+        fail("more layout entries than elements");
+    if (bool(document.errorMessage()) != bool(document.errorMessageWhileShowing()))
+        fail("an error message without its look while showing, or the other way round");
+}
 
 } // namespace
 
@@ -53,6 +76,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     std::unique_ptr<OSTScreenView> view(OSTScreenView::create(screen, QSizeF(375, 667), {}));
 
     const QJsonDocument document = QJsonDocument::fromJson(QString::fromUtf8(bytes).toUtf8());
+    const auto screenDocument = OSTScreenDocument::read(QString::fromUtf8(bytes));
+    if (bool(screenDocument) != document.isObject())
+        fail("a document exactly from a JSON object");
+    if (screenDocument)
+        checkDocument(*screenDocument);
     if (!document.isObject()) {
         if (view)
             fail("a view from text that is not a JSON object");

@@ -1,6 +1,6 @@
 #include "input/OSTInput.h"
 
-#include "core/OSTDictionaryHelpers.h"
+#include "screen/OSTPropertyValues.h"
 
 #include <algorithm>
 #include <limits>
@@ -17,8 +17,7 @@ OSTInput::OSTInput(QWidget &widget, int inputPosition)
 
 int OSTInput::inputPositionWithProperties(const QVariantMap &properties)
 {
-    const double position = ost_finiteDouble(ost_numberForKey(properties, u"inputOrder"_s)).value_or(0);
-    return int(std::clamp(position, double(std::numeric_limits<int>::min()), double(std::numeric_limits<int>::max())));
+    return ost_integerForKey(properties, u"inputOrder"_s);
 }
 
 void OSTInput::chainInputs(QList<OSTInput *> inputs)

@@ -1,17 +1,17 @@
 #include "input/OSTPicker.h"
 
+#include "core/OSTDateFormatter.h"
 #include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
-#include "input/OSTContentInsets.h"
 #include "input/OSTCountryTable.h"
 #include "input/OSTToolbar.h"
 #include "input/OSTValidationItemModel.h"
-#include "render/OSTBackgroundView.h"
-#include "core/OSTDateFormatter.h"
 #include "platform/OSTClock.h"
+#include "render/OSTBackgroundView.h"
 #include "render/OSTImageView.h"
-#include "render/OSTViewEffect.h"
 #include "render/OSTLabel.h"
+#include "render/OSTViewEffect.h"
+#include "screen/OSTContentInsets.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 
@@ -34,18 +34,6 @@ constexpr QMargins defaultContentInsets(10, 0, 16, 0);
 constexpr int countryCodeColumnWidth = 8;
 constexpr int wheelVisibleRows = 6;
 
-QStringList stringsOf(const QVariantList &list)
-{
-    QStringList strings;
-    for (const QVariant &entry : list) {
-        if (entry.metaType() == QMetaType::fromType<QString>())
-            strings.append(entry.toString());
-        else
-            OSTLogging::logDebug(u"A picker skips an entry of \"pickerData\" that is not a string."_s);
-    }
-    return strings;
-}
-
 // "%-8.8s": the code cut or padded to exactly eight characters.
 QString codeColumn(const QString &code)
 {
@@ -64,12 +52,6 @@ QString displayFormatFor(UIDatePickerMode mode, const QLocale &locale)
         break;
     }
     return locale.dateFormat(QLocale::ShortFormat);
-}
-
-QDateTime dateForKey(const QVariantMap &picker, const QString &key)
-{
-    const std::optional<QString> text = ost_stringForKey(picker, key);
-    return text ? ost_mdyDateFormatter().dateFromString(*text) : QDateTime();
 }
 
 } // namespace
@@ -105,7 +87,7 @@ void OSTPicker::customizeWithProperties(const QVariantMap &properties)
 
     discardWheel();
     buildToolbar(properties);
-    buildWheel(ost_dictionaryForKey(properties, u"picker"_s).value_or(QVariantMap()));
+    buildWheel(OSTPickerWheel::fromPicker(ost_dictionaryForKey(properties, u"picker"_s).value_or(QVariantMap())));
 }
 
 void OSTPicker::deletePopup()
@@ -150,9 +132,9 @@ void OSTPicker::buildToolbar(const QVariantMap &properties)
     layout->addWidget(m_toolbar);
 }
 
-void OSTPicker::buildWheel(const QVariantMap &picker)
+void OSTPicker::buildWheel(const OSTPickerWheel &wheel)
 {
-    m_type = OSTPickerTypeFromString(ost_stringForKey(picker, u"pickerType"_s));
+    m_type = wheel.type;
     switch (m_type) {
     case OSTPickerTypeCountryCode: {
         m_country = OSTCountryTable::sortedCountries().constFirst();
@@ -165,7 +147,7 @@ void OSTPicker::buildWheel(const QVariantMap &picker)
         break;
     }
     case OSTPickerTypeCustomData:
-        m_customData = stringsOf(ost_arrayForKey(picker, u"pickerData"_s).value_or(QVariantList()));
+        m_customData = wheel.customData;
         if (m_customData.isEmpty()) {
             setEnabled(false);
             showChoice(QString());
@@ -175,7 +157,7 @@ void OSTPicker::buildWheel(const QVariantMap &picker)
         buildListWheel(m_customData, m_textLabel->textAlignment());
         break;
     case OSTPickerTypeDate:
-        buildDateWheel(picker);
+        buildDateWheel(wheel);
         break;
     }
 }
@@ -194,20 +176,19 @@ void OSTPicker::buildListWheel(const QStringList &titles, Qt::Alignment alignmen
     m_popup->layout()->addWidget(m_listWheel);
 }
 
-void OSTPicker::buildDateWheel(const QVariantMap &picker)
+void OSTPicker::buildDateWheel(const OSTPickerWheel &wheel)
 {
     m_dateWheel = new QDateTimeEdit(m_popup);
-    const auto mode = UIDatePickerModeFromString(ost_stringForKey(picker, u"pickerMode"_s));
-    m_dateWheel->setDisplayFormat(displayFormatFor(mode, m_dateWheel->locale()));
+    m_dateWheel->setDisplayFormat(displayFormatFor(wheel.dateMode, m_dateWheel->locale()));
     m_dateWheel->setAccessibleName(accessibleName());
     m_dateWheel->installEventFilter(this);
-    if (const QDateTime minimum = dateForKey(picker, u"minDate"_s); minimum.isValid())
-        m_dateWheel->setMinimumDateTime(minimum);
-    if (const QDateTime maximum = dateForKey(picker, u"maxDate"_s); maximum.isValid())
-        m_dateWheel->setMaximumDateTime(maximum);
+    if (wheel.minimumDate.isValid())
+        m_dateWheel->setMinimumDateTime(wheel.minimumDate);
+    if (wheel.maximumDate.isValid())
+        m_dateWheel->setMaximumDateTime(wheel.maximumDate);
     // Untouched, the wheel holds the start date or else now (within the bounds), as it shows.
-    if (const QDateTime start = dateForKey(picker, u"startDate"_s); start.isValid()) {
-        m_dateWheel->setDateTime(start);
+    if (wheel.startDate.isValid()) {
+        m_dateWheel->setDateTime(wheel.startDate);
         dateChanged();
     } else {
         m_dateWheel->setDateTime(OSTClock::current().dateTimeNow().toLocalTime());

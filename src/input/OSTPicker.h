@@ -3,6 +3,7 @@
 #include "input/OSTInput.h"
 #include "input/OSTValidationItem.h"
 #include "render/OSTView.h"
+#include "screen/OSTPickerWheel.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 
@@ -122,9 +123,9 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void buildWheel(const QVariantMap &picker);
+    void buildWheel(const OSTPickerWheel &wheel);
     void buildListWheel(const QStringList &titles, Qt::Alignment alignment);
-    void buildDateWheel(const QVariantMap &picker);
+    void buildDateWheel(const OSTPickerWheel &wheel);
     void buildToolbar(const QVariantMap &properties);
     void discardWheel();
     void deletePopup();

@@ -13,49 +13,23 @@ using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
-namespace {
-
-int boundForKey(const QVariantMap &properties, const QString &key)
+OSTSelectionGroup::OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent)
+    : OSTSelectionGroup(OSTSelectionGroupDescription(name, properties), parent)
 {
-    const double number = ost_finiteDouble(ost_numberForKey(properties, key)).value_or(0);
-    return int(std::clamp(number, 0.0, double(std::numeric_limits<int>::max())));
 }
 
-} // namespace
-
-OSTSelectionGroup::OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent)
+OSTSelectionGroup::OSTSelectionGroup(const OSTSelectionGroupDescription &description, QObject *parent)
     : QObject(parent),
-      m_name(name),
-      m_maximumSelection(boundForKey(properties, u"maximumSelection"_s)),
-      m_minimumSelection(boundForKey(properties, u"minimumSelection"_s))
+      m_name(description.key()),
+      m_elementKeys(description.memberKeys()),
+      m_values(description.memberValues()),
+      m_maximumSelection(description.maximumSelection()),
+      m_minimumSelection(description.minimumSelection()),
+      m_action(description.action())
 {
-    readElements(properties);
-    if (const std::optional<QVariantMap> onClick = ost_dictionaryForKey(properties, u"onClick"_s))
-        m_action = std::make_shared<const OSTAction>(*onClick);
 }
 
 OSTSelectionGroup::~OSTSelectionGroup() = default;
-
-void OSTSelectionGroup::readElements(const QVariantMap &properties)
-{
-    const QVariantMap elements = ost_dictionaryForKey(properties, u"elements"_s).value_or(QVariantMap());
-    for (auto entry = elements.constBegin(); entry != elements.constEnd(); ++entry) {
-        QVariant value;
-        if (entry.value().metaType() == QMetaType::fromType<QString>())
-            value = entry.value();
-        else if (const QVariant number = ost_numberForKey(elements, entry.key()); !number.isNull())
-            value = number;
-        else if (const std::optional<QVariantMap> dictionary = ost_dictionaryForKey(elements, entry.key()))
-            value = *dictionary;
-        if (value.isNull()) {
-            OSTLogging::logDebug(u"The selection group \"%1\" skips \"%2\": its value is no string, number or dictionary."_s,
-                                 m_name, entry.key());
-            continue;
-        }
-        m_elementKeys.append(entry.key());
-        m_values.append(value);
-    }
-}
 
 QList<OSTButton *> OSTSelectionGroup::elements() const
 {

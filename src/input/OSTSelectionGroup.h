@@ -1,6 +1,7 @@
 #pragma once
 
 #include "input/OSTValidationItem.h"
+#include "screen/OSTSelectionGroupDescription.h"
 
 #include <QList>
 #include <QObject>
@@ -60,6 +61,7 @@ class OSTSelectionGroup final : public QObject, public OSTValidationItem {
 
 public:
     OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent = nullptr);
+    explicit OSTSelectionGroup(const OSTSelectionGroupDescription &description, QObject *parent = nullptr);
     ~OSTSelectionGroup() override;
 
     const QString &name() const { return m_name; }
@@ -91,16 +93,15 @@ protected:
     void modelDidChange() override;
 
 private:
-    void readElements(const QVariantMap &properties);
     OSTSelectionGroupDelegate *delegate() const;
 
     const QString m_name;
-    QStringList m_elementKeys;
-    QVariantList m_values; // parallel to m_elementKeys
+    const QStringList m_elementKeys;
+    const QVariantList m_values; // parallel to m_elementKeys
     QList<QPointer<OSTButton>> m_elements;
-    int m_maximumSelection = 0;
-    int m_minimumSelection = 0;
-    std::shared_ptr<const OSTAction> m_action;
+    const int m_maximumSelection;
+    const int m_minimumSelection;
+    const std::shared_ptr<const OSTAction> m_action;
     bool m_shouldShowErrorMessage = false;
     QPointer<QObject> m_delegate;
 };

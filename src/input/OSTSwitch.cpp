@@ -3,22 +3,12 @@
 #include "core/OSTDictionaryHelpers.h"
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTBackgroundView.h"
-#include "render/OSTColorHelpers.h"
 #include "render/OSTSwitchControl.h"
+#include "screen/OSTColorHelpers.h"
 
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
-
-namespace {
-
-QColor colorForKey(const QVariantMap &properties, const QString &key)
-{
-    const auto text = ost_stringForKey(properties, key);
-    return text ? ost_colorWithHexString(*text) : QColor();
-}
-
-} // namespace
 
 OSTSwitch::OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name,
                      QWidget *parent)
@@ -44,9 +34,9 @@ void OSTSwitch::customizeWithProperties(const QVariantMap &properties)
     OSTView::customizeWithProperties(properties);
     m_internalSwitch->setOn(ost_stringForKey(properties, u"defaultState"_s) == u"pressed"_s,
                             OSTSwitchControl::Animation::Immediate);
-    m_internalSwitch->setOnTintColor(colorForKey(properties, u"onTintColor"_s));
-    m_internalSwitch->setTintColor(colorForKey(properties, u"tintColor"_s));
-    m_internalSwitch->setThumbTintColor(colorForKey(properties, u"thumbTintColor"_s));
+    m_internalSwitch->setOnTintColor(ost_colorForKey(properties, u"onTintColor"_s));
+    m_internalSwitch->setTintColor(ost_colorForKey(properties, u"tintColor"_s));
+    m_internalSwitch->setThumbTintColor(ost_colorForKey(properties, u"thumbTintColor"_s));
 }
 
 bool OSTSwitch::isOn() const

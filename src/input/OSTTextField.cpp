@@ -2,17 +2,19 @@
 
 #include "core/OSTDictionaryHelpers.h"
 #include "core/OSTRegularExpression.h"
-#include "input/OSTContentInsets.h"
 #include "input/OSTPhoneNumberFormatter.h"
 #include "input/OSTPhoneNumberManager.h"
 #include "input/OSTToolbar.h"
 #include "input/OSTValidationItemModel.h"
-#include "render/OSTFontResolver.h"
+#include "render/OSTBackgroundView.h"
 #include "render/OSTLabel.h"
 #include "render/OSTTextAttributes.h"
-#include "render/OSTBackgroundView.h"
 #include "render/OSTView.h"
 #include "render/OSTViewEffect.h"
+#include "screen/OSTContentInsets.h"
+#include "screen/OSTFontResolver.h"
+#include "screen/OSTPropertyValues.h"
+#include "screen/OSTTextFieldDescription.h"
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
@@ -32,38 +34,6 @@ constexpr int phoneNumberMaxLength = 14;
 constexpr int pinMaxLength = 4;
 constexpr int defaultLeftInset = 10;
 constexpr int clearButtonRightInset = 16;
-
-QVariantMap invalidPropertiesOf(const QVariantMap &properties)
-{
-    const QVariantMap states = ost_dictionaryForKey(properties, u"states"_s).value_or(QVariantMap());
-    const std::optional<QVariantMap> invalid = ost_dictionaryForKey(states, u"invalid"_s);
-    return invalid ? ost_mergeIntoDictionary(*invalid, properties) : properties;
-}
-
-// A boolean written as a JSON boolean or as a string ("YES", "true", "1"...).
-bool boolForKey(const QVariantMap &properties, const QString &key, bool fallback)
-{
-    const QVariant value = properties.value(key);
-    if (value.metaType() == QMetaType::fromType<bool>())
-        return value.toBool();
-    if (const std::optional<QString> text = ost_stringForKey(properties, key))
-        return ost_boolValue(*text);
-    return fallback;
-}
-
-int integerForKey(const QVariantMap &properties, const QString &key)
-{
-    const double number = ost_finiteDouble(ost_numberForKey(properties, key)).value_or(0);
-    return int(std::clamp(number, double(std::numeric_limits<int>::min()), double(std::numeric_limits<int>::max())));
-}
-
-std::optional<QString> alignmentWordOf(const QVariantMap &properties)
-{
-    for (const QString &key : {u"contentAlignment"_s, u"textAlignment"_s, u"alignment"_s})
-        if (std::optional<QString> word = ost_stringForKey(properties, key))
-            return word;
-    return std::nullopt;
-}
 
 Qt::Alignment verticalAlignmentOf(const QVariantMap &properties)
 {
@@ -88,7 +58,7 @@ Qt::Alignment horizontalAlignmentOfWord(const QString &word)
 // is the left edge. A single line has nothing to fill, so "fill" starts at the left too.
 Qt::Alignment horizontalAlignmentOf(const QVariantMap &properties)
 {
-    if (const std::optional<QString> word = alignmentWordOf(properties))
+    if (const std::optional<QString> word = OSTTextFieldDescription::alignmentWordOf(properties))
         return horizontalAlignmentOfWord(*word);
     const std::optional<QString> content = ost_stringForKey(properties, u"horizontalAlignment"_s);
     if (!content)
@@ -159,7 +129,7 @@ OSTTextField::OSTTextField(const QRect &frame, const QVariantMap &properties, co
       OSTInput(*this, inputPositionWithProperties(properties)),
       m_name(name),
       m_normalStateProperties(properties),
-      m_invalidStateProperties(invalidPropertiesOf(properties)),
+      m_invalidStateProperties(OSTTextFieldDescription::invalidStateProperties(properties)),
       m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), properties, this)),
       m_defaultFont(font()), m_defaultPalette(palette())
 {
@@ -193,20 +163,20 @@ OSTTextField::~OSTTextField() = default;
 void OSTTextField::readBehaviour(const QVariantMap &properties)
 {
     m_opacity = std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0);
-    setEchoMode(boolForKey(properties, u"secureTextEntry"_s, false) ? Password : Normal);
+    setEchoMode(ost_flagForKey(properties, u"secureTextEntry"_s, false) ? Password : Normal);
     setAlignment(horizontalAlignmentOf(properties) | verticalAlignmentOf(properties));
-    m_adjustsFontSizeToFitWidth = boolForKey(properties, u"adjustsFontSizeToFitWidth"_s, false);
+    m_adjustsFontSizeToFitWidth = ost_flagForKey(properties, u"adjustsFontSizeToFitWidth"_s, false);
     m_minimumFontSize = ost_finiteDouble(ost_numberForKey(properties, u"minimumFontSize"_s)).value_or(0);
 
-    m_maxLength = std::max(integerForKey(properties, u"maxLength"_s), -1);
-    m_minLength = integerForKey(properties, u"minLength"_s);
+    m_maxLength = std::max(ost_integerForKey(properties, u"maxLength"_s), -1);
+    m_minLength = ost_integerForKey(properties, u"minLength"_s);
     if (m_maxLength >= 0)
         m_minLength = std::min(m_minLength, m_maxLength);
     m_validationPattern = ost_stringForKey(properties, u"validationPattern"_s).value_or(QString());
     m_clearButtonMode = UITextFieldViewModeFromString(ost_stringForKey(properties, u"clearButtonMode"_s));
     setClearButtonEnabled(m_clearButtonMode != UITextFieldViewModeNever);
-    m_clearsOnBeginEditing = boolForKey(properties, u"clearsOnBeginEditing"_s, false);
-    m_enablesReturnKeyAutomatically = boolForKey(properties, u"enablesReturnKeyAutomatically"_s, false);
+    m_clearsOnBeginEditing = ost_flagForKey(properties, u"clearsOnBeginEditing"_s, false);
+    m_enablesReturnKeyAutomatically = ost_flagForKey(properties, u"enablesReturnKeyAutomatically"_s, false);
 
     m_type = OSTTextFieldTypeFromString(ost_stringForKey(properties, u"textType"_s));
     switch (m_type) {
@@ -216,7 +186,7 @@ void OSTTextField::readBehaviour(const QVariantMap &properties)
         break;
     case OSTTextFieldTypePhoneNumberPin:
         m_maxLength = pinMaxLength;
-        m_autoSubmit = boolForKey(properties, u"autoSubmit"_s, true);
+        m_autoSubmit = ost_flagForKey(properties, u"autoSubmit"_s, true);
         break;
     case OSTTextFieldTypePassword:
         setEchoMode(Password);
@@ -288,7 +258,7 @@ void OSTTextField::updateView()
     if (ost_stringForKey(text, u"textColor"_s))
         textPalette.setColor(QPalette::Text, OSTTextAttributes(text).textColor());
     setPalette(textPalette);
-    if (const std::optional<QString> alignment = alignmentWordOf(text))
+    if (const std::optional<QString> alignment = OSTTextFieldDescription::alignmentWordOf(text))
         setAlignment(horizontalAlignmentOfWord(*alignment) | (this->alignment() & Qt::AlignVertical_Mask));
 
     layOutOverlays();

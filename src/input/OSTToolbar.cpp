@@ -1,7 +1,5 @@
 #include "input/OSTToolbar.h"
 
-#include "core/OSTDictionaryHelpers.h"
-
 #include <QAction>
 
 using namespace Qt::StringLiterals;
@@ -15,21 +13,23 @@ constexpr int translucentAlpha = 200;
 } // namespace
 
 OSTToolbar::OSTToolbar(const QVariantMap &properties, QWidget *parent)
+    : OSTToolbar(OSTToolbarSettings::fromProperties(properties), parent)
+{
+}
+
+OSTToolbar::OSTToolbar(const OSTToolbarSettings &settings, QWidget *parent)
     : QToolBar(parent)
 {
     setMovable(false);
     setFloatable(false);
-    m_cancelAction = addAction(ost_stringForKey(properties, u"cancelText"_s).value_or(u"Cancel"_s), this,
-                               &OSTToolbar::cancelTapped);
+    m_cancelAction = addAction(settings.cancelText, this, &OSTToolbar::cancelTapped);
     auto *flexibleSpace = new QWidget(this);
     flexibleSpace->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     addWidget(flexibleSpace);
-    m_doneAction = addAction(ost_stringForKey(properties, u"acceptText"_s).value_or(u"Done"_s), this,
-                             &OSTToolbar::doneTapped);
+    m_doneAction = addAction(settings.acceptText, this, &OSTToolbar::doneTapped);
 
-    const QString style = ost_stringForKey(properties, u"barStyle"_s).value_or(u"default"_s);
-    m_barStyle = style == u"default"_s ? BarStyle::Default : BarStyle::Black;
-    m_translucent = style == u"translucent"_s;
+    m_barStyle = settings.barStyle;
+    m_translucent = settings.translucent;
     applyBarStyle();
     adjustSize();
 }

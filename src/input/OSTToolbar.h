@@ -1,5 +1,7 @@
 #pragma once
 
+#include "screen/OSTToolbarSettings.h"
+
 #include <QToolBar>
 #include <QVariantMap>
 
@@ -10,21 +12,17 @@ class QAction;
 namespace ostrel {
 
 // The bar with a cancel and a done button that pickers show above their wheel and text fields
-// keep as their accessory. It reads
-//
-//   "cancelText"  title of the left button, default "Cancel"
-//   "acceptText"  title of the right button, default "Done"
-//   "barStyle"    "default" (or missing) gives the default look; any other word the black look,
-//                 and "translucent" also makes it translucent
+// keep as their accessory, titled and styled by its settings (OSTToolbarSettings).
 //
 // Lives on the GUI thread; owned by its parent widget.
 class OSTToolbar final : public QToolBar {
     Q_OBJECT
 
 public:
-    enum class BarStyle { Default, Black };
+    using BarStyle = OSTToolbarSettings::BarStyle;
 
     explicit OSTToolbar(const QVariantMap &properties, QWidget *parent = nullptr);
+    explicit OSTToolbar(const OSTToolbarSettings &settings, QWidget *parent = nullptr);
 
     void setCancelBlock(std::function<void()> block) { m_cancelBlock = std::move(block); }
     void setDoneBlock(std::function<void()> block) { m_doneBlock = std::move(block); }

@@ -1,28 +1,21 @@
 #include "input/OSTValidationItemModel.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "input/OSTValidationGroupModel.h"
 #include "input/OSTValidationItem.h"
 
-using namespace Qt::StringLiterals;
-
 namespace ostrel {
 
-namespace {
-
-bool booleanProperty(const QVariantMap &properties, const QString &key)
+OSTValidationItemModel::OSTValidationItemModel(const QString &key, const QVariantMap &properties)
+    : OSTValidationItemModel(key, OSTValidationSettings::fromProperties(key, properties))
 {
-    return ost_boolValue(ost_stringForKey(properties, key).value_or(QString()));
 }
 
-} // namespace
-
-OSTValidationItemModel::OSTValidationItemModel(const QString &key, const QVariantMap &properties)
+OSTValidationItemModel::OSTValidationItemModel(const QString &key, const OSTValidationSettings &settings)
     : m_key(key)
-    , m_optional(booleanProperty(properties, u"isOptional"_s))
-    , m_unique(booleanProperty(properties, u"isUnique"_s))
-    , m_userPropertyName(ost_stringForKey(properties, u"userPropertyName"_s).value_or(key))
-    , m_defaultErrorMessage(ost_stringForKey(properties, u"errorMessage"_s).value_or(u"Invalid input."_s))
+    , m_optional(settings.optional)
+    , m_unique(settings.unique)
+    , m_userPropertyName(settings.userPropertyName)
+    , m_defaultErrorMessage(settings.errorMessage)
 {
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "screen/OSTValidationSettings.h"
+
 #include <QString>
 #include <QVariant>
 #include <QVariantMap>
@@ -29,10 +31,9 @@ enum class OSTVisibilityLevel {
 // Thread: GUI thread only, like the inputs that write it.
 class OSTValidationItemModel {
 public:
-    // Reads from the input's properties: "isOptional" and "isUnique" (string booleans, false when
-    // missing), "userPropertyName" (the element key when missing) and "errorMessage"
-    // ("Invalid input." when missing).
+    // With the input's validation settings (OSTValidationSettings), read from its properties or given.
     OSTValidationItemModel(const QString &key, const QVariantMap &properties);
+    OSTValidationItemModel(const QString &key, const OSTValidationSettings &settings);
     OSTValidationItemModel(const OSTValidationItemModel &) = delete;
     OSTValidationItemModel &operator=(const OSTValidationItemModel &) = delete;
 

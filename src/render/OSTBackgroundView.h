@@ -1,5 +1,7 @@
 #pragma once
 
+#include "screen/OSTBoxLook.h"
+
 #include <QColor>
 #include <QGradientStops>
 #include <QList>
@@ -13,16 +15,8 @@ class QPainterPath;
 
 namespace ostrel {
 
-// The painted box of an element: a flat colour or a linear or radial gradient, a border and
-// rounded or circular corners, read from the element's properties:
-//
-//   "backgroundColor"    hexadecimal colour; used only without "backgroundGradient"
-//   "backgroundGradient" {"baseColor": colour under the gradient, "colors": [stops],
-//                         "radius": radial end radius (number or numeric string),
-//                         "style": "horizontal" for left to right, else top to bottom}
-//   "borderSize", "borderColor"  a border, drawn only when both are given and the size is not 0
-//   "cornerRadius"       a number of points, or "circle" for half the height (a square becomes
-//                        a circle, a wide box a capsule)
+// The painted box of an element, as its box look (OSTBoxLook) describes it: a flat colour or a
+// linear or radial gradient, a border and rounded or circular corners.
 //
 // Every element view carries one as its container, filling it; the views of a group's members
 // are its children. Children are clipped to the box's rounded outline and the border is drawn
@@ -38,6 +32,7 @@ public:
     // Restyles the box. Each call describes the whole look: a key that is absent takes its
     // default, nothing carries over from an earlier call.
     void customizeWithProperties(const QVariantMap &properties);
+    void setLook(const OSTBoxLook &look);
 
     // The corner radius the box is drawn with at its current size: half the height for
     // "circle", limited to half the shorter side as a rounded rectangle allows.
@@ -51,7 +46,7 @@ public:
 
     // The box's rounded outline in its own coordinates.
     QPainterPath outline() const;
-    bool hasBorder() const { return m_borderWidth > 0; }
+    bool hasBorder() const { return m_look.borderWidth > 0; }
     // Names the border's width and colour, for keeping its drawing.
     QString borderKey() const;
     // Draws the border (when there is one) along the outline.
@@ -65,29 +60,11 @@ protected:
     void childEvent(QChildEvent *event) override;
 
 private:
-    enum class CornerStyle { Radius, Circle };
-    enum class GradientDirection { Horizontal, Vertical };
-
-    struct Gradient {
-        QList<QColor> colors;
-        std::optional<qreal> radius; // radial when set
-        GradientDirection direction = GradientDirection::Vertical;
-    };
-
-    void readBorder(const QVariantMap &properties);
-    void readCorners(const QVariantMap &properties);
-    void readFill(const QVariantMap &properties);
-
     void paintGradient(QPainter &painter, const QPainterPath &outline) const;
     bool clipsChildren() const;
     void updateChildClipping();
 
-    QColor m_fillColor;
-    std::optional<Gradient> m_gradient;
-    QColor m_borderColor;
-    qreal m_borderWidth = 0;
-    CornerStyle m_cornerStyle = CornerStyle::Radius;
-    qreal m_cornerRadius = 0;
+    OSTBoxLook m_look;
 };
 
 } // namespace ostrel

@@ -1,7 +1,7 @@
 #include "render/OSTDropShadow.h"
 
 #include "render/OSTAlphaBlur.h"
-#include "render/OSTColorHelpers.h"
+#include "screen/OSTColorHelpers.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "render/OSTShadow.h"
+#include "screen/OSTShadow.h"
 
 #include <QImage>
 #include <QRectF>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "render/OSTView.h"
+#include "screen/OSTImageSource.h"
 
 #include <QImage>
 #include <QList>
@@ -54,6 +55,8 @@ signals:
     void requiredImageFinished();
 
 private:
+    OSTImageView(const QRect &frame, const QVariantMap &properties, const OSTImageSource &source, QWidget *parent);
+
     void loadNextCandidate(qsizetype index);
     void finishLoadingWithImage(const QImage &image);
 

@@ -2,8 +2,8 @@
 
 #include "core/OSTDictionaryHelpers.h"
 #include "render/OSTBackgroundView.h"
-#include "render/OSTPropertyValues.h"
 #include "render/OSTTextLabel.h"
+#include "screen/OSTPropertyValues.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,11 +1,7 @@
 #include "render/OSTTextAttributes.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "render/OSTAlphaBlur.h"
-#include "render/OSTColorHelpers.h"
-#include "render/OSTFontResolver.h"
 #include "render/OSTPaintedLayerCache.h"
-#include "render/OSTPropertyValues.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
@@ -29,15 +25,14 @@ constexpr qreal maximumShadowMargin = 100'000;
 } // namespace
 
 OSTTextAttributes::OSTTextAttributes(const QVariantMap &properties)
-    : m_font(OSTFontResolver::fontWithProperties(properties)),
-      m_shadow(ost_shadowWithProperties(properties)),
-      m_underlined(ost_stringForKey(properties, u"style"_s) == u"underlined"_s),
-      m_alignment(NSTextAlignmentFromString(ost_stringForKey(properties, u"alignment"_s)))
+    : OSTTextAttributes(OSTTextLook::fromProperties(properties))
 {
-    if (const auto color = ost_stringForKey(properties, u"textColor"_s))
-        m_textColor = ost_colorWithHexString(*color);
-    if (const auto spacing = ost_stringNumberForKey(properties, u"lineSpacing"_s); spacing && *spacing > 0)
-        m_lineSpacing = std::min<qreal>(*spacing, 1000);
+}
+
+OSTTextAttributes::OSTTextAttributes(const OSTTextLook &look)
+    : m_font(look.font), m_textColor(look.textColor), m_shadow(look.shadow), m_underlined(look.underlined),
+      m_lineSpacing(look.lineSpacing), m_alignment(look.alignment)
+{
 }
 
 Qt::Alignment OSTTextAttributes::horizontalAlignment() const

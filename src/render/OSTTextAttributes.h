@@ -1,6 +1,7 @@
 #pragma once
 
-#include "render/OSTShadow.h"
+#include "screen/OSTShadow.h"
+#include "screen/OSTTextLook.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 
@@ -18,14 +19,8 @@ class QTextDocument;
 
 namespace ostrel {
 
-// How a label or a button title draws its text, read from an element's properties:
-//
-//   "font", "size"  the font (see OSTFontResolver); no font keeps the widget's own
-//   "textColor"     hexadecimal colour; absent keeps black
-//   "shadow"        text shadow [colour, blur radius, x offset, y offset]
-//   "style"         "underlined" underlines the text
-//   "lineSpacing"   extra points between lines
-//   "alignment"     "left", "center", "right", "justified", "natural"; default centre
+// How a label or a button title draws its text: the text look of its element (OSTTextLook),
+// read from its properties or given.
 //
 // Text is laid out by Qt's text layout (QTextDocument): words wrap at the box's width and the
 // block is centred vertically in the box, as a label centres its text. A value type; building
@@ -34,6 +29,7 @@ class OSTTextAttributes {
 public:
     OSTTextAttributes() = default;
     explicit OSTTextAttributes(const QVariantMap &properties);
+    explicit OSTTextAttributes(const OSTTextLook &look);
 
     const std::optional<QFont> &font() const { return m_font; }
     QColor textColor() const { return m_textColor; }

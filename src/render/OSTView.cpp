@@ -1,8 +1,8 @@
 #include "render/OSTView.h"
 
 #include "render/OSTBackgroundView.h"
-#include "render/OSTPropertyValues.h"
 #include "render/OSTViewEffect.h"
+#include "screen/OSTPropertyValues.h"
 
 #include <QResizeEvent>
 

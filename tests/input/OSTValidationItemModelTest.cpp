@@ -10,33 +10,22 @@ using namespace ostrel;
 using namespace ostrel::test;
 using namespace Qt::StringLiterals;
 
-TEST(ValidationItemModel, ReadsItsPropertiesWithDefaults)
+TEST(ValidationItemModel, StartsInvalidWithoutAValueUnderItsSettings)
 {
-    const OSTValidationItemModel plain(u"email"_s, {});
+    const OSTValidationItemModel plain(u"email"_s, QVariantMap());
     EXPECT_EQ(plain.key(), u"email"_s);
     EXPECT_EQ(plain.userPropertyName(), u"email"_s) << "fields are keyed by the element key";
     EXPECT_EQ(plain.errorMessage(), u"Invalid input."_s);
     EXPECT_EQ(plain.defaultErrorMessage(), u"Invalid input."_s);
-    EXPECT_FALSE(plain.isOptional());
-    EXPECT_FALSE(plain.isUnique());
     EXPECT_FALSE(plain.isValid());
     EXPECT_EQ(plain.visibilityLevel(), OSTVisibilityLevel::Savable);
     EXPECT_TRUE(plain.value().isNull());
 
-    const OSTValidationItemModel configured(u"field1"_s, mapFromJson(R"({
-        "isOptional": "  yes", "isUnique": "1", "userPropertyName": "email",
-        "errorMessage": "Enter your e-mail address."})"));
+    const OSTValidationItemModel configured(u"field1"_s, OSTValidationSettings{true, true, u"email"_s, u"Enter it."_s});
     EXPECT_TRUE(configured.isOptional());
     EXPECT_TRUE(configured.isUnique());
     EXPECT_EQ(configured.userPropertyName(), u"email"_s);
-    EXPECT_EQ(configured.errorMessage(), u"Enter your e-mail address."_s);
-
-    const OSTValidationItemModel wrongTypes(u"field2"_s, mapFromJson(R"({
-        "isOptional": true, "isUnique": "no", "userPropertyName": 7, "errorMessage": ["x"]})"));
-    EXPECT_FALSE(wrongTypes.isOptional()) << "only strings are read as booleans";
-    EXPECT_FALSE(wrongTypes.isUnique());
-    EXPECT_EQ(wrongTypes.userPropertyName(), u"field2"_s);
-    EXPECT_EQ(wrongTypes.errorMessage(), u"Invalid input."_s);
+    EXPECT_EQ(configured.errorMessage(), u"Enter it."_s);
 }
 
 TEST(ValidationItemModel, SetValidTellsTheInputOfChangesAndDropsResultMessagesOnceValid)

@@ -2,11 +2,11 @@
 // screen shows them (pixels at ratio 1 and 2) and as a user or assistive technology meets them.
 
 #include "render/OSTBackgroundView.h"
-#include "render/OSTFontResolver.h"
 #include "render/OSTLabel.h"
 #include "render/OSTLoadingOverlay.h"
 #include "render/OSTTextLabel.h"
 #include "render/OSTView.h"
+#include "screen/OSTFontResolver.h"
 
 #include "OSTPixelTestSupport.h"
 

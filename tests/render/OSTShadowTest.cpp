@@ -1,4 +1,4 @@
-#include "render/OSTShadow.h"
+#include "screen/OSTShadow.h"
 
 #include "render/OSTAlphaBlur.h"
 #include "render/OSTLabel.h"

@@ -4,6 +4,7 @@
 
 #include "render/OSTLayoutManager.h"
 #include "render/OSTLayoutPatterns.h"
+#include "screen/OSTScreenVocabulary.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -13,15 +14,15 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
+using ostrel::OSTScreenVocabulary;
 
 namespace {
 
 // Deeper than any screen; a hostile file stops being checked there instead of exhausting the stack.
 constexpr int maximumDepth = 64;
 
-const QStringList elementCategories = {u"shapes"_s, u"images"_s, u"labels"_s, u"inputs"_s, u"buttons"_s,
-                                       u"groups"_s};
-const QStringList frameKeys = {u"x"_s, u"y"_s, u"width"_s, u"height"_s};
+const QStringList &elementCategories = OSTScreenVocabulary::laidOutCategoryNames();
+const QStringList &frameKeys = OSTScreenVocabulary::frameKeys();
 
 QString jsonTypeName(const QJsonValue &value)
 {
@@ -196,11 +197,11 @@ void ScreenChecker::checkGroups(const QVariantMap &layout, QList<Problem> &probl
     QHash<QString, QString> groupOf;
     const QVariantMap groups = layout.value(u"groups"_s).toMap();
     for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
-        const QVariantList members = group.value().toMap().value(u"elements"_s).toList();
+        const QVariantList members = group.value().toMap().value(OSTScreenVocabulary::groupMembersKey).toList();
         for (qsizetype index = 0; index < members.size(); ++index) {
             const QString member = members.at(index).toString();
             const QString pointer = JsonLocator::appendToPointer(
-                JsonLocator::appendToPointer(elementPointer(u"groups"_s, group.key()), u"elements"_s),
+                JsonLocator::appendToPointer(elementPointer(u"groups"_s, group.key()), OSTScreenVocabulary::groupMembersKey),
                 QString::number(index));
             if (!keys.contains(member))
                 problems.append({pointer, u"group member \"%1\" does not exist"_s.arg(member)});

@@ -1,4 +1,4 @@
-#include "render/OSTColorHelpers.h"
+#include "screen/OSTColorHelpers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "render/OSTShadow.h"
+#include "screen/OSTShadow.h"
 
 #include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
-#include "render/OSTColorHelpers.h"
+#include "screen/OSTColorHelpers.h"
 
 #include <cmath>
 

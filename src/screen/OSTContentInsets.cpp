@@ -1,4 +1,4 @@
-#include "input/OSTContentInsets.h"
+#include "screen/OSTContentInsets.h"
 
 #include "core/OSTDictionaryHelpers.h"
 

@@ -1,8 +1,8 @@
-#include "render/OSTFontResolver.h"
+#include "screen/OSTFontResolver.h"
 
 #include "core/OSTLogging.h"
-#include "render/OSTPropertyValues.h"
 #include "platform/OSTBundle.h"
+#include "screen/OSTPropertyValues.h"
 
 #include <QDir>
 #include <QFontDatabase>

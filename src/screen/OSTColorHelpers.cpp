@@ -1,4 +1,6 @@
-#include "render/OSTColorHelpers.h"
+#include "screen/OSTColorHelpers.h"
+
+#include "core/OSTDictionaryHelpers.h"
 
 #include <array>
 #include <optional>
@@ -84,6 +86,12 @@ QColor ost_colorWithHexString(const QString &hexString)
     }
     return QColor::fromRgbF(float(components[0]), float(components[1]), float(components[2]),
                             float(components[3]));
+}
+
+QColor ost_colorForKey(const QVariantMap &properties, const QString &key)
+{
+    const auto text = ost_stringForKey(properties, key);
+    return text ? ost_colorWithHexString(*text) : QColor();
 }
 
 bool ost_isClear(const QColor &color)

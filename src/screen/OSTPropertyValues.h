@@ -16,4 +16,11 @@ namespace ostrel {
 // a finite number.
 std::optional<double> ost_stringNumberForKey(const QVariantMap &properties, const QString &key);
 
+// A flag written as a JSON boolean or as a string read as a boolean ("YES", "true", "1"...);
+// `fallback` for anything else.
+bool ost_flagForKey(const QVariantMap &properties, const QString &key, bool fallback);
+
+// A number or numeric string as an integer, truncated and held to the int range; 0 otherwise.
+int ost_integerForKey(const QVariantMap &properties, const QString &key);
+
 } // namespace ostrel

@@ -5,6 +5,7 @@
 
 #include <QColor>
 #include <QString>
+#include <QVariantMap>
 
 namespace ostrel {
 
@@ -20,6 +21,9 @@ QColor ost_colorWithHexString(const QString &hexString);
 // stops at the first character that is not a digit, so "5G" is 0x5) and divided by 255. Gives -1
 // when the characters do not start with a hexadecimal digit or lie outside the string.
 double ost_colorComponentFrom(const QString &string, qsizetype start, qsizetype length);
+
+// The colour of the string under `key`; an invalid colour when the key holds no string.
+QColor ost_colorForKey(const QVariantMap &properties, const QString &key);
 
 // Whether the colour is fully transparent. An invalid colour has no alpha to read and is not
 // clear.

@@ -1,0 +1,64 @@
+#include "screen/OSTSelectionGroupDescription.h"
+
+#include "core/OSTDictionaryHelpers.h"
+#include "core/OSTLogging.h"
+#include "experience/OSTAction.h"
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+int boundForKey(const QVariantMap &properties, const QString &key)
+{
+    const double number = ost_finiteDouble(ost_numberForKey(properties, key)).value_or(0);
+    return int(std::clamp(number, 0.0, double(std::numeric_limits<int>::max())));
+}
+
+QVariant memberValue(const QVariantMap &members, const QString &key)
+{
+    const QVariant value = members.value(key);
+    if (value.metaType() == QMetaType::fromType<QString>())
+        return value;
+    if (QVariant number = ost_numberForKey(members, key); !number.isNull())
+        return number;
+    if (const std::optional<QVariantMap> dictionary = ost_dictionaryForKey(members, key))
+        return *dictionary;
+    return {};
+}
+
+} // namespace
+
+OSTSelectionGroupDescription::OSTSelectionGroupDescription(const QString &key, const QVariantMap &properties)
+    : m_key(key),
+      m_minimumSelection(boundForKey(properties, u"minimumSelection"_s)),
+      m_maximumSelection(boundForKey(properties, u"maximumSelection"_s)),
+      m_validation(OSTValidationSettings::fromProperties(key, properties))
+{
+    readMembers(properties);
+    if (const std::optional<QVariantMap> onClick = ost_dictionaryForKey(properties, u"onClick"_s))
+        m_action = std::make_shared<const OSTAction>(*onClick);
+}
+
+OSTSelectionGroupDescription::~OSTSelectionGroupDescription() = default;
+
+void OSTSelectionGroupDescription::readMembers(const QVariantMap &properties)
+{
+    const QVariantMap members = ost_dictionaryForKey(properties, u"elements"_s).value_or(QVariantMap());
+    for (auto entry = members.constBegin(); entry != members.constEnd(); ++entry) {
+        const QVariant value = memberValue(members, entry.key());
+        if (value.isNull()) {
+            OSTLogging::logDebug(u"The selection group \"%1\" skips \"%2\": its value is no string, number or dictionary."_s,
+                                 m_key, entry.key());
+            continue;
+        }
+        m_memberKeys.append(entry.key());
+        m_memberValues.append(value);
+    }
+}
+
+} // namespace ostrel

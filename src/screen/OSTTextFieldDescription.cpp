@@ -1,0 +1,120 @@
+#include "screen/OSTTextFieldDescription.h"
+
+#include "core/OSTDictionaryHelpers.h"
+#include "screen/OSTContentInsets.h"
+#include "screen/OSTPropertyValues.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+constexpr int phoneNumberMaxLength = 14;
+constexpr int pinMaxLength = 4;
+
+OSTTextFieldDescription::StateLook stateLook(const QVariantMap &state)
+{
+    const QVariantMap text = ost_dictionaryForKey(state, u"text"_s).value_or(QVariantMap());
+    const auto insets = ost_contentInsetsForKey(text, u"contentInsets"_s);
+    return {OSTBoxLook::fromProperties(state), ost_objectShadowWithProperties(state), OSTTextLook::fromProperties(text),
+            OSTTextFieldDescription::alignmentWordOf(text), insets ? insets : ost_contentInsetsForKey(state, u"contentInsets"_s)};
+}
+
+std::optional<UIControlContentHorizontalAlignment> contentHorizontalAlignmentOf(const QVariantMap &properties)
+{
+    const std::optional<QString> word = ost_stringForKey(properties, u"horizontalAlignment"_s);
+    if (!word)
+        return std::nullopt;
+    return UIControlContentHorizontalAlignmentFromString(word);
+}
+
+OSTTextFieldDescription::ValueVisibility valueVisibilityOf(const QVariantMap &properties)
+{
+    const QString textType = ost_stringForKey(properties, u"textType"_s).value_or(QString());
+    const bool secureTextEntry = ost_boolValue(ost_stringForKey(properties, u"secureTextEntry"_s).value_or(QString()));
+    if (textType == u"phoneNumberPin"_s)
+        return OSTTextFieldDescription::ValueVisibility::Transient;
+    if (textType == u"password"_s || secureTextEntry)
+        return OSTTextFieldDescription::ValueVisibility::Secret;
+    if (textType == u"phoneNumberValidated"_s)
+        return OSTTextFieldDescription::ValueVisibility::PhoneNumberToVerify;
+    return OSTTextFieldDescription::ValueVisibility::Plain;
+}
+
+} // namespace
+
+OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVariantMap &properties)
+    : OSTElementDescription(OSTElementKind::TextField, key, properties),
+      m_normalLook(stateLook(properties)),
+      m_invalidLook(stateLook(invalidStateProperties(properties))),
+      m_fieldAlpha(std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0)),
+      m_textType(OSTTextFieldTypeFromString(ost_stringForKey(properties, u"textType"_s))),
+      m_secureTextEntry(ost_flagForKey(properties, u"secureTextEntry"_s, false)),
+      m_alignmentWord(alignmentWordOf(properties)),
+      m_contentHorizontalAlignment(contentHorizontalAlignmentOf(properties)),
+      m_verticalAlignment(UIControlContentVerticalAlignmentFromString(ost_stringForKey(properties, u"verticalAlignment"_s))),
+      m_adjustsFontSizeToFitWidth(ost_flagForKey(properties, u"adjustsFontSizeToFitWidth"_s, false)),
+      m_minimumFontSize(ost_finiteDouble(ost_numberForKey(properties, u"minimumFontSize"_s)).value_or(0)),
+      m_validationPattern(ost_stringForKey(properties, u"validationPattern"_s).value_or(QString())),
+      m_clearButtonMode(UITextFieldViewModeFromString(ost_stringForKey(properties, u"clearButtonMode"_s))),
+      m_clearsOnBeginEditing(ost_flagForKey(properties, u"clearsOnBeginEditing"_s, false)),
+      m_enablesReturnKeyAutomatically(ost_flagForKey(properties, u"enablesReturnKeyAutomatically"_s, false)),
+      m_autoSubmit(m_textType == OSTTextFieldTypePhoneNumberPin && ost_flagForKey(properties, u"autoSubmit"_s, true)),
+      m_keyboardType(UIKeyboardTypeFromString(ost_stringForKey(properties, u"keyboardType"_s))),
+      m_autocapitalizationType(
+          UITextAutocapitalizationTypeFromString(ost_stringForKey(properties, u"autocapitalizationType"_s))),
+      m_autocorrectionType(UITextAutocorrectionTypeFromString(ost_stringForKey(properties, u"autocorrectionType"_s))),
+      m_initialText(ost_stringForKey(ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()), u"text"_s)
+                        .value_or(QString())),
+      m_inputOrder(ost_integerForKey(properties, u"inputOrder"_s)),
+      m_validation(OSTValidationSettings::fromProperties(key, properties)),
+      m_valueVisibility(valueVisibilityOf(properties))
+{
+    readLimits(properties);
+    if (const std::optional<QVariantMap> placeholder = ost_dictionaryForKey(properties, u"placeholder"_s))
+        m_placeholder = std::make_shared<const OSTLabelDescription>(key, *placeholder);
+    if (const std::optional<QVariantMap> toolbar = ost_dictionaryForKey(properties, u"toolbar"_s))
+        m_toolbar = OSTToolbarSettings::fromProperties(*toolbar);
+}
+
+OSTTextFieldDescription::~OSTTextFieldDescription() = default;
+
+std::optional<QString> OSTTextFieldDescription::alignmentWordOf(const QVariantMap &properties)
+{
+    for (const QString &key : {u"contentAlignment"_s, u"textAlignment"_s, u"alignment"_s})
+        if (std::optional<QString> word = ost_stringForKey(properties, key))
+            return word;
+    return std::nullopt;
+}
+
+QVariantMap OSTTextFieldDescription::invalidStateProperties(const QVariantMap &properties)
+{
+    const QVariantMap states = ost_dictionaryForKey(properties, u"states"_s).value_or(QVariantMap());
+    const std::optional<QVariantMap> invalid = ost_dictionaryForKey(states, u"invalid"_s);
+    return invalid ? ost_mergeIntoDictionary(*invalid, properties) : properties;
+}
+
+void OSTTextFieldDescription::readLimits(const QVariantMap &properties)
+{
+    m_maxLength = std::max(ost_integerForKey(properties, u"maxLength"_s), -1);
+    m_minLength = ost_integerForKey(properties, u"minLength"_s);
+    if (m_maxLength >= 0)
+        m_minLength = std::min(m_minLength, m_maxLength);
+    switch (m_textType) {
+    case OSTTextFieldTypePhoneNumber:
+    case OSTTextFieldTypePhoneNumberValidated:
+        m_maxLength = phoneNumberMaxLength;
+        break;
+    case OSTTextFieldTypePhoneNumberPin:
+        m_maxLength = pinMaxLength;
+        break;
+    case OSTTextFieldTypePassword:
+    case OSTTextFieldTypePlain:
+        break;
+    }
+}
+
+} // namespace ostrel
