@@ -2,8 +2,9 @@
 // a screen view on the offscreen platform.
 //
 // Checks, besides the sanitizers' own: the document is read exactly when the text is a JSON
-// object; each of its layout entries is an element of a laid-out category under its own key, and
-// the error message has a look while showing exactly when it has one; construction ends (no hang) and gives a view exactly when
+// object; each of its layout entries is an element of a laid-out category under its own key and
+// its layout table is the one the layout engine builds; the error message has a look while
+// showing exactly when it has one; construction ends (no hang) and gives a view exactly when
 // the text is a JSON object whose layout resolves; every element view lies inside the screen view
 // (a group that contains itself or another group that contains it must not make a loop or a loose
 // window); the view survives an error message shown and hidden, a keyboard, a resize with its
@@ -17,6 +18,8 @@
 #include "render/OSTLayoutManager.h"
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
+
+#include "OSTScreenDocumentLayoutCheck.h"
 
 #include <QApplication>
 #include <QJsonDocument>
@@ -87,6 +90,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     }
     OSTLayoutManager reference(document.toVariant().toMap(), QRectF(0, 0, 375, 667), 0);
+    if (!ost_layoutTableDifference(*screenDocument, reference).isEmpty())
+        fail("a document whose layout table is not the layout engine's");
     if (bool(view) != reference.resolveLayout())
         fail("a view exactly when the layout resolves");
     if (!view)

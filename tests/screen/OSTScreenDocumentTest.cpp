@@ -10,6 +10,9 @@
 #include "screen/OSTValidationSettings.h"
 #include "support/OSTTestSupport.h"
 
+#include "OSTScreenDocumentLayoutCheck.h"
+
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -320,6 +323,29 @@ TEST(ScreenDocument, LayoutEntriesKeepTheLaterCategoryAndTheLastGroupListingAMem
     EXPECT_EQ(entries.value(u"g2"_s).zLayer, 9);
     EXPECT_EQ(document->groupMembers(u"g1"_s), (QStringList{u"member"_s, u"g2"_s, u"missing"_s, u"g1"_s}));
     EXPECT_EQ(document->groupedKeys(), (QStringList{u"member"_s, u"g2"_s, u"missing"_s, u"g1"_s, u"member"_s}));
+}
+
+TEST(ScreenDocument, TheLayoutTableIsTheLayoutEnginesOnSamplesAndTangledGroups)
+{
+    QStringList texts = {
+        uR"({"labels": {"same": {"x": "1", "zLayer": "3"}, "member": {"anchored": "no"}}, "buttons": {"same": {"x": "2"}},
+            "groups": {"a": {"elements": ["b", "member", "a", "same"]}, "b": {"elements": ["a", "member"], "zLayer": -1},
+                       "c": {"elements": "member"}, "member": {"elements": ["same"]}}})"_s,
+        uR"({"shapes": {"x": {"width": 5, "zLayer": 1e19}}, "images": {"x": {"height": "7"}}, "groups": {"g": []}})"_s,
+    };
+    const QDir samples(QStringLiteral(QT_TESTCASE_SOURCEDIR "/presentation/samples"));
+    for (const QString &name : samples.entryList({u"*.json"_s}, QDir::Files)) {
+        QFile file(samples.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        texts.append(QString::fromUtf8(file.readAll()));
+    }
+    ASSERT_GE(texts.size(), 4);
+    for (const QString &text : texts) {
+        const auto document = OSTScreenDocument::read(text);
+        ASSERT_TRUE(document);
+        const OSTLayoutManager layout(QJsonDocument::fromJson(text.toUtf8()).toVariant().toMap(), QRectF(0, 0, 375, 667), 20);
+        EXPECT_EQ(ost_layoutTableDifference(*document, layout), QString()) << text.left(200).toStdString();
+    }
 }
 
 TEST(ScreenDocument, TheErrorMessageShowsWithItsAlternativeLaidOver)
