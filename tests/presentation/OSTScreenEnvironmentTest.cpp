@@ -1,7 +1,7 @@
 // What a screen of an experience reaches: the experience manager's variables, and the host's
 // answer to a social log-in, brought to the GUI thread once.
 
-#include "presentation/OSTScreenEnvironment.h"
+#include "model/OSTScreenEnvironment.h"
 
 #include "OSTScreenTestSupport.h"
 
@@ -39,7 +39,7 @@ public:
 
 TEST(ScreenEnvironment, ScreensReachTheVariablesAndTheHostsAnswerArrivesOnceOnTheGuiThread)
 {
-    const OSTScreenController::Environment environment = OSTScreenEnvironment::forExperience({320, 480});
+    const OSTScreenModel::Environment environment = OSTScreenEnvironment::forExperience({320, 480});
     EXPECT_EQ(environment.area, QSizeF(320, 480));
     OSTExperienceManager::sharedManager().appendDynamicVariables({{u"first_name"_s, u"Ada"_s}});
     EXPECT_EQ(environment.substitution(u"Hi {first_name}"_s), u"Hi Ada"_s);
@@ -75,7 +75,7 @@ TEST(ScreenEnvironment, ScreensReachTheVariablesAndTheHostsAnswerArrivesOnceOnTh
 
 TEST(ScreenEnvironment, AVariableHoldingQuotesBackslashesAndLineBreaksShowsOnTheScreenAsItself)
 {
-    const OSTScreenController::Environment environment = OSTScreenEnvironment::forExperience({375, 667});
+    const OSTScreenModel::Environment environment = OSTScreenEnvironment::forExperience({375, 667});
     const QString name = u"Ada \"Countess\" Lovelace \\ of Ockham\n1815"_s;
     OSTExperienceManager::sharedManager().appendDynamicVariables({{u"first_name"_s, name}});
     const auto view = test::screenView(uR"({"labels": {"hello": {"text": "Hi {first_name}"}}})"_s, {375, 667},
