@@ -78,10 +78,6 @@ public:
 // it keeps every screen it made.
 class ScriptedExperienceView final : public OSTExperienceView {
 public:
-    ScriptedScreen &make(const std::shared_ptr<const OSTScreen> &screen)
-    {
-        return *m_screens.emplace_back(std::make_unique<ScriptedScreen>(screen, OSTScreenModel::Environment()));
-    }
     ScriptedScreen &screenOf(const OSTScreenModel *model)
     {
         return **std::ranges::find_if(m_screens, [model](const auto &screen) { return screen->model.get() == model; });
@@ -91,7 +87,9 @@ public:
 
     OSTScreenModel *makeScreen(const std::shared_ptr<const OSTScreen> &screen) override
     {
-        return unbuildable.contains(screen->key()) ? nullptr : make(screen).model.get();
+        if (unbuildable.contains(screen->key()))
+            return nullptr;
+        return m_screens.emplace_back(std::make_unique<ScriptedScreen>(screen, OSTScreenModel::Environment()))->model.get();
     }
     void pushScreen(OSTScreenModel &screen) override { m_calls << u"push "_s + screen.screen()->key(); }
     void popScreen() override { m_calls << u"pop"_s; }
