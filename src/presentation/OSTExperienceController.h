@@ -39,7 +39,7 @@ public:
     static void controllerWithType(int type, QSizeF area, Completion completion);
     ~OSTExperienceController() override;
 
-    OSTExperienceModel &model() const { return *m_model; }
+    OSTExperienceModel &model() { return *m_model; }
     OSTLoadingOverlay *loadingOverlay() const { return m_loadingOverlay.data(); }
 
 protected:

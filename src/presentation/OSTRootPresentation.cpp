@@ -92,7 +92,7 @@ OSTRootController *OSTRootPresentation::rootController() const
 
 std::shared_ptr<const OSTScreen> OSTRootPresentation::currentScreen() const
 {
-    const auto *experience = m_root ? qobject_cast<OSTExperienceController *>(m_root->experienceController()) : nullptr;
+    auto *experience = m_root ? qobject_cast<OSTExperienceController *>(m_root->experienceController()) : nullptr;
     return experience ? experience->model().currentScreen() : nullptr;
 }
 

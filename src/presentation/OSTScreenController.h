@@ -46,7 +46,7 @@ public:
     ~OSTScreenController() override;
 
     const std::shared_ptr<const OSTScreen> &screen() const { return m_model->screen(); }
-    OSTScreenModel &screenModel() const { return *m_model; }
+    OSTScreenModel &screenModel() { return *m_model; }
     OSTScreenView *screenView() const { return m_screenView; }
 
     bool prefersStatusBarHidden() const override { return m_statusBarHidden; }

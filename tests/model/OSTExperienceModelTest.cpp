@@ -23,20 +23,18 @@ using namespace Qt::StringLiterals;
 namespace ostrel {
 namespace {
 
-// A welcome screen from which a three-screen sign-up (unique e-mail, phone number, PIN) and a
-// one-screen log-in start; a recover-password flow whose screen is missing.
+// A welcome screen from which a three-screen sign-up starts (unique e-mail, phone number, PIN);
+// a recover-password flow whose screen is missing.
 void loadFlows()
 {
     OSTFlowManager::sharedManager().loadFlows(test::jsonObject(R"({
         "install": {"name": "Install", "steps": ["welcome"], "properties": {"flowEndAction": {"func": "close"}}},
         "SIGNUP": {"name": "Sign Up", "steps": ["account", "phone", "pin"]},
-        "LOGIN": {"name": "Log In", "steps": ["credentials"], "properties": {"flowEndAction": {"func": "close"}}},
         "recoverpw": {"steps": ["missing"]}})"), test::jsonObject(R"({
         "welcome": {"json_data": "{}"},
         "account": {"json_data": "{\"inputs\": {\"email\": {\"isUnique\": \"true\"}, \"password\": {\"secureTextEntry\": \"true\"}}}"},
         "phone": {"json_data": "{\"inputs\": {\"phone\": {\"textType\": \"phoneNumberValidated\"}}}"},
-        "pin": {"json_data": "{\"inputs\": {\"pin\": {\"textType\": \"phoneNumberPin\"}}}"},
-        "credentials": {"json_data": "{\"inputs\": {\"email\": {}, \"password\": {}}}"}})"));
+        "pin": {"json_data": "{\"inputs\": {\"pin\": {\"textType\": \"phoneNumberPin\"}}}"}})"));
 }
 
 // The host keeps its completions; the test answers them when and where it likes.
@@ -141,7 +139,6 @@ TEST_F(ExperienceModel, MovesForwardBackIntoAndOutOfFlowsAndClosesFromTheBottom)
     m_host->unique(OSTValidationResult());
     const auto &variables = OSTExperienceManager::sharedManager().dynamicVariables();
     EXPECT_EQ(variables.value(u"email"_s), u"ada@example.com"_s) << "savable fields become dynamic variables";
-    EXPECT_FALSE(variables.contains(u"password"_s));
 
     type(u"phone"_s, u"(415) 555-0100"_s);
     next(); // never answered: the user can still leave, and a late answer finds the experience gone
