@@ -1,6 +1,7 @@
 #include "presentation/OSTRootPresentation.h"
 
 #include "platform/ui/OSTModalPresenter.h"
+#include "model/OSTExperienceModel.h"
 #include "presentation/OSTExperienceController.h"
 #include "presentation/OSTLaunchController.h"
 #include "presentation/OSTRootController.h"
@@ -91,8 +92,8 @@ OSTRootController *OSTRootPresentation::rootController() const
 
 std::shared_ptr<const OSTScreen> OSTRootPresentation::currentScreen() const
 {
-    const auto *experience = m_root ? qobject_cast<OSTExperienceController *>(m_root->experienceController()) : nullptr;
-    return experience ? experience->currentScreen() : nullptr;
+    auto *experience = m_root ? qobject_cast<OSTExperienceController *>(m_root->experienceController()) : nullptr;
+    return experience ? experience->model().currentScreen() : nullptr;
 }
 
 } // namespace ostrel

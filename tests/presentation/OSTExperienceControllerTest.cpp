@@ -7,6 +7,7 @@
 #include "experience/OSTExperienceManager.h"
 #include "experience/OSTScreen.h"
 #include "platform/ui/OSTModalPresenter.h"
+#include "model/OSTExperienceModel.h"
 #include "presentation/OSTExperienceController.h"
 #include "presentation/OSTLaunchController.h"
 #include "presentation/OSTRootController.h"
@@ -369,7 +370,8 @@ TEST_F(ExperienceOnScreen, ASecondNextDuringTheSlideTakesNoSecondStep)
     ASSERT_NE(experience()->runningTransition(), nullptr) << "the next screen slides in";
     QTest::mouseClick(window, Qt::LeftButton, {}, onNext);
     // A Return in the outgoing screen's last field asks for the same step again.
-    experience()->validateController(*qobject_cast<OSTScreenController *>(experience()->viewControllers().at(1)));
+    experience()->model().validateScreen(
+        qobject_cast<OSTScreenController *>(experience()->viewControllers().at(1))->screenModel());
     settle();
     EXPECT_EQ(currentScreenKey(), u"phone"_s) << "one step, not two";
     EXPECT_EQ(experience()->viewControllers().size(), 3);

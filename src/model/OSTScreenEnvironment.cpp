@@ -1,4 +1,4 @@
-#include "presentation/OSTScreenEnvironment.h"
+#include "model/OSTScreenEnvironment.h"
 
 #include "core/OSTGuiThreadAnswer.h"
 #include "experience/OSTExperienceManager.h"
@@ -14,7 +14,7 @@ namespace ostrel {
 
 namespace {
 
-// The screen controllers guard themselves against answers that arrive after they are gone; the
+// The screen models guard themselves against answers that arrive after they are gone; the
 // application only stands for "some object on the GUI thread".
 QObject *guiThreadContext()
 {
@@ -22,7 +22,7 @@ QObject *guiThreadContext()
 }
 
 void logInWithSocialAccount(const QVariantMap &info,
-                            const OSTScreenController::SocialLogInCompletion &completion)
+                            const OSTScreenModel::SocialLogInCompletion &completion)
 {
     const auto answer = ost_answerOnGuiThreadOnce<bool, const std::optional<QVariantMap> &>(
         guiThreadContext(), u"The social log-in"_s, OSTAnswerDelivery::AtOnce, [completion](bool success, const std::optional<QVariantMap> &userInfo) {
@@ -32,7 +32,7 @@ void logInWithSocialAccount(const QVariantMap &info,
 }
 
 void authenticateWithHost(const QVariantMap &fields,
-                          const OSTScreenController::AuthenticationCompletion &completion)
+                          const OSTScreenModel::AuthenticationCompletion &completion)
 {
     const auto answer = ost_answerOnGuiThreadOnce<const OSTValidationResult &, const QString &>(
         guiThreadContext(), u"The experience delegate's authenticateFacebookWithFields"_s, OSTAnswerDelivery::AtOnce,
@@ -53,9 +53,9 @@ void logInUser(const QVariantMap &fields, const QString &userID)
 
 } // namespace
 
-OSTScreenController::Environment OSTScreenEnvironment::forExperience(QSizeF area)
+OSTScreenModel::Environment OSTScreenEnvironment::forExperience(QSizeF area)
 {
-    OSTScreenController::Environment environment;
+    OSTScreenModel::Environment environment;
     environment.area = area;
     environment.substitution = [](const QString &text) {
         return OSTExperienceManager::sharedManager().replaceDynamicVariables(text);
