@@ -109,8 +109,11 @@ void OSTScreenDocument::readCategories(const QVariantMap &layout)
     for (const OSTElementCategory &category : OSTScreenVocabulary::categories()) {
         const QVariantMap entries = ost_dictionaryForKey(layout, category.name).value_or(QVariantMap());
         for (auto entry = entries.constBegin(); entry != entries.constEnd(); ++entry) {
-            if (entry.value().metaType() != QMetaType::fromType<QVariantMap>())
+            if (entry.value().metaType() != QMetaType::fromType<QVariantMap>()) {
+                OSTLogging::logWarning(u"Ignoring \"%1\" in \"%2\": its properties are not an object."_s,
+                                       entry.key(), category.name);
                 continue;
+            }
             const QVariantMap properties = entry.value().toMap();
             if (category.family == OSTElementFamily::SelectionGroup)
                 m_selectionGroups.append(std::make_shared<const OSTSelectionGroupDescription>(entry.key(), properties));

@@ -49,6 +49,7 @@ OSTSelectionGroupDescription::~OSTSelectionGroupDescription() = default;
 void OSTSelectionGroupDescription::readMembers(const QVariantMap &properties)
 {
     const QVariantMap members = ost_dictionaryForKey(properties, u"elements"_s).value_or(QVariantMap());
+    m_listedKeys = members.keys();
     for (auto entry = members.constBegin(); entry != members.constEnd(); ++entry) {
         const QVariant value = memberValue(members, entry.key());
         if (value.isNull()) {

@@ -2,6 +2,7 @@
 
 #include "OSTValidationTestFakes.h"
 #include "core/OSTLogging.h"
+#include "screen/OSTScreenDocument.h"
 #include "support/OSTTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,11 @@ using namespace ostrel::test;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+std::shared_ptr<const OSTScreenDocument> screenDocument(const char *json)
+{
+    return OSTScreenDocument::read(QString::fromUtf8(json));
+}
 
 // A screen view with one text input per element key, the inputs owned by the view as the screen
 // view's element views are.
@@ -55,7 +61,7 @@ protected:
 private:
     static std::shared_ptr<OSTValidationGroupModel> registerSignUp(OSTValidationManager &manager)
     {
-        manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
+        manager.addScreen(u"signup"_s, *screenDocument(signUpLayout));
         return manager.groupModelForKey(u"signup"_s);
     }
 };
@@ -67,7 +73,7 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     OSTLogging::setLoggingLevel(OSTLoggingLevelWarning);
     OSTValidationManager manager;
     const QString log = captureStandardError([&] {
-        manager.addScreenWithKey(u"profile"_s, mapFromJson(R"({
+        manager.addScreen(u"profile"_s, *screenDocument(R"({
             "inputs": {"broken": 5, "email": {"isUnique": "true"}, "password": {"textType": "password"},
                        "phone": {"textType": "phoneNumberValidated"}, "phone2": {"textType": "phoneNumberValidated"},
                        "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"},
@@ -97,7 +103,7 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     EXPECT_TRUE(manager.uniqueFieldsOfGroupWithKey(u"unknown"_s).isEmpty());
     EXPECT_TRUE(manager.allSavableFieldsOfGroupWithKey(u"unknown"_s).isEmpty());
 
-    manager.addScreenWithKey(u"blank"_s, mapFromJson(R"({"inputs": [1, 2], "buttons": "none"})"));
+    manager.addScreen(u"blank"_s, *screenDocument(R"({"inputs": [1, 2], "buttons": "none"})"));
     EXPECT_TRUE(manager.groupModelForKey(u"blank"_s)->items().empty());
     EXPECT_TRUE(manager.groupModelForKey(u"blank"_s)->isValid());
 }
@@ -109,7 +115,7 @@ TEST_F(ValidationManagerWithSignUp, RegisteringAScreenAgainKeepsTheFirstGroupAnd
         screen.input(u"email"_s).type(u"ada@example.com"_s);
     }
 
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(R"({"inputs": {"other": {}}})"));
+    manager.addScreen(u"signup"_s, *screenDocument(R"({"inputs": {"other": {}}})"));
     ASSERT_EQ(manager.groups().size(), 1u);
     EXPECT_EQ(manager.groupModelForKey(u"signup"_s), group);
     EXPECT_EQ(itemKeys(*group), (QStringList{u"email"_s, u"password"_s, u"pin"_s}));
@@ -191,7 +197,7 @@ TEST_F(ValidationManagerWithSignUp, DestroyedScreenViewsAndInputsAreNeverTouched
 
 TEST_F(ValidationManagerWithSignUp, FieldCollectionsAcrossScreens)
 {
-    manager.addScreenWithKey(u"about"_s, mapFromJson(R"({"inputs": {
+    manager.addScreen(u"about"_s, *screenDocument(R"({"inputs": {
         "nickname": {"userPropertyName": "email", "isUnique": "true"}, "city": {}}})"));
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s, u"password"_s, u"pin"_s});
     signUp.input(u"email"_s).type(u"ada@example.com"_s);
@@ -215,8 +221,7 @@ TEST_F(ValidationManagerWithSignUp, FieldCollectionsAcrossScreens)
 TEST(ValidationManager, ResultForOneScreenAppliesMessagePrecedencePerInput)
 {
     OSTValidationManager manager;
-    manager.addScreenWithKey(u"profile"_s,
-                             mapFromJson(R"({"inputs": {"a": {"errorMessage": "Own message of a."}, "b": {}, "c": {}}})"));
+    manager.addScreen(u"profile"_s, *screenDocument(R"({"inputs": {"a": {"errorMessage": "Own message of a."}, "b": {}, "c": {}}})"));
     ScreenViews screen = attachScreen(manager, u"profile"_s, {u"a"_s, u"b"_s, u"c"_s});
     for (FakeTextInput *input : screen.inputs) {
         input->type(u"text"_s);
@@ -254,10 +259,10 @@ TEST(ValidationManager, ResultForOneScreenAppliesMessagePrecedencePerInput)
 
 TEST_F(ValidationManagerWithSignUp, FlowResultWithoutFieldsGoesToTheLastScreenUntilAnyValidityIsSet)
 {
-    manager.addScreenWithKey(u"about"_s, mapFromJson(R"({"inputs": {"city": {}, "street": {}}})"));
+    manager.addScreen(u"about"_s, *screenDocument(R"({"inputs": {"city": {}, "street": {}}})"));
     ScreenViews about = attachScreen(manager, u"about"_s, {u"city"_s, u"street"_s});
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s});
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
+    manager.addScreen(u"signup"_s, *screenDocument(signUpLayout));
     about.input(u"city"_s).type(u"Paris"_s);
     about.input(u"street"_s).type(u"Rue de Rivoli"_s);
     const int signUpNotifications = signUp.view->validityChangedCount;
@@ -286,7 +291,7 @@ TEST_F(ValidationManagerWithSignUp, FlowResultWithoutFieldsGoesToTheLastScreenUn
 
 TEST_F(ValidationManagerWithSignUp, FlowResultWithFieldsReachesEveryScreenAndFieldsRecoverTheirDefaults)
 {
-    manager.addScreenWithKey(u"confirm"_s, mapFromJson(R"({"inputs": {
+    manager.addScreen(u"confirm"_s, *screenDocument(R"({"inputs": {
         "again": {"userPropertyName": "email", "errorMessage": "Repeat your e-mail address."}}})"));
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s});
     ScreenViews confirm = attachScreen(manager, u"confirm"_s, {u"again"_s});
