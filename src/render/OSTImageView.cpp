@@ -28,25 +28,25 @@ QVariantMap userPropertiesReferencedBy(const OSTImageSource &source)
 } // namespace
 
 OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTImageView(frame, properties, OSTImageSource::fromProperties(properties), parent)
+    : OSTImageView(frame, OSTImageDescription(QString(), properties), parent)
 {
 }
 
-OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, const OSTImageSource &source,
-                           QWidget *parent)
-    : OSTView(frame, properties, Styling::InSubclassConstructor, parent),
+OSTImageView::OSTImageView(const QRect &frame, const OSTImageDescription &description, QWidget *parent)
+    : OSTView(frame, description, Styling::InSubclassConstructor, parent),
       m_display(new OSTImageDisplay(container())),
-      m_candidates(source.candidateURLs(userPropertiesReferencedBy(source))),
-      m_imageRequired(source.required)
+      m_candidates(description.source().candidateURLs(userPropertiesReferencedBy(description.source()))),
+      m_imageRequired(description.source().required)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     m_display->setGeometry(container()->rect());
-    if (const auto description = ost_stringForKey(properties, u"accessibilityLabel"_s))
-        m_display->setAccessibleName(*description);
-    m_display->setCapInsets(source.capInsets);
+    if (const std::optional<QString> &label = description.accessibilityLabel())
+        m_display->setAccessibleName(*label);
+    m_display->setCapInsets(description.source().capInsets);
     m_loading = true;
     loadNextCandidate(0);
-    customizeWithProperties(properties);
+    customize(description);
+    m_display->setContentMode(description.source().contentMode);
 }
 
 QList<QUrl> OSTImageView::candidateURLsWithProperties(const QVariantMap &properties, const QVariantMap &userProperties)

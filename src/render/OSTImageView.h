@@ -1,6 +1,7 @@
 #pragma once
 
 #include "render/OSTView.h"
+#include "screen/OSTImageDescription.h"
 #include "screen/OSTImageSource.h"
 
 #include <QImage>
@@ -33,6 +34,7 @@ class OSTImageView : public OSTView {
 
 public:
     OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
+    OSTImageView(const QRect &frame, const OSTImageDescription &description, QWidget *parent = nullptr);
 
     void customizeWithProperties(const QVariantMap &properties) override;
 
@@ -55,8 +57,6 @@ signals:
     void requiredImageFinished();
 
 private:
-    OSTImageView(const QRect &frame, const QVariantMap &properties, const OSTImageSource &source, QWidget *parent);
-
     void loadNextCandidate(qsizetype index);
     void finishLoadingWithImage(const QImage &image);
 

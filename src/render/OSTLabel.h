@@ -1,6 +1,7 @@
 #pragma once
 
 #include "render/OSTView.h"
+#include "screen/OSTLabelDescription.h"
 
 namespace ostrel {
 
@@ -17,8 +18,11 @@ class OSTLabel : public OSTView {
 
 public:
     OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
+    OSTLabel(const QRect &frame, const OSTLabelDescription &description, QWidget *parent = nullptr);
 
     void customizeWithProperties(const QVariantMap &properties) override;
+    // Restyles the label and sets its text from a description.
+    void customize(const OSTLabelDescription &description);
 
     QString text() const;
     // A null or empty string clears the text.

@@ -29,6 +29,26 @@ OSTView::OSTView(const QRect &frame, const QVariantMap &properties, Styling styl
         OSTView::customizeWithProperties(properties);
 }
 
+OSTView::OSTView(const QRect &frame, const OSTElementDescription &description, QWidget *parent)
+    : OSTView(frame, description, Styling::InThisConstructor, parent)
+{
+}
+
+OSTView::OSTView(const QRect &frame, const OSTElementDescription &description, Styling styling, QWidget *parent)
+    : OSTView(frame, QVariantMap(), Styling::InSubclassConstructor, parent)
+{
+    if (styling == Styling::InThisConstructor)
+        customize(description);
+}
+
+void OSTView::customize(const OSTElementDescription &description)
+{
+    m_alpha = description.alpha();
+    m_container->setLook(description.box());
+    m_objectShadow = description.objectShadow();
+    applyEffect();
+}
+
 void OSTView::customizeWithProperties(const QVariantMap &properties)
 {
     m_alpha = std::clamp(ost_stringNumberForKey(properties, u"alpha"_s).value_or(1.0), 0.0, 1.0);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "screen/OSTElementDescription.h"
 #include "screen/OSTShadow.h"
 
 #include <QVariantMap>
@@ -37,6 +38,8 @@ class OSTView : public QWidget {
 public:
     // A plain view, styled from `properties` before the constructor returns.
     OSTView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
+    // A plain view of an element, styled from its description before the constructor returns.
+    OSTView(const QRect &frame, const OSTElementDescription &description, QWidget *parent = nullptr);
 
     // Restyles the view. Each call describes the whole look: a key that is absent takes its
     // default, nothing carries over from an earlier call. Element views override it and call
@@ -55,6 +58,11 @@ protected:
 
     OSTView(const QRect &frame, const QVariantMap &properties, Styling styling,
             QWidget *parent = nullptr);
+    OSTView(const QRect &frame, const OSTElementDescription &description, Styling styling,
+            QWidget *parent = nullptr);
+
+    // Restyles the view from a description: its alpha, box and drop shadow.
+    void customize(const OSTElementDescription &description);
 
     void resizeEvent(QResizeEvent *event) override;
 

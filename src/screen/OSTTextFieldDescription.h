@@ -87,11 +87,6 @@ public:
     const OSTValidationSettings &validation() const { return m_validation; }
     ValueVisibility valueVisibility() const { return m_valueVisibility; }
 
-    // The reading rules a text field still applies to its properties itself: the alignment word
-    // of a text object and the invalid state laid over the field.
-    static std::optional<QString> alignmentWordOf(const QVariantMap &properties);
-    static QVariantMap invalidStateProperties(const QVariantMap &properties);
-
 private:
     void readLimits(const QVariantMap &properties);
 

@@ -1,10 +1,17 @@
 #pragma once
 
-// A window to hold inputs under keyboard focus, as a screen holds them.
+// A window to hold inputs under keyboard focus, as a screen holds them, and the descriptions the
+// inputs are built from.
+
+#include "support/OSTTestSupport.h"
 
 #include <QApplication>
+#include <QString>
 #include <QTest>
+#include <QVariantMap>
 #include <QWidget>
+
+#include <memory>
 
 namespace ostrel::test {
 
@@ -28,6 +35,20 @@ Widget *shown(Widget *widget)
 {
     widget->show();
     return widget;
+}
+
+// The description of the element `key` with `properties`, as a screen document reads it.
+template <typename Description>
+std::shared_ptr<const Description> describe(const QVariantMap &properties, const QString &key)
+{
+    return std::make_shared<const Description>(key, properties);
+}
+
+// The same with the properties as JSON text.
+template <typename Description>
+std::shared_ptr<const Description> describe(const char *json, const QString &key)
+{
+    return describe<Description>(jsonObject(json), key);
 }
 
 } // namespace ostrel::test

@@ -6,6 +6,7 @@
 #include "input/OSTSelectionGroup.h"
 #include "input/OSTValidationItemModel.h"
 
+#include "OSTInputTestSupport.h"
 #include "OSTValidationTestFakes.h"
 #include "../render/OSTPixelTestSupport.h"
 
@@ -53,7 +54,8 @@ protected:
         const QString properties = u"{\"elements\": {\"a\": \"A\", \"b\": \"B\", \"c\": 3}%1}"_s.arg(QString::fromUtf8(extra));
         auto group = std::make_unique<OSTSelectionGroup>(groupDescription(properties.toUtf8().constData(), "group"));
         for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
-            buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30), jsonObject(R"({"states": {}})"), name, &screenWidget));
+            buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30),
+                    test::describe<OSTButtonDescription>(R"({"states": {}})", name), &screenWidget));
         group->setElements({buttons[0].get(), buttons[1].get(), buttons[2].get()});
         group->setDelegate(&screen);
         return group;
@@ -146,7 +148,8 @@ TEST_F(SelectionGroupTest, ValuesRestoreTheSameButtonsAndBadInputGivesDefaults)
     // A button's own receivers no longer hear its taps.
     int ownTaps = 0;
     buttons.clear();
-    buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30), jsonObject(R"({"states": {}})"), u"a"_s, &screenWidget));
+    buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30),
+            test::describe<OSTButtonDescription>(R"({"states": {}})", u"a"_s), &screenWidget));
     QObject::connect(buttons[0].get(), &OSTButton::tapped, [&ownTaps] { ++ownTaps; });
     OSTSelectionGroup taking(groupDescription(R"({"elements": {"a": "A"}})", "taking"));
     taking.setElements({buttons[0].get(), nullptr});
