@@ -19,6 +19,7 @@
 #include "render/OSTLabel.h"
 #include "render/OSTLayoutManager.h"
 #include "render/OSTView.h"
+#include "screen/OSTScreenDocument.h"
 
 #include <QJsonDocument>
 #include <QMouseEvent>
@@ -89,19 +90,21 @@ OSTScreenView *OSTScreenView::create(const std::shared_ptr<const OSTScreen> &scr
     const std::optional<QVariantMap> layout = parseScreenJson(text);
     if (!layout)
         return nullptr;
-    auto layoutManager = std::make_unique<OSTLayoutManager>(*layout, QRectF(QPointF(), area),
+    auto document = OSTScreenDocument::fromLayout(*layout);
+    auto layoutManager = std::make_unique<OSTLayoutManager>(*document, QRectF(QPointF(), area),
                                                             OSTDeviceScreen::statusBarHeight());
     if (!layoutManager->resolveLayout() && unresolved == UnresolvedLayout::Fail) {
         OSTLogging::logError(u"The layout of screen %1 cannot be resolved"_s, screen->key());
         return nullptr;
     }
-    return new OSTScreenView(screen, *layout, std::move(layoutManager), unresolved, parent);
+    return new OSTScreenView(screen, *layout, std::move(document), std::move(layoutManager), unresolved, parent);
 }
 
 OSTScreenView::OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, const QVariantMap &layout,
+                             std::shared_ptr<const OSTScreenDocument> document,
                              std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
                              QWidget *parent)
-    : QWidget(parent), m_screen(screen), m_layout(layout), m_unresolved(unresolved),
+    : QWidget(parent), m_screen(screen), m_layout(layout), m_document(std::move(document)), m_unresolved(unresolved),
       m_layoutManager(std::move(layoutManager))
 {
     const QSizeF area = m_layoutManager->baseElement()->frame().size();
@@ -567,9 +570,9 @@ void OSTScreenView::buildErrorLayoutOnce()
     m_errorMessageUpdatedProperties = alternative.isEmpty()
         ? m_errorMessageProperties
         : ost_mergeIntoDictionary(alternative, m_errorMessageProperties);
-    auto errorLayout = std::make_unique<OSTLayoutManager>(m_layout, QRectF(QPointF(), QSizeF(size())),
+    auto errorLayout = std::make_unique<OSTLayoutManager>(*m_document, QRectF(QPointF(), QSizeF(size())),
                                                           m_layoutManager->statusBarHeight());
-    errorLayout->updateLayout(m_errorMessageUpdatedProperties, errorMessageKey);
+    errorLayout->updateLayout(m_document->errorMessageWhileShowing()->frame(), errorMessageKey);
     if (errorLayout->resolveLayout())
         m_errorLayoutManager = std::move(errorLayout);
 }
@@ -635,7 +638,7 @@ void OSTScreenView::relayout()
 {
     if (size() == m_layoutArea)
         return;
-    auto layoutManager = std::make_unique<OSTLayoutManager>(m_layout, QRectF(QPointF(), QSizeF(size())),
+    auto layoutManager = std::make_unique<OSTLayoutManager>(*m_document, QRectF(QPointF(), QSizeF(size())),
                                                             m_layoutManager->statusBarHeight());
     const bool resolved = layoutManager->resolveLayout();
     if (!resolved && m_unresolved == UnresolvedLayout::Fail) {

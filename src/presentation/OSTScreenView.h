@@ -29,6 +29,7 @@ class OSTInput;
 class OSTLabel;
 class OSTLayoutManager;
 class OSTScreen;
+class OSTScreenDocument;
 class OSTScreenViewDelegate;
 class OSTValidationItem;
 class OSTView;
@@ -124,7 +125,7 @@ protected:
 
 private:
     OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, const QVariantMap &layout,
-                  std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
+                  std::shared_ptr<const OSTScreenDocument> document, std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
                   QWidget *parent);
 
     void buildPage();
@@ -166,6 +167,7 @@ private:
 
     const std::shared_ptr<const OSTScreen> m_screen;
     const QVariantMap m_layout;
+    const std::shared_ptr<const OSTScreenDocument> m_document;
     const UnresolvedLayout m_unresolved;
     std::unique_ptr<OSTLayoutManager> m_layoutManager;
     QSize m_layoutArea; // the size m_layoutManager was resolved at

@@ -104,6 +104,25 @@ TEST(ScreenDocument, FramesTakeStringFormulasOnlyAndLayersTruncatedNumbers)
     const auto &entries = document->layoutEntries();
     EXPECT_EQ(entries.value(u"plain"_s).zLayer, 200) << "a shape's default layer";
     EXPECT_EQ(entries.value(u"set"_s).zLayer, 12);
+
+    const struct {
+        const char *json;
+        std::optional<qint64> zLayer;
+        bool anchored;
+    } readings[] = {
+        {R"({"zLayer": "1,250"})", 1250, true}, // the "en_US" decimal reading
+        {R"({"zLayer": "12abc"})", std::nullopt, true},
+        {R"({"zLayer": -0.5})", 0, true},
+        {R"({"zLayer": true})", 1, true}, // a JSON boolean is a number
+        {R"({"anchored": "  -0001"})", std::nullopt, true},
+        {R"({"anchored": "00"})", std::nullopt, false},
+        {R"({"anchored": true})", std::nullopt, true}, // not a string: the default
+    };
+    for (const auto &reading : readings) {
+        const OSTElementFrame frame = OSTElementFrame::fromProperties(jsonObject(reading.json));
+        EXPECT_EQ(frame.zLayer, reading.zLayer) << reading.json;
+        EXPECT_EQ(frame.anchored, reading.anchored) << reading.json;
+    }
 }
 
 TEST(ScreenDocument, BoxesAlphaAndShadowsReadVisualValuesFromStringsOnly)
@@ -325,7 +344,7 @@ TEST(ScreenDocument, LayoutEntriesKeepTheLaterCategoryAndTheLastGroupListingAMem
     EXPECT_EQ(document->groupedKeys(), (QStringList{u"member"_s, u"g2"_s, u"missing"_s, u"g1"_s, u"member"_s}));
 }
 
-TEST(ScreenDocument, TheLayoutTableIsTheLayoutEnginesOnSamplesAndTangledGroups)
+TEST(ScreenDocument, TheLayoutEngineTakesTheLayoutTableOnSamplesAndTangledGroups)
 {
     QStringList texts = {
         uR"({"labels": {"same": {"x": "1", "zLayer": "3"}, "member": {"anchored": "no"}}, "buttons": {"same": {"x": "2"}},
@@ -343,7 +362,7 @@ TEST(ScreenDocument, TheLayoutTableIsTheLayoutEnginesOnSamplesAndTangledGroups)
     for (const QString &text : texts) {
         const auto document = OSTScreenDocument::read(text);
         ASSERT_TRUE(document);
-        const OSTLayoutManager layout(QJsonDocument::fromJson(text.toUtf8()).toVariant().toMap(), QRectF(0, 0, 375, 667), 20);
+        const OSTLayoutManager layout(*document, QRectF(0, 0, 375, 667), 20);
         EXPECT_EQ(ost_layoutTableDifference(*document, layout), QString()) << text.left(200).toStdString();
     }
 }
