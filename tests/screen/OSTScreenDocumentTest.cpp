@@ -166,6 +166,21 @@ TEST(ScreenDocument, BoxesAlphaAndShadowsReadVisualValuesFromStringsOnly)
     EXPECT_EQ(d.box().gradient->direction, OSTBoxLook::GradientDirection::Vertical) << "a radial one has none";
 }
 
+TEST(ScreenDocument, ObjectShadowsNeedAPositiveRadiusButNotAVisibleColour)
+{
+    const auto shadowFor = [](const char *json) {
+        return OSTElementDescription(OSTElementKind::Shape, u"s"_s, jsonObject(json)).objectShadow();
+    };
+    // Too short, a colour that is no string, not an array.
+    for (const char *json : {R"({"objectShadow": ["#000000", "4", "0"]})", R"({"objectShadow": [0, "4", "0", "2"]})",
+                             R"({"objectShadow": ["#000000", "-3", "0", "2"]})", R"({"objectShadow": {"color": "#000"}})"})
+        EXPECT_FALSE(shadowFor(json)) << json;
+    const auto clear = shadowFor(R"({"objectShadow": ["#0000", 4, "0", "2"]})");
+    ASSERT_TRUE(clear) << "a clear colour does not cancel the shadow";
+    EXPECT_EQ(clear->color.alpha(), 0);
+    EXPECT_EQ(clear->blurRadius, 4) << "numbers are accepted inside the array";
+}
+
 TEST(ScreenDocument, LabelsAndImagesReadTheirTextsAndSources)
 {
     const auto document = documentOf(R"({
