@@ -1,6 +1,5 @@
 #include "render/OSTImageView.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "network/OSTImageManager.h"
 #include "render/OSTBackgroundView.h"
@@ -10,8 +9,6 @@
 #include <ostrel/OSTUser.h>
 
 #include <QPointer>
-
-using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
@@ -27,11 +24,6 @@ QVariantMap userPropertiesReferencedBy(const OSTImageSource &source)
 
 } // namespace
 
-OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTImageView(frame, OSTImageDescription(QString(), properties), parent)
-{
-}
-
 OSTImageView::OSTImageView(const QRect &frame, const OSTImageDescription &description, QWidget *parent)
     : OSTView(frame, description, Styling::InSubclassConstructor, parent),
       m_display(new OSTImageDisplay(container())),
@@ -40,13 +32,17 @@ OSTImageView::OSTImageView(const QRect &frame, const OSTImageDescription &descri
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     m_display->setGeometry(container()->rect());
-    if (const std::optional<QString> &label = description.accessibilityLabel())
-        m_display->setAccessibleName(*label);
+    if (const auto &name = description.accessibilityLabel())
+        m_display->setAccessibleName(*name);
     m_display->setCapInsets(description.source().capInsets);
     m_loading = true;
     loadNextCandidate(0);
     customize(description);
-    m_display->setContentMode(description.source().contentMode);
+}
+
+OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
+    : OSTImageView(frame, OSTImageDescription(QString(), properties), parent)
+{
 }
 
 QList<QUrl> OSTImageView::candidateURLsWithProperties(const QVariantMap &properties, const QVariantMap &userProperties)
@@ -54,10 +50,15 @@ QList<QUrl> OSTImageView::candidateURLsWithProperties(const QVariantMap &propert
     return OSTImageSource::fromProperties(properties).candidateURLs(userProperties);
 }
 
+void OSTImageView::customize(const OSTImageDescription &description)
+{
+    OSTView::customize(description);
+    m_display->setContentMode(description.source().contentMode);
+}
+
 void OSTImageView::customizeWithProperties(const QVariantMap &properties)
 {
-    OSTView::customizeWithProperties(properties);
-    m_display->setContentMode(UIViewContentModeFromString(ost_stringForKey(properties, u"contentMode"_s)));
+    customize(OSTImageDescription(QString(), properties));
 }
 
 QImage OSTImageView::image() const

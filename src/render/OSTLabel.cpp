@@ -3,14 +3,7 @@
 #include "render/OSTBackgroundView.h"
 #include "render/OSTTextLabel.h"
 
-using namespace Qt::StringLiterals;
-
 namespace ostrel {
-
-OSTLabel::OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTLabel(frame, OSTLabelDescription(QString(), properties), parent)
-{
-}
 
 OSTLabel::OSTLabel(const QRect &frame, const OSTLabelDescription &description, QWidget *parent)
     : OSTView(frame, description, Styling::InSubclassConstructor, parent),
@@ -21,9 +14,9 @@ OSTLabel::OSTLabel(const QRect &frame, const OSTLabelDescription &description, Q
     customize(description);
 }
 
-void OSTLabel::customizeWithProperties(const QVariantMap &properties)
+OSTLabel::OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent)
+    : OSTLabel(frame, OSTLabelDescription(QString(), properties), parent)
 {
-    customize(OSTLabelDescription(QString(), properties));
 }
 
 void OSTLabel::customize(const OSTLabelDescription &description)
@@ -34,6 +27,11 @@ void OSTLabel::customize(const OSTLabelDescription &description)
     m_internalLabel->setAlignment(attributes.horizontalAlignment() | Qt::AlignVCenter);
     m_internalLabel->setMinimumScaleFactor(description.minimumScaleFactor());
     setText(description.text());
+}
+
+void OSTLabel::customizeWithProperties(const QVariantMap &properties)
+{
+    customize(OSTLabelDescription(QString(), properties));
 }
 
 QString OSTLabel::text() const

@@ -130,13 +130,17 @@ void OSTScreenDocument::readGroups(const QVariantMap &layout)
         const QVariantList listed =
             ost_arrayForKey(group.value().toMap(), OSTScreenVocabulary::groupMembersKey).value_or(QVariantList());
         QStringList members;
+        QStringList viewKeys;
         for (const QVariant &member : listed) {
             if (member.metaType() == QMetaType::fromType<QString>())
                 members.append(member.toString());
+            viewKeys.append(member.toString());
         }
         m_groupedKeys.append(members);
-        if (group.value().metaType() == QMetaType::fromType<QVariantMap>())
+        if (group.value().metaType() == QMetaType::fromType<QVariantMap>()) {
             m_groupMembers.insert(group.key(), members);
+            m_groupViewKeys.insert(group.key(), viewKeys);
+        }
     }
 }
 

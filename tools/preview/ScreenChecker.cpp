@@ -4,6 +4,7 @@
 
 #include "render/OSTLayoutManager.h"
 #include "render/OSTLayoutPatterns.h"
+#include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 
 #include <QFile>
@@ -216,7 +217,7 @@ void ScreenChecker::checkGroups(const QVariantMap &layout, QList<Problem> &probl
 
 void ScreenChecker::checkLayout(const QVariantMap &layout, QList<Problem> &problems) const
 {
-    ostrel::OSTLayoutManager manager(layout, QRectF(QPointF(), m_area), 0);
+    ostrel::OSTLayoutManager manager(*ostrel::OSTScreenDocument::fromLayout(layout), QRectF(QPointF(), m_area), 0);
     if (manager.resolveLayout())
         return;
     for (const QString &category : elementCategories) {
