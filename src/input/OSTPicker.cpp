@@ -55,7 +55,9 @@ QString displayFormatFor(UIDatePickerMode mode, const QLocale &locale)
 } // namespace
 
 OSTPicker::OSTPicker(const QRect &frame, std::shared_ptr<const OSTPickerDescription> description, QWidget *parent)
-    : OSTView(frame, QVariantMap(), Styling::InSubclassConstructor, parent),
+    // The picker's own view has no look: its box is the background's.
+    : OSTView(frame, OSTElementDescription(OSTElementKind::Picker, description->key(), {}),
+              Styling::InSubclassConstructor, parent),
       OSTInput(*this, description->inputOrder()),
       m_name(description->key()),
       m_backgroundView(new OSTImageView(QRect(QPoint(), frame.size()), *description->background(), container())),

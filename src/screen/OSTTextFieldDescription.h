@@ -28,9 +28,10 @@ namespace ostrel {
 //   "secureTextEntry", "adjustsFontSizeToFitWidth", "clearsOnBeginEditing",
 //   "enablesReturnKeyAutomatically", "autoSubmit" (default true)  JSON booleans or strings
 //   "minimumFontSize"  a number or numeric string; 0 otherwise
-//   "maxLength", "minLength"  numbers or numeric strings as integers; no maximum (-1) and 0
-//            otherwise; the minimum is held to the maximum, and the phone types set their own
-//            maximum (14; a PIN 4)
+//   "maxLength", "minLength"  numbers or numeric strings as integers; 0 otherwise. A maximum of
+//            0 or, below that, -1 is none; the minimum is held to the written maximum unless that
+//            is -1 (so without a maximum, to 0), and the phone types set their own maximum (14;
+//            a PIN 4)
 //   "textType", "keyboardType", "autocapitalizationType", "autocorrectionType",
 //   "clearButtonMode", "verticalAlignment", "horizontalAlignment"  words (OSTPropertyConversions)
 //   "validationPattern"  a regular expression the text must match

@@ -76,6 +76,7 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
         manager.addScreen(u"profile"_s, *screenDocument(R"({
             "inputs": {"broken": 5, "email": {"isUnique": "true"}, "password": {"textType": "password"},
                        "phone": {"textType": "phoneNumberValidated"}, "phone2": {"textType": "phoneNumberValidated"},
+                       "picker": {"picker": {"pickerData": ["a"]}, "isOptional": "true"},
                        "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"},
                        "secret": {"secureTextEntry": "yes"}},
             "buttons": {"agree": {"buttonType": "toggleSwitch"}, "next": {"title": "Next"}, "oddType": {"buttonType": 3},
@@ -88,13 +89,14 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     ASSERT_EQ(manager.groups().size(), 1u);
     const auto group = manager.groupModelForKey(u"profile"_s);
     ASSERT_TRUE(group);
-    EXPECT_EQ(itemKeys(*group), (QStringList{u"email"_s, u"password"_s, u"phone"_s, u"phone2"_s, u"pin"_s,
+    EXPECT_EQ(itemKeys(*group), (QStringList{u"email"_s, u"password"_s, u"phone"_s, u"phone2"_s, u"picker"_s, u"pin"_s,
                                              u"secret"_s, u"agree"_s, u"choice"_s, u"loose"_s}))
         << "plain buttons and the selection group's members have no item";
     EXPECT_EQ(group->itemModelForKey(u"password"_s)->visibilityLevel(), OSTVisibilityLevel::Secret);
     EXPECT_EQ(group->itemModelForKey(u"secret"_s)->visibilityLevel(), OSTVisibilityLevel::Secret);
     EXPECT_EQ(group->itemModelForKey(u"pin"_s)->visibilityLevel(), OSTVisibilityLevel::Transient);
     EXPECT_EQ(group->itemModelForKey(u"email"_s)->visibilityLevel(), OSTVisibilityLevel::Savable);
+    EXPECT_TRUE(group->itemModelForKey(u"picker"_s)->isOptional()) << "pickers take their settings too";
     EXPECT_EQ(manager.phoneNumberItemOfGroupWithKey(u"profile"_s), group->itemModelForKey(u"phone2"_s))
         << "the last validated phone field wins";
 
