@@ -26,28 +26,34 @@ struct ScreenItems {
     std::shared_ptr<OSTValidationItemModel> phoneNumberItem;
 };
 
+// Text fields and pickers; their settings say how each value is kept.
+const OSTValidationSettings *inputValidation(const OSTElementDescription &element)
+{
+    if (const auto *field = dynamic_cast<const OSTTextFieldDescription *>(&element))
+        return &field->validation();
+    if (const auto *picker = dynamic_cast<const OSTPickerDescription *>(&element))
+        return &picker->validation();
+    return nullptr;
+}
+
 void collectInputItems(const OSTScreenDocument &document, ScreenItems &screen)
 {
     for (const auto &element : document.elements(u"inputs"_s)) {
-        if (const auto *picker = dynamic_cast<const OSTPickerDescription *>(element.get())) {
-            screen.items.push_back(std::make_shared<OSTValidationItemModel>(picker->key(), picker->validation()));
+        const OSTValidationSettings *settings = inputValidation(*element);
+        if (!settings)
             continue;
-        }
-        const auto *field = dynamic_cast<const OSTTextFieldDescription *>(element.get());
-        if (!field)
-            continue;
-        auto item = std::make_shared<OSTValidationItemModel>(field->key(), field->validation());
-        switch (field->valueVisibility()) {
-        case OSTTextFieldDescription::ValueVisibility::Transient:
+        auto item = std::make_shared<OSTValidationItemModel>(element->key(), *settings);
+        switch (settings->valueVisibility) {
+        case OSTValidationSettings::ValueVisibility::Transient:
             item->setVisibilityLevel(OSTVisibilityLevel::Transient);
             break;
-        case OSTTextFieldDescription::ValueVisibility::Secret:
+        case OSTValidationSettings::ValueVisibility::Secret:
             item->setVisibilityLevel(OSTVisibilityLevel::Secret);
             break;
-        case OSTTextFieldDescription::ValueVisibility::PhoneNumberToVerify:
+        case OSTValidationSettings::ValueVisibility::PhoneNumberToVerify:
             screen.phoneNumberItem = item;
             break;
-        case OSTTextFieldDescription::ValueVisibility::Plain:
+        case OSTValidationSettings::ValueVisibility::Plain:
             break;
         }
         screen.items.push_back(std::move(item));

@@ -48,19 +48,6 @@ std::optional<UIControlContentHorizontalAlignment> contentHorizontalAlignmentOf(
     return UIControlContentHorizontalAlignmentFromString(word);
 }
 
-OSTTextFieldDescription::ValueVisibility valueVisibilityOf(const QVariantMap &properties)
-{
-    const QString textType = ost_stringForKey(properties, u"textType"_s).value_or(QString());
-    const bool secureTextEntry = ost_boolValue(ost_stringForKey(properties, u"secureTextEntry"_s).value_or(QString()));
-    if (textType == u"phoneNumberPin"_s)
-        return OSTTextFieldDescription::ValueVisibility::Transient;
-    if (textType == u"password"_s || secureTextEntry)
-        return OSTTextFieldDescription::ValueVisibility::Secret;
-    if (textType == u"phoneNumberValidated"_s)
-        return OSTTextFieldDescription::ValueVisibility::PhoneNumberToVerify;
-    return OSTTextFieldDescription::ValueVisibility::Plain;
-}
-
 } // namespace
 
 OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVariantMap &properties)
@@ -87,8 +74,7 @@ OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVari
       m_initialText(ost_stringForKey(ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()), u"text"_s)
                         .value_or(QString())),
       m_inputOrder(ost_integerForKey(properties, u"inputOrder"_s)),
-      m_validation(OSTValidationSettings::fromProperties(key, properties)),
-      m_valueVisibility(valueVisibilityOf(properties))
+      m_validation(OSTValidationSettings::fromProperties(key, properties))
 {
     readLimits(properties);
     if (const std::optional<QVariantMap> placeholder = ost_dictionaryForKey(properties, u"placeholder"_s))

@@ -48,10 +48,7 @@ public:
         std::optional<QString> alignmentWord;
         std::optional<QMargins> contentInsets;
     };
-    // How the screen's validation keeps the value: a PIN only for the moment, a password as a
-    // secret (also for a "secureTextEntry" string read as true), a validated phone number as the
-    // number to verify.
-    enum class ValueVisibility { Plain, Transient, Secret, PhoneNumberToVerify };
+    using ValueVisibility = OSTValidationSettings::ValueVisibility;
 
     OSTTextFieldDescription(const QString &key, const QVariantMap &properties);
     ~OSTTextFieldDescription() override;
@@ -86,7 +83,8 @@ public:
     const std::optional<OSTToolbarSettings> &toolbar() const { return m_toolbar; }
     int inputOrder() const { return m_inputOrder; }
     const OSTValidationSettings &validation() const { return m_validation; }
-    ValueVisibility valueVisibility() const { return m_valueVisibility; }
+    // How the screen's validation keeps the value (OSTValidationSettings).
+    ValueVisibility valueVisibility() const { return m_validation.valueVisibility; }
 
 private:
     void readLimits(const QVariantMap &properties);
@@ -116,7 +114,6 @@ private:
     std::optional<OSTToolbarSettings> m_toolbar;
     const int m_inputOrder;
     const OSTValidationSettings m_validation;
-    const ValueVisibility m_valueVisibility;
 };
 
 } // namespace ostrel

@@ -76,7 +76,7 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
         manager.addScreen(u"profile"_s, *screenDocument(R"({
             "inputs": {"broken": 5, "email": {"isUnique": "true"}, "password": {"textType": "password"},
                        "phone": {"textType": "phoneNumberValidated"}, "phone2": {"textType": "phoneNumberValidated"},
-                       "picker": {"picker": {"pickerData": ["a"]}, "isOptional": "true"},
+                       "picker": {"picker": {"pickerData": ["a"]}, "isOptional": "true", "secureTextEntry": "yes"},
                        "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"},
                        "secret": {"secureTextEntry": "yes"}},
             "buttons": {"agree": {"buttonType": "toggleSwitch"}, "next": {"title": "Next"}, "oddType": {"buttonType": 3},
@@ -97,6 +97,7 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     EXPECT_EQ(group->itemModelForKey(u"pin"_s)->visibilityLevel(), OSTVisibilityLevel::Transient);
     EXPECT_EQ(group->itemModelForKey(u"email"_s)->visibilityLevel(), OSTVisibilityLevel::Savable);
     EXPECT_TRUE(group->itemModelForKey(u"picker"_s)->isOptional()) << "pickers take their settings too";
+    EXPECT_EQ(group->itemModelForKey(u"picker"_s)->visibilityLevel(), OSTVisibilityLevel::Secret);
     EXPECT_EQ(manager.phoneNumberItemOfGroupWithKey(u"profile"_s), group->itemModelForKey(u"phone2"_s))
         << "the last validated phone field wins";
 
