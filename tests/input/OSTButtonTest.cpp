@@ -39,10 +39,9 @@ using test::pngOf;
 
 TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)
 {
-    EXPECT_EQ(OSTButton::create(QRect(0, 0, 100, 40),
-            test::describe<OSTButtonDescription>(R"({"onClick": {"func": "next"}})", u"b"_s)), nullptr);
+    EXPECT_EQ(OSTButton::create(QRect(0, 0, 100, 40), test::buttonOf(R"({"onClick": {"func": "next"}})", u"b"_s)), nullptr);
 
-    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), test::describe<OSTButtonDescription>(R"({
+    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), test::buttonOf(R"({
         "states": {"normal": {"text": "Go & see", "size": "16", "textColor": "#000000"},
                    "pressed": {"textColor": "#FF0000"}, "disabled": {"text": "Wait"}},
         "onClick": {"func": "startFlow", "params": {"flowName": "LOGIN"}}})", u"go"_s)));
@@ -71,14 +70,14 @@ TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)
     EXPECT_EQ(accessible->role(), QAccessible::Button);
     EXPECT_EQ(accessible->text(QAccessible::Name), u"Go & see"_s) << "no keyboard shortcut made of the ampersand";
     std::unique_ptr<OSTButton> untitled(OSTButton::create(QRect(0, 0, 40, 40),
-            test::describe<OSTButtonDescription>(R"({"states": {}})", u"close"_s)));
+            test::buttonOf(R"({"states": {}})", u"close"_s)));
     EXPECT_EQ(QAccessible::queryAccessibleInterface(untitled.get())->text(QAccessible::Name), u"close"_s);
 }
 
 TEST(Button, ToggleTakesPartInValidationAndDisabledShowsOnlyItsBackground)
 {
     std::unique_ptr<OSTButton> toggle(OSTButton::create(QRect(0, 0, 40, 40),
-            test::describe<OSTButtonDescription>(R"({"buttonType": "toggle", "states": {"normal": {}, "pressed": {}}})", u"agree"_s)));
+            test::buttonOf(R"({"buttonType": "toggle", "states": {"normal": {}, "pressed": {}}})", u"agree"_s)));
     auto required = bindModel(*toggle, "false");
     EXPECT_FALSE(required->isValid());
     QTest::mouseClick(toggle.get(), Qt::LeftButton);
@@ -89,11 +88,11 @@ TEST(Button, ToggleTakesPartInValidationAndDisabledShowsOnlyItsBackground)
     EXPECT_FALSE(required->isValid());
 
     std::unique_ptr<OSTButton> optionalToggle(OSTButton::create(QRect(0, 0, 40, 40),
-            test::describe<OSTButtonDescription>(R"({"buttonType": "toggle", "states": {}})", u"news"_s)));
+            test::buttonOf(R"({"buttonType": "toggle", "states": {}})", u"news"_s)));
     EXPECT_TRUE(bindModel(*optionalToggle, "true")->isValid());
 
     std::unique_ptr<OSTButton> plain(OSTButton::create(QRect(0, 0, 40, 40),
-            test::describe<OSTButtonDescription>(R"({"states": {"normal": {}, "disabled": {}}})", u"b"_s)));
+            test::buttonOf(R"({"states": {"normal": {}, "disabled": {}}})", u"b"_s)));
     EXPECT_FALSE(plain->value().isValid()) << "a plain button has no value";
     plain->setEnabled(false);
     EXPECT_FALSE(plain->normalBackground()->isVisibleTo(plain.get()));
@@ -114,8 +113,7 @@ TEST_P(ButtonPixels, EachStateShowsItsOwnBackgroundImageAndTitleInsideRoundedCor
         ASSERT_TRUE(imageOfColor(picture.color, {30, 12}).save(bundle.filePath(QString::fromLatin1(picture.name))));
     OSTBundle::setMainBundlePath(bundle.path());
 
-    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40),
-            test::describe<OSTButtonDescription>(R"({"cornerRadius": "10",
+    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), test::buttonOf(R"({"cornerRadius": "10",
         "states": {"normal": {"text": "Go", "size": "18", "textColor": "#FFFFFF", "image": "https://img.test/red.png"},
                    "pressed": {"image": "https://img.test/green.png"},
                    "disabled": {"textColor": "#000000", "image": "https://img.test/blue.png"}}})", u"go"_s)));
@@ -162,9 +160,9 @@ TEST(InputShadows, ButtonsPickersAndTextFieldsCastTheirShadowOutsideTheirBox)
     const char *box = R"({"backgroundColor": "#FFFFFF", "cornerRadius": "10", "objectShadow": ["#000000", "1", "0", "12"],
                           "states": {"normal": {"text": "Go"}}, "picker": {"pickerData": ["Red"]}})";
     QWidget *const elements[] = {
-        OSTButton::create(QRect(20, 20, 100, 40), test::describe<OSTButtonDescription>(box, u"go"_s), &window),
-        new OSTPicker(QRect(20, 100, 100, 40), test::describe<OSTPickerDescription>(box, u"colour"_s), &window),
-        new OSTTextField(QRect(20, 180, 100, 40), test::describe<OSTTextFieldDescription>(box, u"name"_s), &window),
+        OSTButton::create(QRect(20, 20, 100, 40), test::buttonOf(box, u"go"_s), &window),
+        new OSTPicker(QRect(20, 100, 100, 40), test::pickerOf(box, u"colour"_s), &window),
+        new OSTTextField(QRect(20, 180, 100, 40), test::textFieldOf(box, u"name"_s), &window),
     };
     for (QWidget *element : elements)
         test::shown(element);
@@ -193,14 +191,14 @@ TEST(ImagePickerButton, ItsMenuComesFromTheSelectorAndTheChosenPictureBecomesVal
     // No selector, no menu: a press does nothing.
     test::InputWindow window;
     auto *plain = test::shown(OSTImagePickerButton::create(QRect(100, 0, 60, 60),
-            test::describe<OSTButtonDescription>(R"({"states": {"normal": {}}})", u"plain"_s), &window));
+            test::buttonOf(R"({"states": {"normal": {}}})", u"plain"_s), &window));
     QTest::mouseClick(plain, Qt::LeftButton);
     EXPECT_EQ(plain->menu(), nullptr);
     EXPECT_EQ(chooserOpened, 0);
     EXPECT_FALSE(plain->shouldShowErrorMessage());
 
     auto *picker = test::shown(OSTImagePickerButton::create(QRect(0, 0, 60, 60),
-            test::describe<OSTButtonDescription>(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}},
+            test::buttonOf(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}},
                        "imageSelector": {"cameraText": "Take one", "photosText": "Pick a file", "cancelText": "Not now"}})", u"avatar"_s), &window));
     auto model = bindModel(*picker, "false");
     ASSERT_TRUE(picker->menu());

@@ -3,12 +3,14 @@
 // A window to hold inputs under keyboard focus, as a screen holds them, and the descriptions the
 // inputs are built from.
 
+#include "screen/OSTButtonDescription.h"
+#include "screen/OSTPickerDescription.h"
+#include "screen/OSTTextFieldDescription.h"
 #include "support/OSTTestSupport.h"
 
 #include <QApplication>
 #include <QString>
 #include <QTest>
-#include <QVariantMap>
 #include <QWidget>
 
 #include <memory>
@@ -37,18 +39,21 @@ Widget *shown(Widget *widget)
     return widget;
 }
 
-// The description of the element `key` with `properties`, as a screen document reads it.
-template <typename Description>
-std::shared_ptr<const Description> describe(const QVariantMap &properties, const QString &key)
+// The descriptions of elements `key` with the properties of a JSON text, as a screen document
+// reads them.
+inline std::shared_ptr<const OSTButtonDescription> buttonOf(const char *json, const QString &key)
 {
-    return std::make_shared<const Description>(key, properties);
+    return std::make_shared<const OSTButtonDescription>(key, jsonObject(json));
 }
 
-// The same with the properties as JSON text.
-template <typename Description>
-std::shared_ptr<const Description> describe(const char *json, const QString &key)
+inline std::shared_ptr<const OSTPickerDescription> pickerOf(const char *json, const QString &key)
 {
-    return describe<Description>(jsonObject(json), key);
+    return std::make_shared<const OSTPickerDescription>(key, jsonObject(json));
+}
+
+inline std::shared_ptr<const OSTTextFieldDescription> textFieldOf(const char *json, const QString &key)
+{
+    return std::make_shared<const OSTTextFieldDescription>(key, jsonObject(json));
 }
 
 } // namespace ostrel::test

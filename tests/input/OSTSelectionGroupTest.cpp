@@ -55,7 +55,7 @@ protected:
         auto group = std::make_unique<OSTSelectionGroup>(groupDescription(properties.toUtf8().constData(), "group"));
         for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
             buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30),
-                    test::describe<OSTButtonDescription>(R"({"states": {}})", name), &screenWidget));
+                    test::buttonOf(R"({"states": {}})", name), &screenWidget));
         group->setElements({buttons[0].get(), buttons[1].get(), buttons[2].get()});
         group->setDelegate(&screen);
         return group;
@@ -148,8 +148,7 @@ TEST_F(SelectionGroupTest, ValuesRestoreTheSameButtonsAndBadInputGivesDefaults)
     // A button's own receivers no longer hear its taps.
     int ownTaps = 0;
     buttons.clear();
-    buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30),
-            test::describe<OSTButtonDescription>(R"({"states": {}})", u"a"_s), &screenWidget));
+    buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30), test::buttonOf(R"({"states": {}})", u"a"_s), &screenWidget));
     QObject::connect(buttons[0].get(), &OSTButton::tapped, [&ownTaps] { ++ownTaps; });
     OSTSelectionGroup taking(groupDescription(R"({"elements": {"a": "A"}})", "taking"));
     taking.setElements({buttons[0].get(), nullptr});

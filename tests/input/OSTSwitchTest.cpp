@@ -25,8 +25,7 @@ using test::pixelAt;
 
 TEST(Switch, RequiredSwitchIsValidWhileOnAndReportsTheUsersTaps)
 {
-    OSTSwitch pressed(QRect(0, 0, 100, 100),
-            OSTSwitchDescription(u"terms"_s, jsonObject(R"({"defaultState": "pressed"})")));
+    OSTSwitch pressed(QRect(0, 0, 100, 100), OSTSwitchDescription(u"terms"_s, jsonObject(R"({"defaultState": "pressed"})")));
     auto model = bindModel(pressed, "false");
     EXPECT_TRUE(model->isValid()) << "on from the start: valid as soon as the model is attached";
     EXPECT_EQ(model->value(), QVariant(true));

@@ -38,8 +38,7 @@ using test::jsonObject;
 
 OSTTextField *fieldIn(QWidget &window, const char *properties, const QString &name = u"field"_s)
 {
-    return test::shown(new OSTTextField(QRect(0, 0, 300, 40),
-            test::describe<OSTTextFieldDescription>(properties, name), &window));
+    return test::shown(new OSTTextField(QRect(0, 0, 300, 40), test::textFieldOf(properties, name), &window));
 }
 
 void typeInto(OSTTextField *field, const QString &text)
@@ -151,7 +150,7 @@ TEST(TextField, PhoneNumbersFormatLiveUnderTheChosenCountry)
 {
     test::InputWindow window;
     auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 300, 40),
-            test::describe<OSTPickerDescription>(R"({"picker": {"pickerType": "countryCode"}})", u"country"_s), &window));
+            test::pickerOf(R"({"picker": {"pickerType": "countryCode"}})", u"country"_s), &window));
     OSTTextField *phone = fieldIn(window, R"({"textType": "phoneNumberValidated",
         "placeholder": {"text": "Phone number"}})", u"phone"_s);
     const auto model = bindModel(*phone, "false");
@@ -201,8 +200,7 @@ TEST(TextField, PhoneNumbersFormatLiveUnderTheChosenCountry)
     OSTTextField *plain = fieldIn(window, "{}");
     picker->setDelegate(plain);
     EXPECT_EQ(plain->beginningCaretOffset(), 0);
-    OSTPicker custom(QRect(),
-            test::describe<OSTPickerDescription>(R"({"picker": {"pickerData": ["x"]}})", u"custom"_s), &window);
+    OSTPicker custom(QRect(), test::pickerOf(R"({"picker": {"pickerData": ["x"]}})", u"custom"_s), &window);
     OSTTextField *other = fieldIn(window, R"({"textType": "phoneNumber"})");
     other->pickerDidChangeCountry(custom, u"United States"_s, u"+1"_s);
     QTest::keyClicks(other, u"5551234"_s);
@@ -215,7 +213,7 @@ TEST(TextField, ReturnAndTabWalkTheInputsInOrderAndTheLastTellsTheScreen)
     OSTTextField *second = fieldIn(window, R"({"inputOrder": 2})", u"second"_s);
     OSTTextField *first = fieldIn(window, R"({"inputOrder": "1", "toolbar": {}})", u"first"_s);
     auto *third = test::shown<OSTPicker>(new OSTPicker(QRect(0, 100, 200, 40),
-            test::describe<OSTPickerDescription>(R"({"inputOrder": 3, "picker": {"pickerData": ["a"]}})", u"third"_s), &window));
+            test::pickerOf(R"({"inputOrder": 3, "picker": {"pickerData": ["a"]}})", u"third"_s), &window));
     OSTInput::chainInputs({second, third, first});
     QList<QString> returned;
     for (OSTInput *input : std::initializer_list<OSTInput *>{first, second, third})

@@ -80,8 +80,9 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
                        "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"},
                        "secret": {"secureTextEntry": "yes"}},
             "buttons": {"agree": {"buttonType": "toggleSwitch"}, "next": {"title": "Next"}, "oddType": {"buttonType": 3},
-                        "optionA": {"buttonType": "toggle"}, "optionB": {"buttonType": "toggle"}},
-            "selectionGroups": {"choice": {"elements": {"optionA": "a", "optionB": "b"}},
+                        "optionA": {"buttonType": "toggle"}, "optionB": {"buttonType": "toggle"},
+                        "optionC": {"buttonType": "toggle"}},
+            "selectionGroups": {"choice": {"elements": {"optionA": "a", "optionB": "b", "optionC": []}},
                                 "loose": {"elements": "optionA"}}})"));
     });
     EXPECT_TRUE(log.contains(u"Ostrel Warning: Ignoring \"broken\" in \"inputs\""_s)) << log.toStdString();
@@ -91,7 +92,7 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     ASSERT_TRUE(group);
     EXPECT_EQ(itemKeys(*group), (QStringList{u"email"_s, u"password"_s, u"phone"_s, u"phone2"_s, u"picker"_s, u"pin"_s,
                                              u"secret"_s, u"agree"_s, u"choice"_s, u"loose"_s}))
-        << "plain buttons and the selection group's members have no item";
+        << "plain buttons and the buttons a selection group lists, whatever their value, have no item";
     EXPECT_EQ(group->itemModelForKey(u"password"_s)->visibilityLevel(), OSTVisibilityLevel::Secret);
     EXPECT_EQ(group->itemModelForKey(u"secret"_s)->visibilityLevel(), OSTVisibilityLevel::Secret);
     EXPECT_EQ(group->itemModelForKey(u"pin"_s)->visibilityLevel(), OSTVisibilityLevel::Transient);

@@ -1,4 +1,4 @@
-// The keyboard bar's settings as a text field or picker reads them: titles and bar style.
+// The keyboard bar's settings: titles and bar style.
 
 #include "screen/OSTToolbarSettings.h"
 #include "support/OSTTestSupport.h"
@@ -10,17 +10,11 @@ using namespace Qt::StringLiterals;
 
 TEST(ToolbarSettings, TitlesDefaultAndAnyStyleButDefaultIsBlack)
 {
-    const OSTToolbarSettings plain = OSTToolbarSettings::fromProperties(test::jsonObject("{}"));
-    EXPECT_EQ(plain, (OSTToolbarSettings{u"Cancel"_s, u"Done"_s, OSTToolbarSettings::BarStyle::Default, false}));
-
-    const OSTToolbarSettings translucent = OSTToolbarSettings::fromProperties(
-        test::jsonObject(R"({"barStyle": "translucent", "cancelText": "No", "acceptText": 5})"));
-    EXPECT_EQ(translucent, (OSTToolbarSettings{u"No"_s, u"Done"_s, OSTToolbarSettings::BarStyle::Black, true}))
-        << "a title that is no string keeps its default";
-
-    const OSTToolbarSettings misspelt = OSTToolbarSettings::fromProperties(test::jsonObject(R"({"barStyle": "Default"})"));
-    EXPECT_EQ(misspelt.barStyle, OSTToolbarSettings::BarStyle::Black) << "words are case-sensitive";
-    EXPECT_FALSE(misspelt.translucent);
-    EXPECT_EQ(OSTToolbarSettings::fromProperties(test::jsonObject(R"({"barStyle": 1})")).barStyle,
-              OSTToolbarSettings::BarStyle::Default) << "a style that is no string is the default";
+    using Style = OSTToolbarSettings::BarStyle;
+    const auto settingsOf = [](const char *json) { return OSTToolbarSettings::fromProperties(test::jsonObject(json)); };
+    EXPECT_EQ(settingsOf("{}"), (OSTToolbarSettings{u"Cancel"_s, u"Done"_s, Style::Default, false}));
+    EXPECT_EQ(settingsOf(R"({"barStyle": "translucent", "cancelText": "No", "acceptText": 5})"),
+              (OSTToolbarSettings{u"No"_s, u"Done"_s, Style::Black, true}));
+    EXPECT_EQ(settingsOf(R"({"barStyle": "Default"})").barStyle, Style::Black) << "words are case-sensitive";
+    EXPECT_EQ(settingsOf(R"({"barStyle": 1})").barStyle, Style::Default);
 }
