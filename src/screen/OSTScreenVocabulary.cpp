@@ -58,6 +58,16 @@ QJsonObject errorAlternativeSchema()
     return animations;
 }
 
+template <typename Entry>
+std::optional<Entry> named(const QList<Entry> &entries, const QString &name)
+{
+    for (const Entry &each : entries) {
+        if (each.name == name)
+            return each;
+    }
+    return std::nullopt;
+}
+
 QJsonValue typesSchema(OSTValueTypes types)
 {
     static const std::pair<OSTValueType, QString> names[] = {
@@ -204,10 +214,8 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
                  .description = u"openUrl: close the experience after opening"_s},
                 {.name = u"successAction"_s,
                  .description = u"loginFacebook: what runs after a successful log-in"_s, .definition = u"action"_s}}}}},
-        {u"shape"_s, u"A painted box."_s, true, {u"frame"_s, u"box"_s}, {
-}},
-        {u"imageElement"_s, u"An image in a box."_s, true, {u"frame"_s, u"box"_s, u"image"_s}, {
-}},
+        {u"shape"_s, u"A painted box."_s, true, {u"frame"_s, u"box"_s}, {}},
+        {u"imageElement"_s, u"An image in a box."_s, true, {u"frame"_s, u"box"_s, u"image"_s}, {}},
         {u"label"_s, u"Styled text in a box."_s, true, {u"frame"_s, u"box"_s, u"text"_s}, {
             {.name = u"text"_s, .types = T::String, .description = u"The text"_s},
             {.name = u"minimumScaleFactor"_s, .types = T::String | T::Number,
@@ -326,18 +334,13 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
             {.name = u"minimumSelection"_s, .types = T::String | T::Number,
              .description = u"Fewest selected buttons"_s},
             {.name = u"onClick"_s, .definition = u"action"_s}}}
-
     };
     return table;
 }
 
 std::optional<OSTKeySet> OSTScreenVocabulary::keySet(const QString &name)
 {
-    for (const OSTKeySet &each : keySets()) {
-        if (each.name == name)
-            return each;
-    }
-    return std::nullopt;
+    return named(keySets(), name);
 }
 
 QList<OSTPropertyKey> OSTScreenVocabulary::elementKeys(OSTElementFamily family)
@@ -386,11 +389,7 @@ const QList<OSTElementCategory> &OSTScreenVocabulary::categories()
 
 std::optional<OSTElementCategory> OSTScreenVocabulary::category(const QString &name)
 {
-    for (const OSTElementCategory &each : categories()) {
-        if (each.name == name)
-            return each;
-    }
-    return std::nullopt;
+    return named(categories(), name);
 }
 
 const QStringList &OSTScreenVocabulary::laidOutCategoryNames()
