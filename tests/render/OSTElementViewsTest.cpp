@@ -1,4 +1,4 @@
-// Labels, the rounded clipping of element boxes, the loading overlay and the font rule, as a
+// Labels, the rounded clipping of element boxes and the loading overlay, as a
 // screen shows them (pixels at ratio 1 and 2) and as a user or assistive technology meets them.
 
 #include "render/OSTBackgroundView.h"
@@ -6,14 +6,10 @@
 #include "render/OSTLoadingOverlay.h"
 #include "render/OSTTextLabel.h"
 #include "render/OSTView.h"
-#include "screen/OSTFontResolver.h"
 
 #include "OSTPixelTestSupport.h"
 
 #include <QAccessible>
-#include <QDir>
-#include <QFontDatabase>
-#include <QFontInfo>
 #include <QLineEdit>
 #include <QPropertyAnimation>
 #include <QSignalSpy>
@@ -146,33 +142,6 @@ TEST(LoadingOverlay, BlocksClicksAndKeysOnlyWhilePresented)
     EXPECT_EQ(view.childAt(20, 20), field);
     QTest::keyClicks(field, u"abc"_s);
     EXPECT_EQ(field->text(), u"abc"_s);
-}
-
-TEST(Label, FontsAreSetInPixelsAndUnknownNamesFallBackToTheSystemFont)
-{
-    const auto sized = OSTFontResolver::fontWithProperties(jsonObject(R"({"size": "18", "font": "NoSuchFont-Bold"})"));
-    ASSERT_TRUE(sized);
-    EXPECT_EQ(sized->pixelSize(), 18);
-    EXPECT_EQ(sized->family(), QFontDatabase::systemFont(QFontDatabase::GeneralFont).family());
-
-    // A PostScript name reads as family plus style, and the face drawn is that style, even
-    // when the family comes from two foundries (its two faces carry different vendors, as a
-    // family installed twice does).
-    const QDir fonts(QStringLiteral(OSTREL_TEST_FONTS_PATH));
-    for (const QString &face : {u"OstrelTestSerif-Regular.ttf"_s, u"OstrelTestSerif-BoldItalic.ttf"_s})
-        ASSERT_GE(QFontDatabase::addApplicationFont(fonts.filePath(face)), 0) << face.toStdString();
-    ASSERT_EQ(QFontDatabase::families().filter(u"Ostrel Test Serif ["_s).size(), 2) << "listed once per foundry";
-    const QFont styled = OSTFontResolver::fontNamed(u"OstrelTestSerif-BoldItalic"_s, 12);
-    EXPECT_EQ(styled.family(), u"Ostrel Test Serif"_s);
-    const QFontInfo drawn(styled);
-    EXPECT_EQ(drawn.styleName(), u"Bold Italic"_s);
-    EXPECT_TRUE(drawn.italic());
-    EXPECT_EQ(QFontInfo(OSTFontResolver::fontNamed(u"OstrelTestSerif-Regular"_s, 12)).styleName(), u"Regular"_s);
-
-    for (const char *json : {R"({"font": "Avenir"})", R"({"size": "0"})", R"({"size": "-4"})", R"({"size": 18})"})
-        EXPECT_FALSE(OSTFontResolver::fontWithProperties(jsonObject(json))) << json;
-    EXPECT_EQ(OSTFontResolver::fontWithProperties(jsonObject(R"({"size": "1e9"})"))->pixelSize(),
-              OSTFontResolver::maximumPixelSize);
 }
 
 TEST(Label, ShrinksToFitNoFurtherThanItsMinimumScaleAndSurvivesHugeTexts)

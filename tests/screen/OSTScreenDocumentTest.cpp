@@ -417,17 +417,33 @@ TEST(ValidationSettings, ReadStringBooleansAndTextsWithDefaults)
         EXPECT_EQ(OSTValidationSettings::fromProperties(u"field"_s, jsonObject(each.json)), each.expected) << each.json;
 }
 
-TEST(ScreenVocabulary, TheCommittedSchemaListsTheVocabularysCategories)
+TEST(ScreenVocabulary, TheCommittedSchemaIsTheVocabularys)
 {
     QFile file(QStringLiteral(OSTREL_SCREEN_SCHEMA_PATH));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QJsonObject schema = QJsonDocument::fromJson(file.readAll()).object();
-    EXPECT_EQ(schema.value(u"properties"_s).toObject(), OSTScreenVocabulary::schemaTopLevelProperties());
-    const QJsonObject definitions = schema.value(u"$defs"_s).toObject();
-    for (const QJsonValue category : OSTScreenVocabulary::schemaTopLevelProperties()) {
-        const QString reference = category.toObject().value(u"additionalProperties"_s).toObject().value(u"$ref"_s).toString();
-        if (!reference.isEmpty()) {
-            EXPECT_TRUE(definitions.contains(reference.section(u'/', -1))) << reference.toStdString();
+    ASSERT_FALSE(schema.isEmpty());
+    EXPECT_EQ(schema, OSTScreenVocabulary::schema())
+        << QJsonDocument(OSTScreenVocabulary::schema()).toJson().toStdString();
+}
+
+TEST(ScreenVocabulary, EachFamilyListsItsSharedAndOwnKeysWithTheirTypes)
+{
+    const auto find = [](OSTElementFamily family, const QString &name) -> std::optional<OSTPropertyKey> {
+        for (const OSTPropertyKey &key : OSTScreenVocabulary::elementKeys(family)) {
+            if (key.name == name)
+                return key;
         }
+        return std::nullopt;
+    };
+    for (const OSTElementCategory &category : OSTScreenVocabulary::categories()) {
+        const bool laidOut = category.defaultZLayer.has_value();
+        EXPECT_EQ(find(category.family, u"width"_s).has_value(), laidOut) << category.name.toStdString();
+        EXPECT_EQ(find(category.family, u"alpha"_s).has_value(), laidOut) << category.name.toStdString();
     }
+    EXPECT_EQ(find(OSTElementFamily::Input, u"maxLength"_s)->types, OSTValueType::String | OSTValueType::Number);
+    EXPECT_EQ(find(OSTElementFamily::Input, u"toolbar"_s)->definition, u"toolbar"_s);
+    EXPECT_FALSE(find(OSTElementFamily::Label, u"maxLength"_s));
+    EXPECT_EQ(find(OSTElementFamily::Button, u"buttonType"_s)->choices,
+              (QStringList{u"toggle"_s, u"toggleSwitch"_s, u"imageUpload"_s}));
 }

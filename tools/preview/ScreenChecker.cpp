@@ -7,7 +7,6 @@
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSet>
@@ -63,12 +62,9 @@ QString elementPointer(const QString &category, const QString &key)
 
 ScreenChecker::ScreenChecker(const QJsonObject &schema, QSizeF area) : m_schema(schema), m_area(area) {}
 
-QJsonObject ScreenChecker::bundledSchema()
+QJsonObject ScreenChecker::vocabularySchema()
 {
-    QFile file(u":/ostrel-preview/screen.schema.json"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QJsonDocument::fromJson(file.readAll()).object();
+    return OSTScreenVocabulary::schema();
 }
 
 QList<ScreenChecker::Problem> ScreenChecker::check(const QByteArray &text) const
