@@ -28,7 +28,7 @@ OSTButton::StateLook lookOf(const OSTButtonDescription::StateLook &state)
 OSTButton *OSTButton::create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                              QWidget *parent)
 {
-    if (!description->states())
+    if (!description || !description->states())
         return nullptr;
     return new OSTButton(frame, std::move(description), parent);
 }

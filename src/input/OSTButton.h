@@ -30,7 +30,7 @@ class OSTButton : public QAbstractButton, public OSTValidationItem {
     Q_OBJECT
 
 public:
-    // The button the description describes, or null when it has no states.
+    // The button the description describes, or null without a description or states.
     static OSTButton *create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                              QWidget *parent = nullptr);
     // Transitional: the button's properties read into its description.

@@ -35,7 +35,7 @@ OSTImagePickerButton *OSTImagePickerButton::create(const QRect &frame,
                                                    std::shared_ptr<const OSTButtonDescription> description,
                                                    QWidget *parent)
 {
-    if (!description->states())
+    if (!description || !description->states())
         return nullptr;
     const std::optional<OSTButtonDescription::ImageSelector> selector = description->imageSelector();
     auto *button = new OSTImagePickerButton(frame, std::move(description), parent);

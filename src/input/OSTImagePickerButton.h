@@ -27,7 +27,7 @@ public:
     // can bring their own picker and tests can answer without a dialog.
     using FileChooser = std::function<QString(QWidget *parent)>;
 
-    // Null when the description has no states.
+    // Null without a description or states.
     static OSTImagePickerButton *create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                                         QWidget *parent = nullptr);
     // Transitional: the button's properties read into its description.
