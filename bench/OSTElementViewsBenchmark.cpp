@@ -1,7 +1,8 @@
 // Building and painting a phone-sized screen of 40 mixed elements at device pixel ratio 2:
 // 12 labels, 10 buttons with background images, 10 image views and 8 switches on a gradient
 // backdrop. Images are the host's own (found in the main bundle, as cached images would be), so
-// no network is involved; building includes delivering them to their views.
+// no network is involved; building includes reading each element's description and delivering
+// the images to their views.
 
 #include "OSTWidgetBenchmarkMain.h"
 #include "input/OSTButton.h"
@@ -31,8 +32,8 @@ QRect cell(int index)
 
 std::unique_ptr<QWidget> buildScreen()
 {
-    auto screen = std::make_unique<OSTView>(QRect(0, 0, 375, 667),
-        QVariantMap{{u"backgroundGradient"_s, QVariantMap{{u"colors"_s, QVariantList{u"#1E3C72"_s, u"#2A5298"_s}}}}});
+    auto screen = std::make_unique<OSTView>(QRect(0, 0, 375, 667), OSTElementDescription(OSTElementKind::Shape, QString(),
+        QVariantMap{{u"backgroundGradient"_s, QVariantMap{{u"colors"_s, QVariantList{u"#1E3C72"_s, u"#2A5298"_s}}}}}));
     QWidget *container = screen.get();
     for (int index = 0; index < 40; ++index) {
         const QRect frame = cell(index);
@@ -40,8 +41,9 @@ std::unique_ptr<QWidget> buildScreen()
         switch (index % 4) {
         case 0:
             if (index < 36) {
-                new OSTLabel(frame, {{u"text"_s, u"Label number %1 wraps"_s.arg(index)}, {u"size"_s, u"13"_s},
-                                     {u"textColor"_s, u"#FFFFFF"_s}, {u"alignment"_s, u"left"_s}},
+                new OSTLabel(frame, OSTLabelDescription(u"label%1"_s.arg(index),
+                                 {{u"text"_s, u"Label number %1 wraps"_s.arg(index)}, {u"size"_s, u"13"_s},
+                                  {u"textColor"_s, u"#FFFFFF"_s}, {u"alignment"_s, u"left"_s}}),
                              container);
                 break;
             }
@@ -55,14 +57,16 @@ std::unique_ptr<QWidget> buildScreen()
                               u"button%1"_s.arg(index), container);
             break;
         case 2:
-            new OSTImageView(frame, {{u"image"_s, picture}, {u"cornerRadius"_s, u"8"_s}}, container);
+            new OSTImageView(frame, OSTImageDescription(u"image%1"_s.arg(index), {{u"image"_s, picture}, {u"cornerRadius"_s, u"8"_s}}),
+                             container);
             break;
         default:
             if (index % 8 == 3)
                 new OSTSwitch(frame, {{u"defaultState"_s, u"pressed"_s}}, u"switch%1"_s.arg(index), container);
             else
-                new OSTLabel(frame, {{u"text"_s, u"Short"_s}, {u"size"_s, u"17"_s}, {u"textColor"_s, u"#FFCC00"_s},
-                                     {u"shadow"_s, QVariantList{u"#000000"_s, u"2"_s, u"1"_s, u"1"_s}}},
+                new OSTLabel(frame, OSTLabelDescription(u"label%1"_s.arg(index),
+                                 {{u"text"_s, u"Short"_s}, {u"size"_s, u"17"_s}, {u"textColor"_s, u"#FFCC00"_s},
+                                  {u"shadow"_s, QVariantList{u"#000000"_s, u"2"_s, u"1"_s, u"1"_s}}}),
                              container);
         }
     }

@@ -1,4 +1,4 @@
-// Arbitrary bytes as the screen JSON of the layout engine.
+// Arbitrary bytes as the screen JSON of the layout engine, read into a screen document first.
 //
 // Checks, besides the sanitizers' own: resolution ends (no hang) and its result agrees with
 // the elements' state; every attribute is resolved exactly when ICU's reading of the numeric
@@ -10,11 +10,11 @@
 
 #include "OSTLayoutReferenceResolution.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "render/OSTLayoutManager.h"
+#include "screen/OSTScreenDocument.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QJsonDocument>
 #include <QRectF>
 
@@ -37,7 +37,9 @@ namespace {
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
-    static QCoreApplication application(*argc, *argv);
+    // The screen document resolves the fonts of its texts, which takes a GUI application.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static QGuiApplication application(*argc, *argv);
     OSTLogging::setLoggingLevel(OSTLoggingLevelNone);
     return 0;
 }
@@ -60,17 +62,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
 
     constexpr double statusBar = 20;
-    OSTLayoutManager manager(screen, QRectF(0, 0, 375, 667), statusBar);
+    const auto screenDocument = OSTScreenDocument::fromLayout(screen);
+    OSTLayoutManager manager(*screenDocument, QRectF(0, 0, 375, 667), statusBar);
 
     // As the screen view does for its error message.
-    const QVariantMap animations =
-        ost_dictionaryForKey(screen, QStringLiteral("animations")).value_or(QVariantMap());
-    const QVariantMap error =
-        ost_dictionaryForKey(animations, QStringLiteral("error")).value_or(QVariantMap());
-    const QVariantMap targets =
-        ost_dictionaryForKey(error, QStringLiteral("targets")).value_or(QVariantMap());
-    if (const auto message = ost_dictionaryForKey(targets, QStringLiteral("errorMessage")))
-        manager.updateLayout(*message, QStringLiteral("errorMessage"));
+    if (const auto &message = screenDocument->errorMessageWhileShowing())
+        manager.updateLayout(message->frame(), message->key());
 
     test::OSTLayoutReferenceResolution reference(manager, statusBar);
     reference.setLimits(20000, 2);

@@ -1,7 +1,7 @@
 #pragma once
 
-// Whether a screen document's layout table is the one the layout engine builds from the same
-// screen object: the same keys, each with the same frame formulas, anchoring, layer and group.
+// Whether the layout engine built from a screen document took the document's layout table: the
+// same keys, each with the same frame formulas, anchoring, layer and group.
 // The screen-view fuzzer checks it on arbitrary screens; the screen tests on the sample screens
 // and on groups that list missing, later or themselves.
 

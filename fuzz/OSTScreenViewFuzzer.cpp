@@ -89,9 +89,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             fail("a view from text that is not a JSON object");
         return 0;
     }
-    OSTLayoutManager reference(document.toVariant().toMap(), QRectF(0, 0, 375, 667), 0);
+    OSTLayoutManager reference(*screenDocument, QRectF(0, 0, 375, 667), 0);
     if (!ost_layoutTableDifference(*screenDocument, reference).isEmpty())
-        fail("a document whose layout table is not the layout engine's");
+        fail("a layout engine that does not take the document's layout table");
     if (bool(view) != reference.resolveLayout())
         fail("a view exactly when the layout resolves");
     if (!view)

@@ -1,6 +1,5 @@
 #include "input/OSTButton.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "experience/OSTAction.h"
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTBackgroundView.h"
@@ -19,56 +18,46 @@ namespace ostrel {
 
 namespace {
 
-qreal alphaWithProperties(const QVariantMap &properties)
+OSTButton::StateLook lookOf(const OSTButtonDescription::StateLook &state)
 {
-    const std::optional<double> alpha = ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s));
-    return std::clamp(alpha.value_or(1.0), 0.0, 1.0);
-}
-
-// A state's title and text look; the alignment is always the normal state's, as the title is
-// one label whatever the state.
-OSTButton::StateLook stateLook(QVariantMap state, const QVariantMap &normal)
-{
-    const QString alignmentKey = u"alignment"_s;
-    state.remove(alignmentKey);
-    if (normal.contains(alignmentKey))
-        state.insert(alignmentKey, normal.value(alignmentKey));
-    return {ost_stringForKey(state, u"text"_s).value_or(QString()), OSTTextAttributes(state)};
+    return {state.title, OSTTextAttributes(state.textLook)};
 }
 
 } // namespace
 
+OSTButton *OSTButton::create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
+                             QWidget *parent)
+{
+    if (!description || !description->states())
+        return nullptr;
+    return new OSTButton(frame, std::move(description), parent);
+}
+
 OSTButton *OSTButton::create(const QRect &frame, const QVariantMap &properties, const QString &name,
                              QWidget *parent)
 {
-    const auto states = ost_dictionaryForKey(properties, u"states"_s);
-    if (!states)
-        return nullptr;
-    return new OSTButton(frame, properties, *states, name, parent);
+    return create(frame, std::make_shared<const OSTButtonDescription>(name, properties), parent);
 }
 
-OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QVariantMap &states,
-                     const QString &name, QWidget *parent)
-    : QAbstractButton(parent), m_name(name), m_titleLayer(new QWidget(this))
+OSTButton::OSTButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description, QWidget *parent)
+    : QAbstractButton(parent), m_description(std::move(description)), m_titleLayer(new QWidget(this))
 {
     setGeometry(frame);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_NoSystemBackground);
-    const QVariantMap normal = ost_mergeIntoDictionary(ost_dictionaryForKey(states, u"normal"_s).value_or(QVariantMap()), properties);
-    m_normalLook = stateLook(normal, normal);
-    m_normalBackground = addBackground(normal);
-    if (const auto pressed = ost_dictionaryForKey(states, u"pressed"_s)) {
-        const QVariantMap merged = ost_mergeIntoDictionary(*pressed, normal);
-        m_pressedLook = stateLook(merged, normal);
-        m_highlightedBackground = addBackground(merged);
+    const OSTButtonDescription::States &states = *m_description->states();
+    m_normalLook = lookOf(states.normal);
+    m_normalBackground = addBackground(*states.normal.background);
+    if (states.pressed) {
+        m_pressedLook = lookOf(*states.pressed);
+        m_highlightedBackground = addBackground(*states.pressed->background);
     }
-    if (const auto disabled = ost_dictionaryForKey(states, u"disabled"_s)) {
-        const QVariantMap merged = ost_mergeIntoDictionary(*disabled, normal);
-        m_disabledLook = stateLook(merged, normal);
-        m_disabledBackground = addBackground(merged);
+    if (states.disabled) {
+        m_disabledLook = lookOf(*states.disabled);
+        m_disabledBackground = addBackground(*states.disabled->background);
     }
-    OSTViewEffect::applyTo(*this, m_normalBackground->container(), alphaWithProperties(properties),
-                           ost_objectShadowWithProperties(normal));
+    OSTViewEffect::applyTo(*this, m_normalBackground->container(), m_description->buttonAlpha(),
+                           m_description->buttonShadow());
     // The state backgrounds are child widgets, which paint over their parent; the title and the
     // focus frame go on a transparent layer above them so that an opaque background cannot hide them.
     m_titleLayer->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -79,11 +68,8 @@ OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QV
     // The title doubles as the accessible name; "&" would otherwise make a keyboard shortcut.
     setText(QString(m_normalLook.title).replace(u"&"_s, u"&&"_s));
     if (m_normalLook.title.isEmpty())
-        setAccessibleName(name);
-    if (const auto onClick = ost_dictionaryForKey(properties, u"onClick"_s))
-        m_action = std::make_shared<const OSTAction>(*onClick);
-    m_toggle = ost_stringForKey(properties, u"buttonType"_s) == u"toggle"_s;
-    setCheckable(m_toggle);
+        setAccessibleName(name());
+    setCheckable(isToggle());
 
     connect(this, &QAbstractButton::pressed, this, &OSTButton::updateBackgrounds);
     connect(this, &QAbstractButton::released, this, &OSTButton::updateBackgrounds);
@@ -94,12 +80,13 @@ OSTButton::OSTButton(const QRect &frame, const QVariantMap &properties, const QV
 
 OSTButton::~OSTButton() = default;
 
-OSTImageView *OSTButton::addBackground(const QVariantMap &properties)
+OSTImageView *OSTButton::addBackground(const OSTImageDescription &background)
 {
-    // The button casts the shadow itself: a background's own would be clipped to the button.
-    auto *background = new OSTImageView(rect(), ost_propertiesWithoutObjectShadow(properties), this);
-    background->lower();
-    return background;
+    // The description's backgrounds have no shadow: the button casts it, as a background's own
+    // would be clipped to the button.
+    auto *view = new OSTImageView(rect(), background, this);
+    view->lower();
+    return view;
 }
 
 bool OSTButton::showsPressed() const
@@ -216,7 +203,7 @@ void OSTButton::resizeEvent(QResizeEvent *event)
 
 void OSTButton::handleClick()
 {
-    if (m_toggle) {
+    if (isToggle()) {
         updateToggleValidity();
         if (const auto itemModel = model())
             itemModel->valueChanged();
@@ -232,13 +219,13 @@ void OSTButton::updateToggleValidity()
 
 void OSTButton::modelDidChange()
 {
-    if (m_toggle)
+    if (isToggle())
         updateToggleValidity();
 }
 
 QVariant OSTButton::value() const
 {
-    return m_toggle ? QVariant(isChecked()) : QVariant();
+    return isToggle() ? QVariant(isChecked()) : QVariant();
 }
 
 void OSTButton::setValue(const QVariant &value)

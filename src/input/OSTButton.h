@@ -2,6 +2,7 @@
 
 #include "input/OSTValidationItem.h"
 #include "render/OSTTextAttributes.h"
+#include "screen/OSTButtonDescription.h"
 
 #include <QAbstractButton>
 #include <QVariantMap>
@@ -16,16 +17,9 @@ namespace ostrel {
 class OSTAction;
 class OSTImageView;
 
-// The "buttons" element: a button with a title and a background image per state. It reads
-//
-//   "states"      {"normal": {...}, "pressed": {...}, "disabled": {...}}, required: each state's
-//                 text attributes (see OSTTextAttributes), "text" and image keys (see
-//                 OSTImageView), "pressed" and "disabled" merged over "normal", which is merged
-//                 over the element's own properties
-//   "alpha"       opacity, a number or numeric string; default 1
-//   "onClick"     the action the button carries
-//   "buttonType"  "toggle" makes it a toggle that takes part in validation: a required toggle is
-//                 valid while selected, an optional one always
+// The "buttons" element: a button with a title and a background image per state, its opacity,
+// drop shadow and action, all from its description (OSTButtonDescription). A toggle takes part in
+// validation: a required toggle is valid while selected, an optional one always.
 //
 // A press shows the pressed state; a toggle stays selected (pressed) until pressed again. Space,
 // Enter and Return press it from the keyboard; assistive technology reads its title (its element
@@ -36,15 +30,18 @@ class OSTButton : public QAbstractButton, public OSTValidationItem {
     Q_OBJECT
 
 public:
-    // The button the properties describe, or null when they hold no "states" object.
+    // The button the description describes, or null without a description or states.
+    static OSTButton *create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
+                             QWidget *parent = nullptr);
+    // Transitional: the button's properties read into its description.
     static OSTButton *create(const QRect &frame, const QVariantMap &properties, const QString &name,
                              QWidget *parent = nullptr);
     ~OSTButton() override;
 
-    const QString &name() const { return m_name; }
+    const QString &name() const { return m_description->key(); }
     // The action of "onClick"; null when the button has none.
-    const std::shared_ptr<const OSTAction> &action() const { return m_action; }
-    bool isToggle() const { return m_toggle; }
+    const std::shared_ptr<const OSTAction> &action() const { return m_description->action(); }
+    bool isToggle() const { return m_description->isToggle(); }
 
     OSTImageView *normalBackground() const { return m_normalBackground; }
     OSTImageView *highlightedBackground() const { return m_highlightedBackground; }
@@ -71,8 +68,8 @@ signals:
     void tapped(ostrel::OSTButton *button);
 
 protected:
-    OSTButton(const QRect &frame, const QVariantMap &properties, const QVariantMap &states,
-              const QString &name, QWidget *parent);
+    // `description` has states.
+    OSTButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description, QWidget *parent);
 
     // Shows the background of the current state; subclasses that show their own picture override it.
     virtual void updateBackgrounds();
@@ -84,7 +81,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    OSTImageView *addBackground(const QVariantMap &properties);
+    OSTImageView *addBackground(const OSTImageDescription &background);
     qreal shownBackgroundCornerRadius() const;
     // The current state's title laid out at the current width; laid out again only when the
     // state, the width or the font changed.
@@ -95,9 +92,7 @@ private:
     void handleClick();
     void paintTitleLayer();
 
-    const QString m_name;
-    std::shared_ptr<const OSTAction> m_action;
-    bool m_toggle = false;
+    const std::shared_ptr<const OSTButtonDescription> m_description;
     StateLook m_normalLook;
     std::optional<StateLook> m_pressedLook;
     std::optional<StateLook> m_disabledLook;

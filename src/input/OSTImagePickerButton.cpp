@@ -1,6 +1,5 @@
 #include "input/OSTImagePickerButton.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTImageView.h"
@@ -32,16 +31,23 @@ OSTImagePickerButton::FileChooser &fileChooser()
 
 } // namespace
 
+OSTImagePickerButton *OSTImagePickerButton::create(const QRect &frame,
+                                                   std::shared_ptr<const OSTButtonDescription> description,
+                                                   QWidget *parent)
+{
+    if (!description || !description->states())
+        return nullptr;
+    const std::optional<OSTButtonDescription::ImageSelector> selector = description->imageSelector();
+    auto *button = new OSTImagePickerButton(frame, std::move(description), parent);
+    if (selector)
+        button->prepareMenu(*selector);
+    return button;
+}
+
 OSTImagePickerButton *OSTImagePickerButton::create(const QRect &frame, const QVariantMap &properties,
                                                    const QString &name, QWidget *parent)
 {
-    const auto states = ost_dictionaryForKey(properties, u"states"_s);
-    if (!states)
-        return nullptr;
-    auto *button = new OSTImagePickerButton(frame, properties, *states, name, parent);
-    if (const auto selector = ost_dictionaryForKey(properties, u"imageSelector"_s))
-        button->prepareMenu(*selector);
-    return button;
+    return create(frame, std::make_shared<const OSTButtonDescription>(name, properties), parent);
 }
 
 void OSTImagePickerButton::setFileChooser(FileChooser chooser)
@@ -49,11 +55,11 @@ void OSTImagePickerButton::setFileChooser(FileChooser chooser)
     fileChooser() = chooser ? std::move(chooser) : FileChooser(chooseWithDialog);
 }
 
-void OSTImagePickerButton::prepareMenu(const QVariantMap &selector)
+void OSTImagePickerButton::prepareMenu(const OSTButtonDescription::ImageSelector &selector)
 {
     m_menu = new QMenu(this);
-    const QAction *photos = m_menu->addAction(ost_stringForKey(selector, u"photosText"_s).value_or(u"Photos"_s));
-    const QAction *cancel = m_menu->addAction(ost_stringForKey(selector, u"cancelText"_s).value_or(u"Cancel"_s));
+    const QAction *photos = m_menu->addAction(selector.photosText);
+    const QAction *cancel = m_menu->addAction(selector.cancelText);
     // Queued: the file dialog opens once the menu has closed.
     connect(photos, &QAction::triggered, this, &OSTImagePickerButton::choosePicture, Qt::QueuedConnection);
     connect(cancel, &QAction::triggered, this, [this] { handlePickedImage(QImage()); });

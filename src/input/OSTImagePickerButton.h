@@ -10,13 +10,13 @@ class QMenu;
 
 namespace ostrel {
 
-// The "imageUpload" button: pressing it offers a small menu built from "imageSelector", and the
-// picture file the user then chooses shows as the button's background and is the button's value.
-// The menu holds "photosText" (default "Photos"), which opens the file chooser, and "cancelText"
-// (default "Cancel"); "cameraText" would title a camera entry, and the SDK has no camera source
-// on a desktop, so it has none. Without an "imageSelector" object there is no menu and a press
-// does nothing. A required picker is valid once a picture was chosen; its error message may show
-// once the user has chosen or cancelled.
+// The "imageUpload" button: pressing it offers a small menu built from its description's image
+// selector, and the picture file the user then chooses shows as the button's background and is
+// the button's value. The menu holds the photos entry, which opens the file chooser, and the
+// cancel entry; "cameraText" would title a camera entry, and the SDK has no camera source on a
+// desktop, so it has none. Without an image selector there is no menu and a press does nothing.
+// A required picker is valid once a picture was chosen; its error message may show once the user
+// has chosen or cancelled.
 //
 // Lives on the GUI thread; owned by its parent widget.
 class OSTImagePickerButton final : public OSTButton {
@@ -27,6 +27,10 @@ public:
     // can bring their own picker and tests can answer without a dialog.
     using FileChooser = std::function<QString(QWidget *parent)>;
 
+    // Null without a description or states.
+    static OSTImagePickerButton *create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
+                                        QWidget *parent = nullptr);
+    // Transitional: the button's properties read into its description.
     static OSTImagePickerButton *create(const QRect &frame, const QVariantMap &properties,
                                         const QString &name, QWidget *parent = nullptr);
 
@@ -51,7 +55,7 @@ protected:
 private:
     using OSTButton::OSTButton;
 
-    void prepareMenu(const QVariantMap &selector);
+    void prepareMenu(const OSTButtonDescription::ImageSelector &selector);
     void showMenu();
     void setCustomImage(const QImage &image);
     void validate();

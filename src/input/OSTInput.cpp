@@ -1,9 +1,6 @@
 #include "input/OSTInput.h"
 
-#include "screen/OSTPropertyValues.h"
-
 #include <algorithm>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -13,11 +10,6 @@ OSTInput::OSTInput(QWidget &widget, int inputPosition)
     : m_widget(widget),
       m_inputPosition(inputPosition)
 {
-}
-
-int OSTInput::inputPositionWithProperties(const QVariantMap &properties)
-{
-    return ost_integerForKey(properties, u"inputOrder"_s);
 }
 
 void OSTInput::chainInputs(QList<OSTInput *> inputs)

@@ -2,7 +2,6 @@
 
 #include <QList>
 #include <QPointer>
-#include <QVariantMap>
 #include <QWidget>
 
 #include <functional>
@@ -11,8 +10,8 @@ namespace ostrel {
 
 // An input of a screen that takes part in the return-key chain: text fields and pickers.
 //
-// The screen orders its inputs by inputPosition ("inputOrder") and links them with
-// chainInputs(), which sets each input's nextInput and the Tab order, so that the return key (or
+// The screen orders its inputs by inputPosition (their description's input order) and links them
+// with chainInputs(), which sets each input's nextInput and the Tab order, so that the return key (or
 // a toolbar's done button) and Tab both move the focus to the next input and Shift+Tab back.
 // The last input has no next input: return there calls the return handler (the screen queues
 // its return event and moves on) and the input gives up the focus.
@@ -34,8 +33,6 @@ public:
     void setNextInput(QWidget *input) { m_nextInput = input; }
     void setInputProtocolDelegate(ReturnHandler handler) { m_returnHandler = std::move(handler); }
 
-    // "inputOrder" of an input's properties (a number or numeric string); 0 when missing.
-    static int inputPositionWithProperties(const QVariantMap &properties);
     // Sorts `inputs` by inputPosition (stable), links each to the next and sets the Tab order.
     static void chainInputs(QList<OSTInput *> inputs);
 

@@ -1,7 +1,6 @@
 #include "input/OSTPicker.h"
 
 #include "core/OSTDateFormatter.h"
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "input/OSTCountryTable.h"
 #include "input/OSTToolbar.h"
@@ -11,7 +10,6 @@
 #include "render/OSTImageView.h"
 #include "render/OSTLabel.h"
 #include "render/OSTViewEffect.h"
-#include "screen/OSTContentInsets.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 
@@ -56,38 +54,33 @@ QString displayFormatFor(UIDatePickerMode mode, const QLocale &locale)
 
 } // namespace
 
-OSTPicker::OSTPicker(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
-    : OSTView(frame, {}, Styling::InSubclassConstructor, parent),
-      OSTInput(*this, inputPositionWithProperties(properties)),
-      m_name(name),
-      m_backgroundView(new OSTImageView(QRect(QPoint(), frame.size()), ost_propertiesWithoutObjectShadow(properties),
-                                        container())),
-      m_textLabel(new OSTLabel(QRect(QPoint(), frame.size()),
-                               ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()), container()))
+OSTPicker::OSTPicker(const QRect &frame, std::shared_ptr<const OSTPickerDescription> description, QWidget *parent)
+    // The picker's own view has no look: its box is the background's.
+    : OSTView(frame, OSTElementDescription(OSTElementKind::Picker, description->key(), {}),
+              Styling::InSubclassConstructor, parent),
+      OSTInput(*this, description->inputOrder()),
+      m_name(description->key()),
+      m_backgroundView(new OSTImageView(QRect(QPoint(), frame.size()), *description->background(), container())),
+      m_textLabel(new OSTLabel(QRect(QPoint(), frame.size()), *description->text(), container()))
 {
     setFocusPolicy(Qt::StrongFocus);
-    setAccessibleName(ost_stringForKey(properties, u"accessibilityLabel"_s).value_or(name));
-    customizeWithProperties(properties);
+    setAccessibleName(description->accessibilityLabel().value_or(m_name));
+    // The picker casts its box's shadow itself: the box's own would be clipped to the picker.
+    OSTViewEffect::applyTo(*this, m_backgroundView->container(), 1, description->objectShadow());
+    m_contentInsets = description->contentInsets().value_or(defaultContentInsets);
+    layOutLabel();
+    buildToolbar(description->toolbar());
+    buildWheel(description->wheel());
+}
+
+OSTPicker::OSTPicker(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
+    : OSTPicker(frame, std::make_shared<const OSTPickerDescription>(name, properties), parent)
+{
 }
 
 OSTPicker::~OSTPicker()
 {
     deletePopup();
-}
-
-void OSTPicker::customizeWithProperties(const QVariantMap &properties)
-{
-    OSTView::customizeWithProperties({});
-    // The picker casts its box's shadow itself: the box's own would be clipped to the picker.
-    m_backgroundView->customizeWithProperties(ost_propertiesWithoutObjectShadow(properties));
-    OSTViewEffect::applyTo(*this, m_backgroundView->container(), 1, ost_objectShadowWithProperties(properties));
-    m_textLabel->customizeWithProperties(ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()));
-    m_contentInsets = ost_contentInsetsForKey(properties, u"contentInsets"_s).value_or(defaultContentInsets);
-    layOutLabel();
-
-    discardWheel();
-    buildToolbar(properties);
-    buildWheel(OSTPickerWheel::fromPicker(ost_dictionaryForKey(properties, u"picker"_s).value_or(QVariantMap())));
 }
 
 void OSTPicker::deletePopup()
@@ -104,23 +97,13 @@ void OSTPicker::deletePopup()
     m_dateWheel = nullptr;
 }
 
-void OSTPicker::discardWheel()
-{
-    deletePopup();
-    m_customData.clear();
-    m_country.clear();
-    m_countryCode.clear();
-    setEnabled(true);
-}
-
-void OSTPicker::buildToolbar(const QVariantMap &properties)
+void OSTPicker::buildToolbar(const std::optional<OSTToolbarSettings> &toolbar)
 {
     m_popup = new QFrame(this, Qt::Popup);
     m_popup->setFrameShape(QFrame::StyledPanel);
     auto *layout = new QVBoxLayout(m_popup);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    const std::optional<QVariantMap> toolbar = ost_dictionaryForKey(properties, u"toolbar"_s);
     if (!toolbar)
         return;
     m_toolbar = new OSTToolbar(*toolbar, m_popup);

@@ -3,7 +3,7 @@
 #include "input/OSTInput.h"
 #include "input/OSTValidationItem.h"
 #include "render/OSTView.h"
-#include "screen/OSTPickerWheel.h"
+#include "screen/OSTPickerDescription.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 
@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QStringList>
 
+#include <memory>
 #include <optional>
 
 class QDateTimeEdit;
@@ -42,19 +43,16 @@ namespace ostrel {
 
 // A picker input: shows its current choice in a label over the element's background and, when
 // opened, a wheel below it instead of a keyboard (a list, or a date editor) with the optional
-// toolbar above the wheel. It reads
+// toolbar above the wheel. From its description (OSTPickerDescription) it takes
 //
-//   the keys of OSTImageView  the background ("image", box keys, ...)
-//   "text"          the label's dictionary (OSTLabel)
-//   "contentInsets" [top, left, bottom, right] numbers: the label's insets; default 0, 10, 0, 16
-//   "toolbar"       OSTToolbar keys: cancel closes the wheel, done moves to the next input
-//   "inputOrder"    the position in the screen's input chain
-//   "accessibilityLabel"  the name assistive technology reads; the element key otherwise
-//   "picker"        {"pickerType": "countryCode", "date", else the custom list,
-//                    "pickerData": [strings] for the custom kind (other entries are skipped;
-//                                  no strings leave the picker disabled, reporting ""),
-//                    "pickerMode": UIDatePickerMode word, "startDate", "minDate", "maxDate":
-//                                  "MM/dd/yyyy" texts for the date kind}
+//   the background   an image view, whose drop shadow the picker casts itself
+//   the text         the label showing the choice
+//   the insets       the label's; default 0, 10, 0, 16
+//   the toolbar      cancel closes the wheel, done moves to the next input
+//   the input order  the position in the screen's input chain
+//   the accessibility label  the name assistive technology reads; the element key otherwise
+//   the wheel        a country list, a date editor or the custom list (no entries leave the
+//                    picker disabled, reporting "")
 //
 // Keyboard: Space, Alt+Down or F4 open the wheel; in it, the arrow keys choose (live, as a
 // wheel does), Return or Enter choose and move to the next input, Escape closes it. Return on
@@ -76,10 +74,10 @@ class OSTPicker final : public OSTView, public OSTValidationItem, public OSTInpu
 public:
     enum class Formatting { Plain, Formatted };
 
+    OSTPicker(const QRect &frame, std::shared_ptr<const OSTPickerDescription> description, QWidget *parent = nullptr);
+    // Transitional: the picker's properties read into its description.
     OSTPicker(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent = nullptr);
     ~OSTPicker() override;
-
-    void customizeWithProperties(const QVariantMap &properties) override;
 
     const QString &name() const { return m_name; }
     OSTPickerType type() const { return m_type; }
@@ -126,8 +124,7 @@ private:
     void buildWheel(const OSTPickerWheel &wheel);
     void buildListWheel(const QStringList &titles, Qt::Alignment alignment);
     void buildDateWheel(const OSTPickerWheel &wheel);
-    void buildToolbar(const QVariantMap &properties);
-    void discardWheel();
+    void buildToolbar(const std::optional<OSTToolbarSettings> &toolbar);
     void deletePopup();
     void chooseRow(qsizetype row);
     void dateChanged();

@@ -1,31 +1,22 @@
 #include "input/OSTSelectionGroup.h"
 
-#include "core/OSTDictionaryHelpers.h"
-#include "core/OSTLogging.h"
 #include "experience/OSTAction.h"
 #include "input/OSTButton.h"
 #include "input/OSTValidationItemModel.h"
 
 #include <algorithm>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
-OSTSelectionGroup::OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent)
-    : OSTSelectionGroup(OSTSelectionGroupDescription(name, properties), parent)
+OSTSelectionGroup::OSTSelectionGroup(std::shared_ptr<const OSTSelectionGroupDescription> description, QObject *parent)
+    : QObject(parent), m_description(std::move(description))
 {
 }
 
-OSTSelectionGroup::OSTSelectionGroup(const OSTSelectionGroupDescription &description, QObject *parent)
-    : QObject(parent),
-      m_name(description.key()),
-      m_elementKeys(description.memberKeys()),
-      m_values(description.memberValues()),
-      m_maximumSelection(description.maximumSelection()),
-      m_minimumSelection(description.minimumSelection()),
-      m_action(description.action())
+OSTSelectionGroup::OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent)
+    : OSTSelectionGroup(std::make_shared<const OSTSelectionGroupDescription>(name, properties), parent)
 {
 }
 
@@ -79,8 +70,8 @@ int OSTSelectionGroup::currentSelection() const
 
 QVariant OSTSelectionGroup::valueForElementWithKey(const QString &key) const
 {
-    const qsizetype index = m_elementKeys.indexOf(key);
-    return index >= 0 ? m_values.at(index) : QVariant();
+    const qsizetype index = elementKeys().indexOf(key);
+    return index >= 0 ? values().at(index) : QVariant();
 }
 
 void OSTSelectionGroup::elementTapped(OSTButton *button)
@@ -88,12 +79,12 @@ void OSTSelectionGroup::elementTapped(OSTButton *button)
     if (!button)
         return;
     const QString buttonName = button->name();
-    if (m_maximumSelection >= 2 && !button->isChecked() && currentSelection() >= m_maximumSelection) {
+    if (maximumSelection() >= 2 && !button->isChecked() && currentSelection() >= maximumSelection()) {
         if (OSTSelectionGroupDelegate *target = delegate())
             target->selectionGroupDidTapButton(*this, buttonName, nullptr);
         return;
     }
-    if (m_maximumSelection == 1 && !button->isChecked())
+    if (maximumSelection() == 1 && !button->isChecked())
         for (OSTButton *member : elements())
             member->setChecked(false);
     button->setChecked(!button->isChecked());
@@ -103,9 +94,9 @@ void OSTSelectionGroup::elementTapped(OSTButton *button)
     validate();
 
     std::shared_ptr<const OSTAction> releasedAction;
-    if (OSTSelectionGroupDelegate *target = delegate(); target && m_action && currentSelection() >= m_minimumSelection) {
-        target->selectionGroupShouldHandleAction(*this, m_action);
-        releasedAction = m_action;
+    if (OSTSelectionGroupDelegate *target = delegate(); target && action() && currentSelection() >= minimumSelection()) {
+        target->selectionGroupShouldHandleAction(*this, action());
+        releasedAction = action();
     }
     // The delegate may have removed the group's screen while it was asked.
     if (OSTSelectionGroupDelegate *target = delegate())
@@ -116,7 +107,7 @@ void OSTSelectionGroup::validate()
 {
     const std::shared_ptr<OSTValidationItemModel> itemModel = model();
     const bool optional = itemModel && itemModel->isOptional();
-    const bool valid = optional || m_minimumSelection == 0 || currentSelection() >= m_minimumSelection;
+    const bool valid = optional || minimumSelection() == 0 || currentSelection() >= minimumSelection();
     if (valid)
         m_shouldShowErrorMessage = true;
     if (itemModel)
@@ -140,13 +131,8 @@ void OSTSelectionGroup::setValue(const QVariant &value)
     const QVariantList list = value.metaType() == QMetaType::fromType<QVariantList>() ? value.toList() : QVariantList();
     QStringList selectedKeys;
     for (const QVariant &entry : list) {
-        const auto found = std::find_if(m_values.cbegin(), m_values.cend(), [&entry](const QVariant &candidate) {
-            if (ost_isNumber(candidate) && ost_isNumber(entry))
-                return candidate.toDouble() == entry.toDouble();
-            return candidate.metaType() == entry.metaType() && candidate == entry;
-        });
-        if (found != m_values.cend())
-            selectedKeys.append(m_elementKeys.at(found - m_values.cbegin()));
+        if (const std::optional<QString> key = m_description->memberKeyForValue(entry))
+            selectedKeys.append(*key);
     }
     for (OSTButton *button : elements())
         button->setChecked(selectedKeys.contains(button->name()));

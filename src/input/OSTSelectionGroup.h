@@ -41,13 +41,8 @@ namespace ostrel {
 // choice replaces the old) or multiple choice between "minimumSelection" and
 // "maximumSelection" (0: no upper bound; a tap beyond the bound is refused, not swapped). It is
 // not a view: the screen gives it its member buttons (setElements), whose taps it then handles
-// instead of anyone else. Its entry in the screen's "selectionGroups" reads
-//
-//   "elements"          {button element key: the value that button stands for (string, number
-//                       or dictionary)}
-//   "maximumSelection", "minimumSelection"  non-negative integers, 0 when missing
-//   "onClick"           the action passed on once at least the minimum is selected
-//   plus the validation keys of OSTValidationItemModel
+// instead of anyone else. Its members with their values, its bounds and its action (passed on
+// once at least the minimum is selected) come from its description (OSTSelectionGroupDescription).
 //
 // Its value is the list of the selected buttons' values, in the order of the buttons. It is
 // valid when optional, without a minimum, or with at least the minimum selected; its error
@@ -60,18 +55,20 @@ class OSTSelectionGroup final : public QObject, public OSTValidationItem {
     Q_OBJECT
 
 public:
+    explicit OSTSelectionGroup(std::shared_ptr<const OSTSelectionGroupDescription> description,
+                               QObject *parent = nullptr);
+    // Transitional: the group's properties read into its description.
     OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent = nullptr);
-    explicit OSTSelectionGroup(const OSTSelectionGroupDescription &description, QObject *parent = nullptr);
     ~OSTSelectionGroup() override;
 
-    const QString &name() const { return m_name; }
-    const QStringList &elementKeys() const { return m_elementKeys; }
-    const QVariantList &values() const { return m_values; }
+    const QString &name() const { return m_description->key(); }
+    const QStringList &elementKeys() const { return m_description->memberKeys(); }
+    const QVariantList &values() const { return m_description->memberValues(); }
     // The member buttons that still exist.
     QList<OSTButton *> elements() const;
-    int maximumSelection() const { return m_maximumSelection; }
-    int minimumSelection() const { return m_minimumSelection; }
-    const std::shared_ptr<const OSTAction> &action() const { return m_action; }
+    int maximumSelection() const { return m_description->maximumSelection(); }
+    int minimumSelection() const { return m_description->minimumSelection(); }
+    const std::shared_ptr<const OSTAction> &action() const { return m_description->action(); }
 
     // Takes over the buttons' taps: other receivers of their taps are disconnected.
     void setElements(const QList<OSTButton *> &buttons);
@@ -95,13 +92,8 @@ protected:
 private:
     OSTSelectionGroupDelegate *delegate() const;
 
-    const QString m_name;
-    const QStringList m_elementKeys;
-    const QVariantList m_values; // parallel to m_elementKeys
+    const std::shared_ptr<const OSTSelectionGroupDescription> m_description;
     QList<QPointer<OSTButton>> m_elements;
-    const int m_maximumSelection;
-    const int m_minimumSelection;
-    const std::shared_ptr<const OSTAction> m_action;
     bool m_shouldShowErrorMessage = false;
     QPointer<QObject> m_delegate;
 };

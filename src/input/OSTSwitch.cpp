@@ -1,25 +1,27 @@
 #include "input/OSTSwitch.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "input/OSTValidationItemModel.h"
 #include "render/OSTBackgroundView.h"
 #include "render/OSTSwitchControl.h"
-#include "screen/OSTColorHelpers.h"
 
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
-OSTSwitch::OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name,
-                     QWidget *parent)
-    : OSTView(frameInBox(frame), properties, Styling::InSubclassConstructor, parent),
+OSTSwitch::OSTSwitch(const QRect &frame, const OSTSwitchDescription &description, QWidget *parent)
+    : OSTView(frameInBox(frame), description, Styling::InSubclassConstructor, parent),
       m_internalSwitch(new OSTSwitchControl(container()))
 {
     m_internalSwitch->setGeometry(container()->rect());
-    m_internalSwitch->setAccessibleName(ost_stringForKey(properties, u"accessibilityLabel"_s).value_or(name));
+    m_internalSwitch->setAccessibleName(description.accessibilityLabel().value_or(description.key()));
     setFocusProxy(m_internalSwitch);
     connect(m_internalSwitch, &OSTSwitchControl::toggled, this, &OSTSwitch::userChangedValue);
-    customizeWithProperties(properties);
+    customize(description);
+}
+
+OSTSwitch::OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
+    : OSTSwitch(frame, OSTSwitchDescription(name, properties), parent)
+{
 }
 
 QRect OSTSwitch::frameInBox(const QRect &box)
@@ -29,14 +31,13 @@ QRect OSTSwitch::frameInBox(const QRect &box)
     return natural;
 }
 
-void OSTSwitch::customizeWithProperties(const QVariantMap &properties)
+void OSTSwitch::customize(const OSTSwitchDescription &description)
 {
-    OSTView::customizeWithProperties(properties);
-    m_internalSwitch->setOn(ost_stringForKey(properties, u"defaultState"_s) == u"pressed"_s,
-                            OSTSwitchControl::Animation::Immediate);
-    m_internalSwitch->setOnTintColor(ost_colorForKey(properties, u"onTintColor"_s));
-    m_internalSwitch->setTintColor(ost_colorForKey(properties, u"tintColor"_s));
-    m_internalSwitch->setThumbTintColor(ost_colorForKey(properties, u"thumbTintColor"_s));
+    OSTView::customize(description);
+    m_internalSwitch->setOn(description.isInitiallyOn(), OSTSwitchControl::Animation::Immediate);
+    m_internalSwitch->setOnTintColor(description.onTintColor());
+    m_internalSwitch->setTintColor(description.tintColor());
+    m_internalSwitch->setThumbTintColor(description.thumbTintColor());
 }
 
 bool OSTSwitch::isOn() const

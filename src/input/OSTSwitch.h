@@ -2,19 +2,15 @@
 
 #include "input/OSTValidationItem.h"
 #include "render/OSTView.h"
+#include "screen/OSTSwitchDescription.h"
 
 namespace ostrel {
 
 class OSTSwitchControl;
 
 // The "toggleSwitch" button element: an on/off switch that takes part in validation like a
-// toggle button. It reads the box keys of OSTView and
-//
-//   "defaultState"    "pressed" starts it on; anything else off
-//   "onTintColor"     track colour when on
-//   "tintColor"       outline colour
-//   "thumbTintColor"  thumb colour
-//   "accessibilityLabel"  the name accessibility reads; the element key otherwise
+// toggle button. Its box, starting state and colours come from its description
+// (OSTSwitchDescription); assistive technology reads its accessibility label, else its key.
 //
 // The element shrinks to the switch's natural size around the centre the layout gave it
 // (frameInBox), whenever its box is set: at construction and at every relayout.
@@ -25,13 +21,13 @@ class OSTSwitch final : public OSTView, public OSTValidationItem {
     Q_OBJECT
 
 public:
+    OSTSwitch(const QRect &frame, const OSTSwitchDescription &description, QWidget *parent = nullptr);
+    // Transitional: the switch's properties read into its description.
     OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name,
               QWidget *parent = nullptr);
 
     // The switch's natural size centred in `box`: the geometry it takes for that layout box.
     static QRect frameInBox(const QRect &box);
-
-    void customizeWithProperties(const QVariantMap &properties) override;
 
     OSTSwitchControl *internalSwitch() const { return m_internalSwitch; }
     bool isOn() const;
@@ -50,6 +46,7 @@ protected:
     void modelDidChange() override;
 
 private:
+    void customize(const OSTSwitchDescription &description);
     void userChangedValue();
     void updateModelValidity();
 

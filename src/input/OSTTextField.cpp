@@ -1,6 +1,5 @@
 #include "input/OSTTextField.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTRegularExpression.h"
 #include "input/OSTPhoneNumberFormatter.h"
 #include "input/OSTPhoneNumberManager.h"
@@ -11,10 +10,6 @@
 #include "render/OSTTextAttributes.h"
 #include "render/OSTView.h"
 #include "render/OSTViewEffect.h"
-#include "screen/OSTContentInsets.h"
-#include "screen/OSTFontResolver.h"
-#include "screen/OSTPropertyValues.h"
-#include "screen/OSTTextFieldDescription.h"
 
 #include <QFontMetricsF>
 #include <QKeyEvent>
@@ -30,14 +25,12 @@ namespace ostrel {
 
 namespace {
 
-constexpr int phoneNumberMaxLength = 14;
-constexpr int pinMaxLength = 4;
 constexpr int defaultLeftInset = 10;
 constexpr int clearButtonRightInset = 16;
 
-Qt::Alignment verticalAlignmentOf(const QVariantMap &properties)
+Qt::Alignment verticalAlignmentOf(UIControlContentVerticalAlignment alignment)
 {
-    switch (UIControlContentVerticalAlignmentFromString(ost_stringForKey(properties, u"verticalAlignment"_s))) {
+    switch (alignment) {
     case UIControlContentVerticalAlignmentTop:
         return Qt::AlignTop;
     case UIControlContentVerticalAlignmentBottom:
@@ -51,19 +44,20 @@ Qt::Alignment verticalAlignmentOf(const QVariantMap &properties)
 
 Qt::Alignment horizontalAlignmentOfWord(const QString &word)
 {
-    return OSTTextAttributes(QVariantMap{{u"alignment"_s, word}}).horizontalAlignment();
+    OSTTextLook look;
+    look.alignment = NSTextAlignmentFromString(word);
+    return OSTTextAttributes(look).horizontalAlignment();
 }
 
 // "horizontalAlignment" places the text when no alignment word does; the text field's default
 // is the left edge. A single line has nothing to fill, so "fill" starts at the left too.
-Qt::Alignment horizontalAlignmentOf(const QVariantMap &properties)
+Qt::Alignment horizontalAlignmentOf(const OSTTextFieldDescription &description)
 {
-    if (const std::optional<QString> word = OSTTextFieldDescription::alignmentWordOf(properties))
+    if (const std::optional<QString> &word = description.alignmentWord())
         return horizontalAlignmentOfWord(*word);
-    const std::optional<QString> content = ost_stringForKey(properties, u"horizontalAlignment"_s);
-    if (!content)
+    if (!description.contentHorizontalAlignment())
         return Qt::AlignLeft;
-    switch (UIControlContentHorizontalAlignmentFromString(content)) {
+    switch (*description.contentHorizontalAlignment()) {
     case UIControlContentHorizontalAlignmentCenter:
         return Qt::AlignHCenter;
     case UIControlContentHorizontalAlignmentRight:
@@ -124,100 +118,74 @@ qsizetype commonPrefixLength(const QString &a, const QString &b, qsizetype limit
 
 } // namespace
 
-OSTTextField::OSTTextField(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
+OSTTextField::OSTTextField(const QRect &frame, std::shared_ptr<const OSTTextFieldDescription> description,
+                           QWidget *parent)
     : QLineEdit(parent),
-      OSTInput(*this, inputPositionWithProperties(properties)),
-      m_name(name),
-      m_normalStateProperties(properties),
-      m_invalidStateProperties(OSTTextFieldDescription::invalidStateProperties(properties)),
-      m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), properties, this)),
+      OSTInput(*this, description->inputOrder()),
+      m_description(std::move(description)),
+      m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), *m_description, this)),
       m_defaultFont(font()), m_defaultPalette(palette())
 {
     setGeometry(frame);
     setFrame(false);
     m_backgroundView->hide();
 
-    if (const std::optional<QVariantMap> placeholder = ost_dictionaryForKey(properties, u"placeholder"_s)) {
+    if (const std::shared_ptr<const OSTLabelDescription> &placeholder = m_description->placeholder()) {
         m_placeholderLabel = new OSTLabel(QRect(QPoint(), frame.size()), *placeholder, this);
         m_placeholderLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
     }
     const QString placeholderText = m_placeholderLabel ? m_placeholderLabel->text() : QString();
-    setAccessibleName(!placeholderText.isEmpty()
-                          ? placeholderText
-                          : ost_stringForKey(properties, u"accessibilityLabel"_s).value_or(name));
+    setAccessibleName(!placeholderText.isEmpty() ? placeholderText
+                                                 : m_description->accessibilityLabel().value_or(name()));
 
-    readBehaviour(properties);
-    applyInputMethodHints(properties);
-    buildToolbar(properties);
+    applyBehaviour();
+    applyInputMethodHints();
+    buildToolbar();
 
     connect(this, &QLineEdit::textEdited, this, &OSTTextField::userEdited);
     connect(this, &QLineEdit::cursorPositionChanged, this,
             [this](int, int newPosition) { keepCaretOutOfPrefix(newPosition); });
     updateView();
-    const QVariantMap textProperties = ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap());
-    replaceText(ost_stringForKey(textProperties, u"text"_s).value_or(QString()));
+    replaceText(m_description->initialText());
+}
+
+OSTTextField::OSTTextField(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
+    : OSTTextField(frame, std::make_shared<const OSTTextFieldDescription>(name, properties), parent)
+{
 }
 
 OSTTextField::~OSTTextField() = default;
 
-void OSTTextField::readBehaviour(const QVariantMap &properties)
+void OSTTextField::applyBehaviour()
 {
-    m_opacity = std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0);
-    setEchoMode(ost_flagForKey(properties, u"secureTextEntry"_s, false) ? Password : Normal);
-    setAlignment(horizontalAlignmentOf(properties) | verticalAlignmentOf(properties));
-    m_adjustsFontSizeToFitWidth = ost_flagForKey(properties, u"adjustsFontSizeToFitWidth"_s, false);
-    m_minimumFontSize = ost_finiteDouble(ost_numberForKey(properties, u"minimumFontSize"_s)).value_or(0);
-
-    m_maxLength = std::max(ost_integerForKey(properties, u"maxLength"_s), -1);
-    m_minLength = ost_integerForKey(properties, u"minLength"_s);
-    if (m_maxLength >= 0)
-        m_minLength = std::min(m_minLength, m_maxLength);
-    m_validationPattern = ost_stringForKey(properties, u"validationPattern"_s).value_or(QString());
-    m_clearButtonMode = UITextFieldViewModeFromString(ost_stringForKey(properties, u"clearButtonMode"_s));
-    setClearButtonEnabled(m_clearButtonMode != UITextFieldViewModeNever);
-    m_clearsOnBeginEditing = ost_flagForKey(properties, u"clearsOnBeginEditing"_s, false);
-    m_enablesReturnKeyAutomatically = ost_flagForKey(properties, u"enablesReturnKeyAutomatically"_s, false);
-
-    m_type = OSTTextFieldTypeFromString(ost_stringForKey(properties, u"textType"_s));
-    switch (m_type) {
-    case OSTTextFieldTypePhoneNumber:
-    case OSTTextFieldTypePhoneNumberValidated:
-        m_maxLength = phoneNumberMaxLength;
-        break;
-    case OSTTextFieldTypePhoneNumberPin:
-        m_maxLength = pinMaxLength;
-        m_autoSubmit = ost_flagForKey(properties, u"autoSubmit"_s, true);
-        break;
-    case OSTTextFieldTypePassword:
-        setEchoMode(Password);
-        break;
-    case OSTTextFieldTypePlain:
-        break;
-    }
+    const OSTTextFieldDescription &description = *m_description;
+    const bool secure = description.isSecureTextEntry() || type() == OSTTextFieldTypePassword;
+    setEchoMode(secure ? Password : Normal);
+    setAlignment(horizontalAlignmentOf(description) | verticalAlignmentOf(description.verticalAlignment()));
+    setClearButtonEnabled(description.clearButtonMode() != UITextFieldViewModeNever);
 }
 
-void OSTTextField::applyInputMethodHints(const QVariantMap &properties)
+void OSTTextField::applyInputMethodHints()
 {
-    UIKeyboardType keyboard = UIKeyboardTypeFromString(ost_stringForKey(properties, u"keyboardType"_s));
-    if (isPhoneType(m_type) || m_type == OSTTextFieldTypePhoneNumberPin)
+    const OSTTextFieldType fieldType = type();
+    UIKeyboardType keyboard = m_description->keyboardType();
+    if (isPhoneType(fieldType) || fieldType == OSTTextFieldTypePhoneNumberPin)
         keyboard = UIKeyboardTypePhonePad;
     Qt::InputMethodHints hints = keyboardHintsOf(keyboard);
-    if (m_type == OSTTextFieldTypePhoneNumberPin)
+    if (fieldType == OSTTextFieldTypePhoneNumberPin)
         hints = Qt::ImhDigitsOnly;
-    if (UITextAutocapitalizationTypeFromString(ost_stringForKey(properties, u"autocapitalizationType"_s))
-        == UITextAutocapitalizationTypeNone)
+    if (m_description->autocapitalizationType() == UITextAutocapitalizationTypeNone)
         hints |= Qt::ImhNoAutoUppercase;
-    if (UITextAutocorrectionTypeFromString(ost_stringForKey(properties, u"autocorrectionType"_s))
-        == UITextAutocorrectionTypeNo)
+    if (m_description->autocorrectionType() == UITextAutocorrectionTypeNo)
         hints |= Qt::ImhNoPredictiveText;
     if (echoMode() == Password)
         hints |= Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText;
     setInputMethodHints(hints);
 }
 
-void OSTTextField::buildToolbar(const QVariantMap &properties)
+void OSTTextField::buildToolbar()
 {
-    const std::optional<QVariantMap> toolbar = ost_dictionaryForKey(properties, u"toolbar"_s);
+    const std::optional<OSTToolbarSettings> &toolbar = m_description->toolbar();
     if (!toolbar)
         return;
     // Desktops have no on-screen keyboard to carry the bar: it stays hidden and Escape and
@@ -236,30 +204,29 @@ bool OSTTextField::showsInvalidLook() const
 
 void OSTTextField::updateView()
 {
-    const QVariantMap &state = showsInvalidLook() ? m_invalidStateProperties : m_normalStateProperties;
-    const QVariantMap text = ost_dictionaryForKey(state, u"text"_s).value_or(QVariantMap());
+    const OSTTextFieldDescription::StateLook &state =
+        showsInvalidLook() ? m_description->invalidLook() : m_description->normalLook();
     // The box is painted inside the field's own painting, so the field casts the box's shadow.
-    m_backgroundView->customizeWithProperties(ost_propertiesWithoutObjectShadow(state));
-    OSTViewEffect::applyTo(*this, m_backgroundView->container(), m_opacity, ost_objectShadowWithProperties(state));
+    m_backgroundView->container()->setLook(state.box);
+    OSTViewEffect::applyTo(*this, m_backgroundView->container(), m_description->fieldAlpha(), state.shadow);
 
-    const QMargins defaultInsets(defaultLeftInset, 0,
-                                 m_clearButtonMode == UITextFieldViewModeNever ? 0 : clearButtonRightInset, 0);
-    m_contentInsets = ost_contentInsetsForKey(text, u"contentInsets"_s)
-                          .value_or(ost_contentInsetsForKey(state, u"contentInsets"_s).value_or(defaultInsets));
+    const bool hasClearButton = m_description->clearButtonMode() != UITextFieldViewModeNever;
+    const QMargins defaultInsets(defaultLeftInset, 0, hasClearButton ? clearButtonRightInset : 0, 0);
+    m_contentInsets = state.contentInsets.value_or(defaultInsets);
     setTextMargins(m_contentInsets);
 
     // Built fresh from the state each time: a colour or font of the invalid look must not stay
     // once the field is valid again.
-    m_textFont = OSTFontResolver::fontWithProperties(text).value_or(m_defaultFont);
-    m_textFont.setUnderline(ost_stringForKey(text, u"style"_s) == u"underlined"_s);
+    m_textFont = state.textLook.font.value_or(m_defaultFont);
+    m_textFont.setUnderline(state.textLook.underlined);
     fitTextToWidth();
     QPalette textPalette = m_defaultPalette;
     textPalette.setColor(QPalette::Base, Qt::transparent);
-    if (ost_stringForKey(text, u"textColor"_s))
-        textPalette.setColor(QPalette::Text, OSTTextAttributes(text).textColor());
+    if (state.textLook.hasTextColor)
+        textPalette.setColor(QPalette::Text, state.textLook.textColor);
     setPalette(textPalette);
-    if (const std::optional<QString> alignment = OSTTextFieldDescription::alignmentWordOf(text))
-        setAlignment(horizontalAlignmentOfWord(*alignment) | (this->alignment() & Qt::AlignVertical_Mask));
+    if (state.alignmentWord)
+        setAlignment(horizontalAlignmentOfWord(*state.alignmentWord) | (this->alignment() & Qt::AlignVertical_Mask));
 
     layOutOverlays();
     updateAccessibility();
@@ -286,7 +253,7 @@ QString OSTTextField::finalizedTextFromText(const QString &text) const
 {
     if (m_formattingBlock)
         return m_formattingBlock(text, FormattingMode::Formatted);
-    return m_maxLength >= 1 ? text.left(m_maxLength) : text;
+    return maxLength() >= 1 ? text.left(maxLength()) : text;
 }
 
 void OSTTextField::setFormattingBlock(FormattingBlock block)
@@ -316,9 +283,9 @@ void OSTTextField::userEdited(const QString &proposed)
         QLineEdit::setText(finalizedTextFromText(proposed));
         if (!caretWasAtEnd)
             placeCaretAfterFormatting(start, replacedLength, replacement);
-    } else if (m_maxLength >= 1 && proposed.size() > m_maxLength) {
-        QLineEdit::setText(proposed.left(m_maxLength));
-        setCursorPosition(int(std::min<qsizetype>(start + replacement.size(), m_maxLength)));
+    } else if (maxLength() >= 1 && proposed.size() > maxLength()) {
+        QLineEdit::setText(proposed.left(maxLength()));
+        setCursorPosition(int(std::min<qsizetype>(start + replacement.size(), maxLength())));
     }
     m_lastText = text();
     textFieldDidChange();
@@ -346,12 +313,12 @@ void OSTTextField::keepCaretOutOfPrefix(int newPosition)
 void OSTTextField::fitTextToWidth()
 {
     QFont fitted = m_textFont;
-    if (m_adjustsFontSizeToFitWidth) {
+    if (m_description->adjustsFontSizeToFitWidth()) {
         // QLineEdit keeps two pixels free on either side of the text.
         const qreal available = contentsRect().marginsRemoved(textMargins()).width() - 4;
         const qreal natural = QFontMetricsF(m_textFont).horizontalAdvance(displayText());
         if (natural > available && available > 0)
-            fitted = scaledFont(m_textFont, available / natural, std::max<qreal>(m_minimumFontSize, 1));
+            fitted = scaledFont(m_textFont, available / natural, std::max<qreal>(m_description->minimumFontSize(), 1));
     }
     if (fitted != font())
         setFont(fitted);
@@ -373,16 +340,17 @@ void OSTTextField::validate()
     if (!itemModel)
         return;
     const QString current = text();
-    if (m_type == OSTTextFieldTypePhoneNumberPin) {
+    if (type() == OSTTextFieldTypePhoneNumberPin) {
         itemModel->setValid(OSTPhoneNumberManager::sharedManager().validatePIN(current));
         return;
     }
     const bool hasContent = itemModel->isOptional() || !current.isEmpty();
     // Compared as unsigned: a negative minimum can never be reached.
-    const bool lengthOK = !hasContent || quint64(current.size()) >= quint64(qint64(m_minLength));
+    const bool lengthOK = !hasContent || quint64(current.size()) >= quint64(qint64(minLength()));
     bool valid = false;
     if (hasContent && lengthOK)
-        valid = m_validationPattern.isEmpty() || OSTRegularExpression(m_validationPattern).numberOfMatches(current) == 1;
+        valid = validationPattern().isEmpty()
+            || OSTRegularExpression(validationPattern()).numberOfMatches(current) == 1;
     itemModel->setValid(valid);
 }
 
@@ -391,7 +359,7 @@ QVariant OSTTextField::value() const
     const QString current = text();
     if (current.isEmpty())
         return {};
-    return isPhoneType(m_type) ? OSTPhoneNumberFormatter::normalizedPhoneNumber(current) : current;
+    return isPhoneType(type()) ? OSTPhoneNumberFormatter::normalizedPhoneNumber(current) : current;
 }
 
 void OSTTextField::setValue(const QVariant &value)
@@ -410,13 +378,13 @@ void OSTTextField::validityChanged()
 {
     updateView();
     const std::shared_ptr<OSTValidationItemModel> itemModel = model();
-    if (m_autoSubmit && itemModel && itemModel->isValid())
+    if (isAutoSubmit() && itemModel && itemModel->isValid())
         textFieldShouldReturn();
 }
 
 void OSTTextField::pickerDidChangeCountry(OSTPicker &picker, const QString &country, const QString &code)
 {
-    if (picker.type() != OSTPickerTypeCountryCode || !isPhoneType(m_type))
+    if (picker.type() != OSTPickerTypeCountryCode || !isPhoneType(type()))
         return;
     m_beginningCaretOffset = int(code.size()) + 1;
     setFormattingBlock([code, country](const QString &text, FormattingMode mode) {
@@ -434,7 +402,7 @@ void OSTTextField::textFieldShouldReturn()
 void OSTTextField::focusInEvent(QFocusEvent *event)
 {
     m_shouldShowInvalidState = false;
-    if (m_clearsOnBeginEditing)
+    if (m_description->clearsOnBeginEditing())
         replaceText(QString());
     updateView();
     QLineEdit::focusInEvent(event);
@@ -455,7 +423,7 @@ void OSTTextField::keyPressEvent(QKeyEvent *event)
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (!(m_enablesReturnKeyAutomatically && text().isEmpty()))
+        if (!(m_description->enablesReturnKeyAutomatically() && text().isEmpty()))
             m_toolbar ? m_toolbar->doneTapped() : textFieldShouldReturn();
         return;
     case Qt::Key_Escape:

@@ -3,6 +3,7 @@
 #include "input/OSTInput.h"
 #include "input/OSTPicker.h"
 #include "input/OSTValidationItem.h"
+#include "screen/OSTTextFieldDescription.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 
@@ -13,6 +14,7 @@
 #include <QVariantMap>
 
 #include <functional>
+#include <memory>
 
 namespace ostrel {
 
@@ -20,29 +22,22 @@ class OSTLabel;
 class OSTToolbar;
 class OSTView;
 
-// The single-line text input of a screen. It reads
+// The single-line text input of a screen, as its description (OSTTextFieldDescription) has it:
 //
-//   the box keys of OSTView  the field's look, drawn behind the text
-//   "states": {"invalid": {...}}  keys laid over the element's own for the invalid look, shown
-//                   once the user has left the field (or a value was restored) while it is invalid
-//   "text"          {"text": the initial text, "textColor", "font", "size", "style": "underlined",
-//                    "contentInsets": [top, left, bottom, right], "alignment"...}
-//   "contentAlignment", "textAlignment", "alignment"  the text's alignment word; without one,
-//                   "horizontalAlignment" ("left", "right", centre otherwise); "verticalAlignment"
-//                   ("top", "bottom", centre otherwise) on its own
-//   "adjustsFontSizeToFitWidth", "minimumFontSize"  shrink the font, no further than the
-//                   minimum, while the text is wider than the field
-//   "placeholder"   an OSTLabel dictionary shown while the field is empty
-//   "textType"      "password", "phoneNumber", "phoneNumberValidated", "phoneNumberPin" (see
-//                   OSTTextFieldType); phone types take at most 14 characters, a PIN 4
-//   "maxLength", "minLength", "validationPattern" (ICU; exactly one match makes a valid text)
-//   "keyboardType", "autocapitalizationType", "autocorrectionType", "spellCheckingType",
-//   "secureTextEntry"  turned into Qt input-method hints for virtual keyboards
-//   "clearButtonMode", "clearsOnBeginEditing", "enablesReturnKeyAutomatically", "autoSubmit"
-//   "toolbar"       OSTToolbar keys; Escape is its cancel (the field gives up the focus), Return
-//                   its done
-//   "inputOrder"    the position in the screen's input chain
-//   "accessibilityLabel"  the name read when there is no placeholder text; else the element key
+//   the normal look, drawn behind the text, and the invalid look, shown once the user has left
+//   the field (or a value was restored) while it is invalid; each with its text look, insets
+//   (the field's default otherwise) and alignment word
+//   without an alignment word, the horizontal content alignment (left otherwise; "fill" starts
+//   at the left too); the vertical alignment on its own
+//   the font shrinks, no further than the minimum font size, while the text is wider than the
+//   field, when asked to
+//   a placeholder label shown while the field is empty
+//   the text type, lengths (0 and -1: no maximum) and validation pattern (ICU; exactly one match
+//   makes a valid text); keyboard, capitalization, correction and secure entry turned into Qt
+//   input-method hints for virtual keyboards
+//   the keyboard's toolbar: Escape is its cancel (the field gives up the focus), Return its done
+//   the input order: the position in the screen's input chain
+//   the accessibility label: the name read when there is no placeholder text; else the key
 //
 // Return (and Tab, through the Tab order that OSTInput::chainInputs sets) moves the focus to the
 // next input. A PIN field becomes valid when the text is the PIN of the verified phone number
@@ -64,20 +59,23 @@ public:
     // Turns any text into what the field shows (Formatted) or into the bare digits (Raw).
     using FormattingBlock = std::function<QString(const QString &text, FormattingMode mode)>;
 
+    OSTTextField(const QRect &frame, std::shared_ptr<const OSTTextFieldDescription> description,
+                 QWidget *parent = nullptr);
+    // Transitional: the field's properties read into its description.
     OSTTextField(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent = nullptr);
     ~OSTTextField() override;
 
-    const QString &name() const { return m_name; }
-    OSTTextFieldType type() const { return m_type; }
-    bool isAutoSubmit() const { return m_autoSubmit; }
+    const QString &name() const { return m_description->key(); }
+    OSTTextFieldType type() const { return m_description->textType(); }
+    bool isAutoSubmit() const { return m_description->autoSubmits(); }
     bool shouldShowInvalidState() const { return m_shouldShowInvalidState; }
     // Whether the invalid look is on now.
     bool showsInvalidLook() const;
-    int minLength() const { return m_minLength; }
+    int minLength() const { return m_description->minLength(); }
     // 0 and -1 mean no limit.
-    int maxLength() const { return m_maxLength; }
+    int maxLength() const { return m_description->maxLength(); }
     QMargins contentInsets() const { return m_contentInsets; }
-    const QString &validationPattern() const { return m_validationPattern; }
+    const QString &validationPattern() const { return m_description->validationPattern(); }
     int beginningCaretOffset() const { return m_beginningCaretOffset; }
     OSTLabel *placeholderLabel() const { return m_placeholderLabel; }
     OSTToolbar *inputAccessoryView() const { return m_toolbar; }
@@ -108,9 +106,9 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void readBehaviour(const QVariantMap &properties);
-    void applyInputMethodHints(const QVariantMap &properties);
-    void buildToolbar(const QVariantMap &properties);
+    void applyBehaviour();
+    void applyInputMethodHints();
+    void buildToolbar();
     void userEdited(const QString &proposed);
     void placeCaretAfterFormatting(qsizetype start, qsizetype replacedLength, const QString &replacement);
     void keepCaretOutOfPrefix(int newPosition);
@@ -121,26 +119,13 @@ private:
     void updateAccessibility();
     void layOutOverlays();
 
-    const QString m_name;
-    const QVariantMap m_normalStateProperties;
-    const QVariantMap m_invalidStateProperties;
-    OSTTextFieldType m_type = OSTTextFieldTypePlain;
-    bool m_autoSubmit = false;
+    const std::shared_ptr<const OSTTextFieldDescription> m_description;
     bool m_shouldShowInvalidState = false;
-    bool m_clearsOnBeginEditing = false;
-    bool m_enablesReturnKeyAutomatically = false;
-    UITextFieldViewMode m_clearButtonMode = UITextFieldViewModeNever;
-    int m_minLength = 0;
-    int m_maxLength = 0;
     QMargins m_contentInsets;
-    QString m_validationPattern;
     int m_beginningCaretOffset = 0;
     FormattingBlock m_formattingBlock;
     QString m_lastText; // the text before the user's latest edit
     OSTView *m_backgroundView = nullptr; // hidden child, painted behind the text
-    qreal m_opacity = 1;
-    bool m_adjustsFontSizeToFitWidth = false;
-    qreal m_minimumFontSize = 0;
     QFont m_textFont; // the state's font, before any shrinking to fit
     const QFont m_defaultFont;       // what a state without "font" or "textColor" shows
     const QPalette m_defaultPalette;

@@ -12,11 +12,6 @@ constexpr int translucentAlpha = 200;
 
 } // namespace
 
-OSTToolbar::OSTToolbar(const QVariantMap &properties, QWidget *parent)
-    : OSTToolbar(OSTToolbarSettings::fromProperties(properties), parent)
-{
-}
-
 OSTToolbar::OSTToolbar(const OSTToolbarSettings &settings, QWidget *parent)
     : QToolBar(parent)
 {

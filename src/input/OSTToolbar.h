@@ -3,7 +3,6 @@
 #include "screen/OSTToolbarSettings.h"
 
 #include <QToolBar>
-#include <QVariantMap>
 
 #include <functional>
 
@@ -21,7 +20,6 @@ class OSTToolbar final : public QToolBar {
 public:
     using BarStyle = OSTToolbarSettings::BarStyle;
 
-    explicit OSTToolbar(const QVariantMap &properties, QWidget *parent = nullptr);
     explicit OSTToolbar(const OSTToolbarSettings &settings, QWidget *parent = nullptr);
 
     void setCancelBlock(std::function<void()> block) { m_cancelBlock = std::move(block); }

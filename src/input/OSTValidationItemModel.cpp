@@ -5,11 +5,6 @@
 
 namespace ostrel {
 
-OSTValidationItemModel::OSTValidationItemModel(const QString &key, const QVariantMap &properties)
-    : OSTValidationItemModel(key, OSTValidationSettings::fromProperties(key, properties))
-{
-}
-
 OSTValidationItemModel::OSTValidationItemModel(const QString &key, const OSTValidationSettings &settings)
     : m_key(key)
     , m_optional(settings.optional)

@@ -4,7 +4,6 @@
 
 #include <QString>
 #include <QVariant>
-#include <QVariantMap>
 
 #include <memory>
 #include <optional>
@@ -31,8 +30,7 @@ enum class OSTVisibilityLevel {
 // Thread: GUI thread only, like the inputs that write it.
 class OSTValidationItemModel {
 public:
-    // With the input's validation settings (OSTValidationSettings), read from its properties or given.
-    OSTValidationItemModel(const QString &key, const QVariantMap &properties);
+    // With the input's validation settings, read by its element description.
     OSTValidationItemModel(const QString &key, const OSTValidationSettings &settings);
     OSTValidationItemModel(const OSTValidationItemModel &) = delete;
     OSTValidationItemModel &operator=(const OSTValidationItemModel &) = delete;

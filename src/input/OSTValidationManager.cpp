@@ -1,11 +1,14 @@
 #include "input/OSTValidationManager.h"
 
-#include "core/OSTDictionaryHelpers.h"
-#include "core/OSTLogging.h"
 #include "input/OSTValidationGroup.h"
 #include "input/OSTValidationGroupModel.h"
 #include "input/OSTValidationItem.h"
 #include "input/OSTValidationItemModel.h"
+#include "screen/OSTButtonDescription.h"
+#include "screen/OSTPickerDescription.h"
+#include "screen/OSTScreenDocument.h"
+#include "screen/OSTSwitchDescription.h"
+#include "screen/OSTTextFieldDescription.h"
 
 #include <algorithm>
 #include <span>
@@ -23,55 +26,65 @@ struct ScreenItems {
     std::shared_ptr<OSTValidationItemModel> phoneNumberItem;
 };
 
-// Calls `visit` with each entry of the layout's `category` whose properties are an object.
-template <typename Visitor>
-void forEachElement(const QVariantMap &layout, const QString &category, Visitor visit)
+// Text fields and pickers; their settings say how each value is kept.
+const OSTValidationSettings *inputValidation(const OSTElementDescription &element)
 {
-    const QVariantMap elements = ost_dictionaryForKey(layout, category).value_or(QVariantMap());
-    for (auto element = elements.constBegin(); element != elements.constEnd(); ++element) {
-        const std::optional<QVariantMap> properties = ost_dictionaryForKey(elements, element.key());
-        if (!properties) {
-            OSTLogging::logWarning(u"Ignoring \"%1\" in \"%2\" for validation: its properties are not an object."_s,
-                                   element.key(), category);
+    if (const auto *field = dynamic_cast<const OSTTextFieldDescription *>(&element))
+        return &field->validation();
+    if (const auto *picker = dynamic_cast<const OSTPickerDescription *>(&element))
+        return &picker->validation();
+    return nullptr;
+}
+
+void collectInputItems(const OSTScreenDocument &document, ScreenItems &screen)
+{
+    for (const auto &element : document.elements(u"inputs"_s)) {
+        const OSTValidationSettings *settings = inputValidation(*element);
+        if (!settings)
             continue;
+        auto item = std::make_shared<OSTValidationItemModel>(element->key(), *settings);
+        switch (settings->valueVisibility) {
+        case OSTValidationSettings::ValueVisibility::Transient:
+            item->setVisibilityLevel(OSTVisibilityLevel::Transient);
+            break;
+        case OSTValidationSettings::ValueVisibility::Secret:
+            item->setVisibilityLevel(OSTVisibilityLevel::Secret);
+            break;
+        case OSTValidationSettings::ValueVisibility::PhoneNumberToVerify:
+            screen.phoneNumberItem = item;
+            break;
+        case OSTValidationSettings::ValueVisibility::Plain:
+            break;
         }
-        visit(element.key(), *properties);
+        screen.items.push_back(std::move(item));
     }
 }
 
-void collectInputItems(const QVariantMap &layout, ScreenItems &screen)
+std::optional<OSTValidationSettings> buttonValidation(const OSTElementDescription &element)
 {
-    forEachElement(layout, u"inputs"_s, [&](const QString &key, const QVariantMap &properties) {
-        auto item = std::make_shared<OSTValidationItemModel>(key, properties);
-        const QString textType = ost_stringForKey(properties, u"textType"_s).value_or(QString());
-        const bool secureTextEntry = ost_boolValue(ost_stringForKey(properties, u"secureTextEntry"_s).value_or(QString()));
-        if (textType == u"phoneNumberPin"_s)
-            item->setVisibilityLevel(OSTVisibilityLevel::Transient);
-        else if (textType == u"password"_s || secureTextEntry)
-            item->setVisibilityLevel(OSTVisibilityLevel::Secret);
-        else if (textType == u"phoneNumberValidated"_s)
-            screen.phoneNumberItem = item;
-        screen.items.push_back(std::move(item));
-    });
+    if (const auto *button = dynamic_cast<const OSTButtonDescription *>(&element))
+        return button->validation();
+    if (const auto *toggleSwitch = dynamic_cast<const OSTSwitchDescription *>(&element))
+        return toggleSwitch->validation();
+    return std::nullopt;
 }
 
 // Toggle buttons, switches and image-upload buttons; plain buttons take no part in validation.
-void collectButtonItems(const QVariantMap &layout, Items &items)
+void collectButtonItems(const OSTScreenDocument &document, Items &items)
 {
-    forEachElement(layout, u"buttons"_s, [&](const QString &key, const QVariantMap &properties) {
-        if (ost_stringForKey(properties, u"buttonType"_s))
-            items.push_back(std::make_shared<OSTValidationItemModel>(key, properties));
-    });
+    for (const auto &element : document.elements(u"buttons"_s)) {
+        if (const std::optional<OSTValidationSettings> validation = buttonValidation(*element))
+            items.push_back(std::make_shared<OSTValidationItemModel>(element->key(), *validation));
+    }
 }
 
-// A selection group is judged as one input, so its member buttons lose their own items.
-void collectSelectionGroupItems(const QVariantMap &layout, Items &items)
+// A selection group is judged as one input, so the buttons it lists lose their own items.
+void collectSelectionGroupItems(const OSTScreenDocument &document, Items &items)
 {
-    forEachElement(layout, u"selectionGroups"_s, [&](const QString &key, const QVariantMap &properties) {
-        items.push_back(std::make_shared<OSTValidationItemModel>(key, properties));
-        const QVariantMap members = ost_dictionaryForKey(properties, u"elements"_s).value_or(QVariantMap());
-        std::erase_if(items, [&](const auto &item) { return members.contains(item->key()); });
-    });
+    for (const auto &group : document.selectionGroups()) {
+        items.push_back(std::make_shared<OSTValidationItemModel>(group->key(), group->validation()));
+        std::erase_if(items, [&](const auto &item) { return group->listedKeys().contains(item->key()); });
+    }
 }
 
 void bindInput(OSTValidationItem &input, const std::shared_ptr<OSTValidationItemModel> &item)
@@ -114,12 +127,17 @@ QVariantMap mergedFields(std::span<const std::shared_ptr<OSTValidationGroupModel
 
 void OSTValidationManager::addScreenWithKey(const QString &key, const QVariantMap &layout)
 {
+    addScreen(key, *OSTScreenDocument::fromLayout(layout));
+}
+
+void OSTValidationManager::addScreen(const QString &key, const OSTScreenDocument &document)
+{
     if (groupModelForKey(key))
         return;
     ScreenItems screen;
-    collectInputItems(layout, screen);
-    collectButtonItems(layout, screen.items);
-    collectSelectionGroupItems(layout, screen.items);
+    collectInputItems(document, screen);
+    collectButtonItems(document, screen.items);
+    collectSelectionGroupItems(document, screen.items);
     auto group = OSTValidationGroupModel::create(key, std::move(screen.items));
     group->setPhoneNumberItem(std::move(screen.phoneNumberItem));
     m_groups.push_back(std::move(group));

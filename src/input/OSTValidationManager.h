@@ -12,6 +12,7 @@
 
 namespace ostrel {
 
+class OSTScreenDocument;
 class OSTValidationGroup;
 class OSTValidationGroupModel;
 class OSTValidationItem;
@@ -38,9 +39,11 @@ public:
 
     const Groups &groups() const { return m_groups; }
 
-    // Registers a screen from its "layout" object: one item per entry of "inputs", per entry of
-    // "buttons" with a "buttonType", and per entry of "selectionGroups" (whose member buttons
-    // then have no item of their own). A screen registered before keeps its group and values.
+    // Registers a screen from its document: one item per input (text field or picker), per button
+    // with a "buttonType" (switches included), and per selection group (whose listed buttons then
+    // have no item of their own). A screen registered before keeps its group and values.
+    void addScreen(const QString &key, const OSTScreenDocument &document);
+    // Transitional: the screen's decoded "layout" object, read into a document.
     void addScreenWithKey(const QString &key, const QVariantMap &layout);
     // Binds a registered screen's view and its inputs (element key to input; missing or null
     // inputs are skipped) to their models, restoring into each input the value it had before.

@@ -63,6 +63,14 @@ QVariant OSTBundle::objectForInfoDictionaryKey(const QString &key) const
     return m_infoDictionary.value(key);
 }
 
+std::optional<QString> OSTBundle::launchStoryboardName() const
+{
+    const QVariant name = m_infoDictionary.value(u"UILaunchStoryboardName"_s);
+    if (name.metaType() != QMetaType::fromType<QString>() || name.toString().isEmpty())
+        return std::nullopt;
+    return name.toString();
+}
+
 QString OSTBundle::pathForResource(const QString &name, const QString &extension) const
 {
     if (name.isEmpty())

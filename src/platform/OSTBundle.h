@@ -4,6 +4,7 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <optional>
 
 namespace ostrel {
 
@@ -27,6 +28,8 @@ public:
     // than here, because logging itself consults the main bundle.
     QString infoDictionaryError() const { return m_infoDictionaryError; }
     QVariant objectForInfoDictionaryKey(const QString &key) const;
+    // "UILaunchStoryboardName": the name of the launch form, when it is a non-empty string.
+    std::optional<QString> launchStoryboardName() const;
     // Absolute path of the resource file "name.extension" in the bundle, or an empty string when
     // there is no such file.
     QString pathForResource(const QString &name, const QString &extension) const;

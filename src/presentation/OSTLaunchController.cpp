@@ -1,6 +1,5 @@
 #include "presentation/OSTLaunchController.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "platform/OSTBundle.h"
 
@@ -18,7 +17,6 @@ namespace ostrel {
 
 namespace {
 
-const QString launchStoryboardKey = QStringLiteral("UILaunchStoryboardName");
 const QString launchImageMarker = QStringLiteral("LaunchImage");
 
 // "Default-LaunchImage@2x.png" has scale 2; a name without the suffix has scale 1.
@@ -55,11 +53,7 @@ OSTLaunchController::OSTLaunchController(QSizeF areaSize, double devicePixelRati
 
 std::optional<QString> OSTLaunchController::getLaunchStoryboardName()
 {
-    const std::optional<QString> name =
-        ost_stringForKey(OSTBundle::mainBundle()->infoDictionary(), launchStoryboardKey);
-    if (!name || name->isEmpty())
-        return std::nullopt;
-    return name;
+    return OSTBundle::mainBundle()->launchStoryboardName();
 }
 
 QImage OSTLaunchController::getLaunchImage(const OSTBundle &bundle, QSizeF areaSize, double devicePixelRatio)

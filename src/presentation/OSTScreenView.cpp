@@ -1,6 +1,5 @@
 #include "presentation/OSTScreenView.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "events/OSTEventHook.h"
 #include "events/OSTInternalEvent.h"
@@ -19,6 +18,10 @@
 #include "render/OSTLabel.h"
 #include "render/OSTLayoutManager.h"
 #include "render/OSTView.h"
+#include "screen/OSTImageDescription.h"
+#include "screen/OSTLabelDescription.h"
+#include "screen/OSTScreenDocument.h"
+#include "screen/OSTScreenVocabulary.h"
 
 #include <QJsonDocument>
 #include <QMouseEvent>
@@ -35,8 +38,9 @@ namespace ostrel {
 
 namespace {
 
-const QString backgroundKey = u"background"_s;
-const QString errorMessageKey = u"errorMessage"_s;
+const QString &backgroundKey = OSTScreenVocabulary::backgroundKey;
+const QString &errorMessageKey = OSTScreenVocabulary::errorMessageKey;
+const QString inputsCategory = u"inputs"_s;
 constexpr int errorAnimationMilliseconds = 250;
 const QString errorAnimationName = u"errorLayoutMove"_s;
 
@@ -48,21 +52,6 @@ int roundedEdge(double edge)
         return 0;
     const double limit = QWIDGETSIZE_MAX;
     return int(std::floor(std::clamp(edge, -limit, limit) + 0.5));
-}
-
-std::optional<QVariantMap> parseScreenJson(const QString &text)
-{
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &error);
-    if (error.error != QJsonParseError::NoError) {
-        OSTLogging::logError(u"Screen JSON does not parse at offset %1: %2"_s, error.offset, error.errorString());
-        return std::nullopt;
-    }
-    if (!document.isObject()) {
-        OSTLogging::logError(u"Screen JSON is not an object"_s);
-        return std::nullopt;
-    }
-    return document.toVariant().toMap();
 }
 
 // Whether the widget under a press is one that handles presses itself, so the page does not
@@ -86,22 +75,25 @@ OSTScreenView *OSTScreenView::create(const std::shared_ptr<const OSTScreen> &scr
     if (!screen)
         return nullptr;
     const QString text = substitution ? substitution(screen->json()) : screen->json();
-    const std::optional<QVariantMap> layout = parseScreenJson(text);
-    if (!layout)
+    std::shared_ptr<const OSTScreenDocument> document = OSTScreenDocument::read(text);
+    if (!document)
         return nullptr;
-    auto layoutManager = std::make_unique<OSTLayoutManager>(*layout, QRectF(QPointF(), area),
+    auto layoutManager = std::make_unique<OSTLayoutManager>(*document, QRectF(QPointF(), area),
                                                             OSTDeviceScreen::statusBarHeight());
     if (!layoutManager->resolveLayout() && unresolved == UnresolvedLayout::Fail) {
         OSTLogging::logError(u"The layout of screen %1 cannot be resolved"_s, screen->key());
         return nullptr;
     }
-    return new OSTScreenView(screen, *layout, std::move(layoutManager), unresolved, parent);
+    // Transitional: the input views and the validation manager still take the decoded maps.
+    const QVariantMap layout = QJsonDocument::fromJson(text.toUtf8()).toVariant().toMap();
+    return new OSTScreenView(screen, layout, std::move(document), std::move(layoutManager), unresolved, parent);
 }
 
 OSTScreenView::OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, const QVariantMap &layout,
+                             std::shared_ptr<const OSTScreenDocument> document,
                              std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
                              QWidget *parent)
-    : QWidget(parent), m_screen(screen), m_layout(layout), m_unresolved(unresolved),
+    : QWidget(parent), m_screen(screen), m_layout(layout), m_document(std::move(document)), m_unresolved(unresolved),
       m_layoutManager(std::move(layoutManager))
 {
     const QSizeF area = m_layoutManager->baseElement()->frame().size();
@@ -110,13 +102,8 @@ OSTScreenView::OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, con
     rememberKeySets();
     buildPage();
     prepareGroups();
-    loadPlainViews(u"shapes"_s);
-    loadImages();
-    loadPlainViews(u"groups"_s);
-    loadLabels();
-    loadButtons();
-    loadSelectionGroups();
-    loadInputs();
+    loadElements();
+    connectInputs();
     fillContentView();
     fillGroups();
     m_loaded = true;
@@ -131,7 +118,7 @@ OSTScreenView::~OSTScreenView()
 void OSTScreenView::buildPage()
 {
     const QRect frame(QPoint(), size());
-    m_backdrop = new OSTView(frame, m_layout, this);
+    m_backdrop = new OSTView(frame, *m_document->backdrop(), this);
     m_scrollView = new QScrollArea(this);
     m_scrollView->setGeometry(frame);
     m_scrollView->setFrameShape(QFrame::NoFrame);
@@ -148,22 +135,14 @@ void OSTScreenView::buildPage()
             &OSTScreenView::contentScrolled);
 }
 
-QVariantMap OSTScreenView::category(const QString &name) const
+QVariantMap OSTScreenView::inputProperties(const QString &category, const QString &key) const
 {
-    return ost_dictionaryForKey(m_layout, name).value_or(QVariantMap());
+    return m_layout.value(category).toMap().value(key).toMap();
 }
 
 void OSTScreenView::prepareGroups()
 {
-    const QVariantMap groups = category(u"groups"_s);
-    for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
-        const QVariantMap properties = group.value().toMap();
-        const QVariantList members = ost_arrayForKey(properties, u"elements"_s).value_or(QVariantList());
-        for (const QVariant &member : members) {
-            if (member.typeId() == QMetaType::QString)
-                m_groupedViewKeys.append(member.toString());
-        }
-    }
+    m_groupedViewKeys = m_document->groupedKeys();
     m_groupedKeySet = QSet<QString>(m_groupedViewKeys.cbegin(), m_groupedViewKeys.cend());
 }
 
@@ -173,20 +152,44 @@ void OSTScreenView::rememberKeySets()
     m_anchoredKeySet = QSet<QString>(anchored.cbegin(), anchored.cend());
 }
 
-template <typename Build>
-void OSTScreenView::loadCategory(const QString &name, Build build)
+void OSTScreenView::loadElements()
 {
-    const QVariantMap elements = category(name);
-    for (auto element = elements.cbegin(); element != elements.cend(); ++element) {
-        if (element.value().typeId() != QMetaType::QVariantMap)
-            continue;
-        const QString &key = element.key();
-        if (QWidget *view = build(key, geometryForKey(*m_layoutManager, key), element.value().toMap())) {
-            view->setObjectName(key);
-            hideReplacedView(key);
-            m_views.insert(key, view);
+    for (const QString &category : OSTScreenVocabulary::buildOrder()) {
+        // Selection groups take the buttons built before them; an input sharing a key with a
+        // group or a member replaces it.
+        if (category == inputsCategory)
+            loadSelectionGroups();
+        for (const auto &element : m_document->elements(category)) {
+            const QString &key = element->key();
+            if (QWidget *view = buildView(*element, geometryForKey(*m_layoutManager, key))) {
+                view->setObjectName(key);
+                hideReplacedView(key);
+                m_views.insert(key, view);
+            }
         }
     }
+}
+
+QWidget *OSTScreenView::buildView(const OSTElementDescription &element, const QRect &frame)
+{
+    switch (element.kind()) {
+    case OSTElementKind::Image:
+        return buildImage(static_cast<const OSTImageDescription &>(element), frame);
+    case OSTElementKind::Label:
+        return buildLabel(static_cast<const OSTLabelDescription &>(element), frame);
+    case OSTElementKind::Button:
+    case OSTElementKind::PictureButton:
+        return buildButton(element, frame);
+    case OSTElementKind::Switch:
+        return buildSwitch(element.key(), frame);
+    case OSTElementKind::TextField:
+    case OSTElementKind::Picker:
+        return buildInput(element, frame);
+    case OSTElementKind::Shape:
+    case OSTElementKind::Group:
+        break;
+    }
+    return new OSTView(frame, element, m_contentView);
 }
 
 void OSTScreenView::hideReplacedView(const QString &key)
@@ -199,111 +202,112 @@ void OSTScreenView::hideReplacedView(const QString &key)
     }
 }
 
-void OSTScreenView::loadPlainViews(const QString &name)
+QWidget *OSTScreenView::buildImage(const OSTImageDescription &image, const QRect &frame)
 {
-    loadCategory(name, [this](const QString &, const QRect &frame, const QVariantMap &properties) {
-        return new OSTView(frame, properties, m_contentView);
-    });
+    auto *imageView = new OSTImageView(frame, image, m_contentView);
+    watchRequiredImages(imageView);
+    return imageView;
 }
 
-void OSTScreenView::loadImages()
+QWidget *OSTScreenView::buildLabel(const OSTLabelDescription &label, const QRect &frame)
 {
-    loadCategory(u"images"_s, [this](const QString &, const QRect &frame, const QVariantMap &properties) {
-        auto *imageView = new OSTImageView(frame, properties, m_contentView);
-        watchRequiredImages(imageView);
-        return imageView;
-    });
+    auto *view = new OSTLabel(frame, label, m_contentView);
+    if (label.key() == errorMessageKey)
+        m_errorLabel = view;
+    return view;
 }
 
-void OSTScreenView::loadLabels()
+QWidget *OSTScreenView::buildSwitch(const QString &key, const QRect &frame)
 {
-    loadCategory(u"labels"_s, [this](const QString &key, const QRect &frame, const QVariantMap &properties) {
-        auto *label = new OSTLabel(frame, properties, m_contentView);
-        if (key == errorMessageKey)
-            m_errorLabel = label;
-        return label;
-    });
+    auto *toggle = new OSTSwitch(frame, inputProperties(u"buttons"_s, key), key, m_contentView);
+    connect(toggle, &OSTSwitch::tapped, this, &OSTScreenView::switchTapped);
+    m_validationItems.insert(key, toggle);
+    return toggle;
 }
 
-void OSTScreenView::loadButtons()
+QWidget *OSTScreenView::buildButton(const OSTElementDescription &element, const QRect &frame)
 {
-    loadCategory(u"buttons"_s, [this](const QString &key, const QRect &frame,
-                                      const QVariantMap &properties) -> QWidget * {
-        const QString type = ost_stringForKey(properties, u"buttonType"_s).value_or(QString());
-        if (type == "toggleSwitch"_L1) {
-            auto *toggle = new OSTSwitch(frame, properties, key, m_contentView);
-            connect(toggle, &OSTSwitch::tapped, this, &OSTScreenView::switchTapped);
-            m_validationItems.insert(key, toggle);
-            return toggle;
-        }
-        OSTButton *button = type == "imageUpload"_L1
-            ? OSTImagePickerButton::create(frame, properties, key, m_contentView)
-            : OSTButton::create(frame, properties, key, m_contentView);
-        if (!button) {
-            OSTLogging::logWarning(u"Button %1 has no \"states\" object and is left out"_s, key);
-            return nullptr;
-        }
-        for (OSTImageView *background :
-             {button->normalBackground(), button->highlightedBackground(), button->disabledBackground()}) {
-            if (background)
-                watchRequiredImages(background);
-        }
-        connect(button, &OSTButton::tapped, this, &OSTScreenView::buttonTapped);
-        m_validationItems.insert(key, button);
-        return button;
-    });
+    const QString &key = element.key();
+    const QVariantMap properties = inputProperties(u"buttons"_s, key);
+    OSTButton *button = element.kind() == OSTElementKind::PictureButton
+        ? OSTImagePickerButton::create(frame, properties, key, m_contentView)
+        : OSTButton::create(frame, properties, key, m_contentView);
+    if (!button) {
+        OSTLogging::logWarning(u"Button %1 has no \"states\" object and is left out"_s, key);
+        return nullptr;
+    }
+    for (OSTImageView *background :
+         {button->normalBackground(), button->highlightedBackground(), button->disabledBackground()}) {
+        if (background)
+            watchRequiredImages(background);
+    }
+    connect(button, &OSTButton::tapped, this, &OSTScreenView::buttonTapped);
+    m_validationItems.insert(key, button);
+    return button;
 }
 
 void OSTScreenView::loadSelectionGroups()
 {
-    const QVariantMap groups = category(u"selectionGroups"_s);
-    for (auto entry = groups.cbegin(); entry != groups.cend(); ++entry) {
-        if (entry.value().typeId() != QMetaType::QVariantMap)
-            continue;
-        auto *group = new OSTSelectionGroup(entry.value().toMap(), entry.key(), this);
+    for (const auto &description : m_document->selectionGroups()) {
+        const QString &key = description->key();
+        auto *group = new OSTSelectionGroup(inputProperties(u"selectionGroups"_s, key), key, this);
         group->setDelegate(this);
         // Member buttons answer to their group, not on their own.
         QList<OSTButton *> members;
-        for (const QString &key : group->elementKeys()) {
-            if (auto *button = qobject_cast<OSTButton *>(m_views.value(key))) {
+        for (const QString &memberKey : group->elementKeys()) {
+            if (auto *button = qobject_cast<OSTButton *>(m_views.value(memberKey))) {
                 members.append(button);
-                m_validationItems.remove(key);
+                m_validationItems.remove(memberKey);
             }
         }
         group->setElements(members);
-        m_validationItems.insert(entry.key(), group);
+        m_validationItems.insert(key, group);
     }
 }
 
-void OSTScreenView::loadInputs()
+QWidget *OSTScreenView::buildInput(const OSTElementDescription &element, const QRect &frame)
+{
+    const QString &key = element.key();
+    const QVariantMap properties = inputProperties(inputsCategory, key);
+    QWidget *view = nullptr;
+    if (element.kind() == OSTElementKind::Picker) {
+        auto *picker = new OSTPicker(frame, properties, key, m_contentView);
+        if (picker->backgroundView())
+            watchRequiredImages(picker->backgroundView());
+        m_validationItems.insert(key, picker);
+        view = picker;
+    } else {
+        auto *field = new OSTTextField(frame, properties, key, m_contentView);
+        m_validationItems.insert(key, field);
+        view = field;
+    }
+    return view;
+}
+
+// The inputs in key order: each returns to the screen and hands on to the next; the last country
+// picker fills in the calling code of the last phone-number field.
+void OSTScreenView::connectInputs()
 {
     QList<OSTInput *> inputs;
     OSTPicker *countryPicker = nullptr;
     OSTTextField *phoneField = nullptr;
-    loadCategory(u"inputs"_s, [&](const QString &key, const QRect &frame, const QVariantMap &properties) -> QWidget * {
+    for (const auto &element : m_document->elements(inputsCategory)) {
+        QWidget *view = m_views.value(element->key());
         OSTInput *input = nullptr;
-        QWidget *view = nullptr;
-        if (ost_dictionaryForKey(properties, u"picker"_s)) {
-            auto *picker = new OSTPicker(frame, properties, key, m_contentView);
-            if (picker->backgroundView())
-                watchRequiredImages(picker->backgroundView());
+        if (auto *picker = qobject_cast<OSTPicker *>(view)) {
             if (picker->type() == OSTPickerTypeCountryCode)
                 countryPicker = picker;
-            m_validationItems.insert(key, picker);
             input = picker;
-            view = picker;
-        } else {
-            auto *field = new OSTTextField(frame, properties, key, m_contentView);
+        } else if (auto *field = qobject_cast<OSTTextField *>(view)) {
             if (field->type() == OSTTextFieldTypePhoneNumber || field->type() == OSTTextFieldTypePhoneNumberValidated)
                 phoneField = field;
-            m_validationItems.insert(key, field);
             input = field;
-            view = field;
         }
+        if (!input)
+            continue;
         input->setInputProtocolDelegate([this](OSTInput &returned) { inputDidTapReturn(returned); });
         inputs.append(input);
-        return view;
-    });
+    }
     OSTInput::chainInputs(inputs);
     if (countryPicker && phoneField)
         countryPicker->setDelegate(phoneField);
@@ -332,14 +336,11 @@ void OSTScreenView::fillGroups()
     const auto position = [&positions](const QString &key) {
         return positions.value(key, std::numeric_limits<qsizetype>::max());
     };
-    const QVariantMap groups = category(u"groups"_s);
-    for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
-        auto *groupView = qobject_cast<OSTView *>(m_views.value(group.key()));
+    for (const auto &group : m_document->elements(u"groups"_s)) {
+        auto *groupView = qobject_cast<OSTView *>(m_views.value(group->key()));
         if (!groupView)
             continue;
-        QStringList members;
-        for (const QVariant &member : ost_arrayForKey(group.value().toMap(), u"elements"_s).value_or(QVariantList()))
-            members.append(member.toString());
+        QStringList members = m_document->groupViewKeys(group->key());
         std::stable_sort(members.begin(), members.end(),
                          [&](const QString &a, const QString &b) { return position(a) < position(b); });
         for (const QString &member : members)
@@ -547,8 +548,7 @@ void OSTScreenView::showErrorMessage(const QString &message, OSTAnimation animat
         return;
     buildErrorLayoutOnce();
     m_showsError = !message.isNull();
-    m_errorLabel->customizeWithProperties(m_showsError ? m_errorMessageUpdatedProperties
-                                                       : m_errorMessageProperties);
+    m_errorLabel->customize(m_showsError ? *m_document->errorMessageWhileShowing() : *m_document->errorMessage());
     m_errorLabel->setText(message);
     reframeViews(currentLayout(), animation);
 }
@@ -558,18 +558,9 @@ void OSTScreenView::buildErrorLayoutOnce()
     if (m_errorLayoutBuilt)
         return;
     m_errorLayoutBuilt = true;
-    m_errorMessageProperties = category(u"labels"_s).value(errorMessageKey).toMap();
-    const QVariantMap animations = category(u"animations"_s);
-    const QVariantMap alternative = ost_dictionaryForKey(
-        ost_dictionaryForKey(ost_dictionaryForKey(animations, u"error"_s).value_or(QVariantMap()), u"targets"_s)
-            .value_or(QVariantMap()),
-        errorMessageKey).value_or(QVariantMap());
-    m_errorMessageUpdatedProperties = alternative.isEmpty()
-        ? m_errorMessageProperties
-        : ost_mergeIntoDictionary(alternative, m_errorMessageProperties);
-    auto errorLayout = std::make_unique<OSTLayoutManager>(m_layout, QRectF(QPointF(), QSizeF(size())),
+    auto errorLayout = std::make_unique<OSTLayoutManager>(*m_document, QRectF(QPointF(), QSizeF(size())),
                                                           m_layoutManager->statusBarHeight());
-    errorLayout->updateLayout(m_errorMessageUpdatedProperties, errorMessageKey);
+    errorLayout->updateLayout(m_document->errorMessageWhileShowing()->frame(), errorMessageKey);
     if (errorLayout->resolveLayout())
         m_errorLayoutManager = std::move(errorLayout);
 }
@@ -635,7 +626,7 @@ void OSTScreenView::relayout()
 {
     if (size() == m_layoutArea)
         return;
-    auto layoutManager = std::make_unique<OSTLayoutManager>(m_layout, QRectF(QPointF(), QSizeF(size())),
+    auto layoutManager = std::make_unique<OSTLayoutManager>(*m_document, QRectF(QPointF(), QSizeF(size())),
                                                             m_layoutManager->statusBarHeight());
     const bool resolved = layoutManager->resolveLayout();
     if (!resolved && m_unresolved == UnresolvedLayout::Fail) {

@@ -28,13 +28,17 @@ class OSTImageView;
 class OSTInput;
 class OSTLabel;
 class OSTLayoutManager;
+class OSTElementDescription;
+class OSTImageDescription;
+class OSTLabelDescription;
 class OSTScreen;
+class OSTScreenDocument;
 class OSTScreenViewDelegate;
 class OSTValidationItem;
 class OSTView;
 
-// One screen of an experience: the screen JSON (after dynamic-variable substitution) laid out by
-// the layout engine, one view per element, stacked by layer inside a scrolling content view.
+// One screen of an experience: the screen JSON (after dynamic-variable substitution) read once
+// into a screen document and laid out by the layout engine, one view per element, stacked by layer inside a scrolling content view.
 // Anchored elements stay put while the page scrolls; the page is lifted above an on-screen
 // keyboard; the "errorMessage" label opens and closes with its own alternative layout; required
 // images are counted; taps, returns and presses go to the event queue and to the delegate.
@@ -75,7 +79,10 @@ public:
     ~OSTScreenView() override;
 
     const std::shared_ptr<const OSTScreen> &screen() const { return m_screen; }
-    // The parsed screen JSON.
+    // The screen document the views are built from.
+    const std::shared_ptr<const OSTScreenDocument> &document() const { return m_document; }
+    // Transitional: the decoded screen JSON, for the validation manager's registration, which
+    // still takes the maps; goes when it takes the document.
     const QVariantMap &layout() const { return m_layout; }
     const OSTLayoutManager &layoutManager() const { return *m_layoutManager; }
     // Element key to element view, every category in one map.
@@ -124,26 +131,28 @@ protected:
 
 private:
     OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, const QVariantMap &layout,
-                  std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
+                  std::shared_ptr<const OSTScreenDocument> document, std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
                   QWidget *parent);
 
     void buildPage();
     void rememberKeySets();
     void prepareGroups();
-    // Builds a view for every object entry of the category with `build(key, geometry, properties)`.
-    template <typename Build>
-    void loadCategory(const QString &name, Build build);
+    // Builds a view for every element, category by category in the vocabulary's build order.
+    void loadElements();
+    QWidget *buildView(const OSTElementDescription &element, const QRect &frame);
+    QWidget *buildImage(const OSTImageDescription &image, const QRect &frame);
+    QWidget *buildLabel(const OSTLabelDescription &label, const QRect &frame);
+    QWidget *buildButton(const OSTElementDescription &element, const QRect &frame);
+    QWidget *buildSwitch(const QString &key, const QRect &frame);
+    QWidget *buildInput(const OSTElementDescription &element, const QRect &frame);
     void hideReplacedView(const QString &key);
-    void loadPlainViews(const QString &category);
-    void loadImages();
-    void loadLabels();
-    void loadButtons();
     void loadSelectionGroups();
-    void loadInputs();
+    void connectInputs();
     void fillContentView();
     void fillGroups();
     void placeInGroup(const QString &key, OSTView &group);
-    QVariantMap category(const QString &name) const;
+    // Transitional: the element's object as decoded, for the input views that still take maps.
+    QVariantMap inputProperties(const QString &category, const QString &key) const;
 
     void watchRequiredImages(OSTImageView *imageView);
     void requiredImageFinished();
@@ -166,6 +175,7 @@ private:
 
     const std::shared_ptr<const OSTScreen> m_screen;
     const QVariantMap m_layout;
+    const std::shared_ptr<const OSTScreenDocument> m_document;
     const UnresolvedLayout m_unresolved;
     std::unique_ptr<OSTLayoutManager> m_layoutManager;
     QSize m_layoutArea; // the size m_layoutManager was resolved at
@@ -182,8 +192,6 @@ private:
     QSet<QString> m_groupedKeySet;
     QSet<QString> m_anchoredKeySet;
     OSTLabel *m_errorLabel = nullptr;
-    QVariantMap m_errorMessageProperties;
-    QVariantMap m_errorMessageUpdatedProperties;
 
     unsigned m_requiredImageCount = 0;
     bool m_loaded = false;

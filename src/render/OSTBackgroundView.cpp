@@ -40,19 +40,13 @@ QColor sourceOver(const QColor &top, const QColor &bottom)
 
 } // namespace
 
-OSTBackgroundView::OSTBackgroundView(const QRect &frame, const QVariantMap &properties,
-                                     QWidget *parent)
+OSTBackgroundView::OSTBackgroundView(const QRect &frame, const OSTBoxLook &look, QWidget *parent)
     : QWidget(parent)
 {
     // Only what paintEvent draws is visible: no palette background, even when grabbed.
     setAttribute(Qt::WA_NoSystemBackground);
     setGeometry(frame);
-    customizeWithProperties(properties);
-}
-
-void OSTBackgroundView::customizeWithProperties(const QVariantMap &properties)
-{
-    setLook(OSTBoxLook::fromProperties(properties));
+    setLook(look);
 }
 
 void OSTBackgroundView::setLook(const OSTBoxLook &look)

@@ -5,7 +5,6 @@
 #include <QColor>
 #include <QGradientStops>
 #include <QList>
-#include <QVariantMap>
 #include <QWidget>
 
 #include <optional>
@@ -27,11 +26,9 @@ class OSTBackgroundView final : public QWidget {
     Q_OBJECT
 
 public:
-    OSTBackgroundView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
+    OSTBackgroundView(const QRect &frame, const OSTBoxLook &look, QWidget *parent = nullptr);
 
-    // Restyles the box. Each call describes the whole look: a key that is absent takes its
-    // default, nothing carries over from an earlier call.
-    void customizeWithProperties(const QVariantMap &properties);
+    // Restyles the box: the look replaces the whole earlier one.
     void setLook(const OSTBoxLook &look);
 
     // The corner radius the box is drawn with at its current size: half the height for

@@ -1,6 +1,5 @@
 #include "render/OSTImageView.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "network/OSTImageManager.h"
 #include "render/OSTBackgroundView.h"
@@ -10,8 +9,6 @@
 #include <ostrel/OSTUser.h>
 
 #include <QPointer>
-
-using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
@@ -27,26 +24,25 @@ QVariantMap userPropertiesReferencedBy(const OSTImageSource &source)
 
 } // namespace
 
-OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTImageView(frame, properties, OSTImageSource::fromProperties(properties), parent)
-{
-}
-
-OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, const OSTImageSource &source,
-                           QWidget *parent)
-    : OSTView(frame, properties, Styling::InSubclassConstructor, parent),
+OSTImageView::OSTImageView(const QRect &frame, const OSTImageDescription &description, QWidget *parent)
+    : OSTView(frame, description, Styling::InSubclassConstructor, parent),
       m_display(new OSTImageDisplay(container())),
-      m_candidates(source.candidateURLs(userPropertiesReferencedBy(source))),
-      m_imageRequired(source.required)
+      m_candidates(description.source().candidateURLs(userPropertiesReferencedBy(description.source()))),
+      m_imageRequired(description.source().required)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     m_display->setGeometry(container()->rect());
-    if (const auto description = ost_stringForKey(properties, u"accessibilityLabel"_s))
-        m_display->setAccessibleName(*description);
-    m_display->setCapInsets(source.capInsets);
+    if (const auto &name = description.accessibilityLabel())
+        m_display->setAccessibleName(*name);
+    m_display->setCapInsets(description.source().capInsets);
     m_loading = true;
     loadNextCandidate(0);
-    customizeWithProperties(properties);
+    customize(description);
+}
+
+OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
+    : OSTImageView(frame, OSTImageDescription(QString(), properties), parent)
+{
 }
 
 QList<QUrl> OSTImageView::candidateURLsWithProperties(const QVariantMap &properties, const QVariantMap &userProperties)
@@ -54,10 +50,15 @@ QList<QUrl> OSTImageView::candidateURLsWithProperties(const QVariantMap &propert
     return OSTImageSource::fromProperties(properties).candidateURLs(userProperties);
 }
 
+void OSTImageView::customize(const OSTImageDescription &description)
+{
+    OSTView::customize(description);
+    m_display->setContentMode(description.source().contentMode);
+}
+
 void OSTImageView::customizeWithProperties(const QVariantMap &properties)
 {
-    OSTView::customizeWithProperties(properties);
-    m_display->setContentMode(UIViewContentModeFromString(ost_stringForKey(properties, u"contentMode"_s)));
+    customize(OSTImageDescription(QString(), properties));
 }
 
 QImage OSTImageView::image() const

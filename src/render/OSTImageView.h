@@ -1,7 +1,7 @@
 #pragma once
 
 #include "render/OSTView.h"
-#include "screen/OSTImageSource.h"
+#include "screen/OSTImageDescription.h"
 
 #include <QImage>
 #include <QList>
@@ -11,17 +11,10 @@ namespace ostrel {
 
 class OSTImageDisplay;
 
-// The "images" element, and the state backgrounds of buttons: one remote image in an element box.
-// It reads the box keys of OSTView and
-//
-//   "image"        the image's address, or "{name}" for the address the current user's
-//                  property of that name holds (tried first)
-//   "tempImage"    the address to use while "image" is empty or names a user property
-//   "backupImage"  the address tried last
-//   "required"     "true" when the screen should wait for the image
-//   "insets"       [top, left, bottom, right]: cap insets that stretch only the middle
-//   "contentMode"  how the image fills the box; default aspect fill
-//   "accessibilityLabel"  the image's description for assistive technology
+// The "images" element, and the state backgrounds of buttons: one remote image in an element box,
+// as its image description gives it (OSTImageSource: the addresses, whether the screen waits for
+// it, the cap insets that stretch only the middle and how it fills the box), named for assistive
+// technology by the description's accessibility label.
 //
 // The candidate addresses are loaded in order through the image manager until one gives an image;
 // when all fail the box stays empty. A required image reports, through requiredImageFinished(),
@@ -32,8 +25,12 @@ class OSTImageView : public OSTView {
     Q_OBJECT
 
 public:
+    OSTImageView(const QRect &frame, const OSTImageDescription &description, QWidget *parent = nullptr);
+    // Transitional, for the input views that still hold maps.
     OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
 
+    // Restyles the box and how the image fills it; the image and its addresses stay.
+    void customize(const OSTImageDescription &description);
     void customizeWithProperties(const QVariantMap &properties) override;
 
     QImage image() const;
@@ -55,8 +52,6 @@ signals:
     void requiredImageFinished();
 
 private:
-    OSTImageView(const QRect &frame, const QVariantMap &properties, const OSTImageSource &source, QWidget *parent);
-
     void loadNextCandidate(qsizetype index);
     void finishLoadingWithImage(const QImage &image);
 

@@ -1,31 +1,37 @@
 #include "render/OSTLabel.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "render/OSTBackgroundView.h"
 #include "render/OSTTextLabel.h"
-#include "screen/OSTPropertyValues.h"
-
-using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
-OSTLabel::OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTView(frame, properties, Styling::InSubclassConstructor, parent),
+OSTLabel::OSTLabel(const QRect &frame, const OSTLabelDescription &description, QWidget *parent)
+    : OSTView(frame, description, Styling::InSubclassConstructor, parent),
       m_internalLabel(new OSTTextLabel(container()))
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     m_internalLabel->setGeometry(container()->rect());
-    customizeWithProperties(properties);
+    customize(description);
+}
+
+OSTLabel::OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent)
+    : OSTLabel(frame, OSTLabelDescription(QString(), properties), parent)
+{
+}
+
+void OSTLabel::customize(const OSTLabelDescription &description)
+{
+    OSTView::customize(description);
+    const OSTTextAttributes attributes(description.textLook());
+    m_internalLabel->setAttributes(attributes);
+    m_internalLabel->setAlignment(attributes.horizontalAlignment() | Qt::AlignVCenter);
+    m_internalLabel->setMinimumScaleFactor(description.minimumScaleFactor());
+    setText(description.text());
 }
 
 void OSTLabel::customizeWithProperties(const QVariantMap &properties)
 {
-    OSTView::customizeWithProperties(properties);
-    const OSTTextAttributes attributes(properties);
-    m_internalLabel->setAttributes(attributes);
-    m_internalLabel->setAlignment(attributes.horizontalAlignment() | Qt::AlignVCenter);
-    m_internalLabel->setMinimumScaleFactor(ost_stringNumberForKey(properties, u"minimumScaleFactor"_s).value_or(0));
-    setText(ost_stringForKey(properties, u"text"_s).value_or(QString()));
+    customize(OSTLabelDescription(QString(), properties));
 }
 
 QString OSTLabel::text() const

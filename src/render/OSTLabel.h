@@ -1,23 +1,27 @@
 #pragma once
 
 #include "render/OSTView.h"
+#include "screen/OSTLabelDescription.h"
 
 namespace ostrel {
 
 class OSTTextLabel;
 
-// The "labels" element: multi-line styled text in an element box. Besides the box keys of
-// OSTView it reads the text attributes of OSTTextAttributes, "text", and "minimumScaleFactor"
-// (a numeric string: how far the font may shrink when the text does not fit). Taps pass through
-// to what lies below. Accessibility reads it as static text named by its text.
+// The "labels" element: multi-line styled text in an element box, as its label description gives
+// it: besides the box of OSTView, the text, its look (OSTTextAttributes) and how far the font may
+// shrink when the text does not fit. Taps pass through to what lies below. Accessibility reads it as static text named by its text.
 //
 // Lives on the GUI thread; owned by its parent widget.
 class OSTLabel : public OSTView {
     Q_OBJECT
 
 public:
+    OSTLabel(const QRect &frame, const OSTLabelDescription &description, QWidget *parent = nullptr);
+    // Transitional, for the input views that still hold maps.
     OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
 
+    // Restyles the label and sets its text; the description replaces the whole earlier look.
+    void customize(const OSTLabelDescription &description);
     void customizeWithProperties(const QVariantMap &properties) override;
 
     QString text() const;

@@ -1,29 +1,10 @@
 #include "render/OSTLayoutElement.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "render/OSTLayoutNumbers.h"
 
 #include <ostrel/OSTConstants.h>
 
-#include <cmath>
-
 namespace ostrel {
-
-namespace {
-
-// "read as an unsigned integer" and kept as a signed one: a negative number wraps to a value
-// that is negative again, and so counts as not given, as does anything from 2^63 up.
-qint64 zLayerFromNumber(double number)
-{
-    if (std::isnan(number))
-        return -1;
-    const double truncated = std::trunc(number);
-    if (truncated < 0.0 || truncated >= 9223372036854775808.0)
-        return -1;
-    return static_cast<qint64>(truncated);
-}
-
-} // namespace
 
 const QString OSTLayoutElement::numericPattern = QStringLiteral(u"^[0-9]+(?:\\.[0-9]+)?$");
 
@@ -58,38 +39,13 @@ int OSTLayoutElement::attributeIndex(QStringView name)
 
 OSTLayoutElement::OSTLayoutElement() = default;
 
-// One walk over the object's few entries rather than a search per name: building a screen
-// makes one element per object.
-OSTLayoutElement::OSTLayoutElement(const QVariantMap &layout)
+OSTLayoutElement::OSTLayoutElement(const OSTElementFrame &frame)
+    : m_anchored(frame.anchored), m_zLayer(frame.zLayer.value_or(0))
 {
-    static const QString zero = QStringLiteral("0");
-    static const QString full = QStringLiteral("100%");
-    static const QString anchoredKey = QStringLiteral("anchored");
-    static const QString zLayerKey = QStringLiteral("zLayer");
-    const QString *frame[attributeCount] = {&zero, &zero, &full, &full};
-    const QVariant *anchored = nullptr;
-    bool hasZLayer = false;
-    for (auto entry = layout.constBegin(); entry != layout.constEnd(); ++entry) {
-        const int index = attributeIndex(entry.key());
-        if (index >= 0) {
-            if (entry.value().metaType() == QMetaType::fromType<QString>())
-                frame[index] = static_cast<const QString *>(entry.value().constData());
-        } else if (entry.key() == anchoredKey) {
-            anchored = &entry.value();
-        } else if (entry.key() == zLayerKey) {
-            hasZLayer = true;
-        }
-    }
-    for (const Attribute attribute : allAttributes)
-        setValue(*frame[attribute], attribute);
-
-    m_anchored = anchored && anchored->metaType() == QMetaType::fromType<QString>()
-        ? ost_boolValue(*static_cast<const QString *>(anchored->constData()))
-        : true;
-
-    const std::optional<double> zLayer =
-        hasZLayer ? ost_finiteDouble(ost_numberForKey(layout, zLayerKey)) : std::nullopt;
-    m_zLayer = zLayer ? zLayerFromNumber(*zLayer) : -1;
+    setValue(frame.x, X);
+    setValue(frame.y, Y);
+    setValue(frame.width, Width);
+    setValue(frame.height, Height);
 }
 
 void OSTLayoutElement::setValue(const QString &value, const QString &attribute)

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "screen/OSTElementFrame.h"
+
 #include <QMap>
 #include <QRectF>
 #include <QString>
 #include <QStringView>
-#include <QVariantMap>
 
 #include <array>
 #include <cstdint>
@@ -39,12 +40,9 @@ public:
 
     // The nil layout: no attributes, not anchored, zLayer 0.
     OSTLayoutElement();
-    // An element object of the screen JSON. Frame values are read only as strings: "x" and "y"
-    // default to "0", "width" and "height" to "100%". "anchored" is the boolean reading of a
-    // string and true otherwise (a JSON boolean is not a string). "zLayer" is a number or a
-    // numeric string read as an unsigned integer; absent, or negative as a signed number, it
-    // is -1 ("not given").
-    explicit OSTLayoutElement(const QVariantMap &layout);
+    // An element's frame formulas and anchoring; its layer is the frame's, 0 when none is given
+    // (the manager sets the layer its category gives).
+    explicit OSTLayoutElement(const OSTElementFrame &frame);
 
     OSTLayoutElement(const OSTLayoutElement &) = delete;
     OSTLayoutElement &operator=(const OSTLayoutElement &) = delete;
@@ -79,7 +77,6 @@ public:
 
     bool isAnchored() const { return m_anchored; }
 
-    // -1 means that none was given.
     qint64 zLayer() const { return m_zLayer; }
     void setZLayer(qint64 zLayer) { m_zLayer = zLayer; }
 

@@ -1,52 +1,18 @@
 #include "render/OSTLayoutManager.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "platform/OSTDeviceScreen.h"
 #include "render/OSTLayoutNumbers.h"
 #include "render/OSTLayoutPassScheduler.h"
+#include "screen/OSTScreenDocument.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace ostrel {
 
 namespace {
 
 using Attribute = OSTLayoutElement::Attribute;
-
-// Adds the elements of one category (or the groups), which come in key order, walking the table
-// along with them so that each goes in next to its neighbour instead of being searched for. An
-// element replaces one of the same key. `added` runs for each element once it is in the table.
-template <typename MakeElement, typename Added>
-void mergeInOrder(OSTLayoutManager::ElementTable &table, const QVariantMap &objects,
-                  MakeElement makeElement, Added added)
-{
-    auto position = table.begin();
-    for (auto entry = objects.constBegin(); entry != objects.constEnd(); ++entry) {
-        if (entry.value().metaType() != QMetaType::fromType<QVariantMap>())
-            continue;
-        while (position != table.end() && position.key() < entry.key())
-            ++position;
-        std::shared_ptr<OSTLayoutElement> element = makeElement(entry.value());
-        if (position != table.end() && position.key() == entry.key())
-            position.value() = element;
-        else
-            position = table.insert(position, entry.key(), element);
-        added(entry.value(), element);
-    }
-}
-
-// The element of `key`, trying first the one after the previous find: group members are
-// mostly listed in key order.
-OSTLayoutManager::ElementTable::const_iterator
-findMember(const OSTLayoutManager::ElementTable &table, const QString &key,
-           OSTLayoutManager::ElementTable::const_iterator guess)
-{
-    if (guess != table.constEnd() && guess.key() == key)
-        return guess;
-    return table.constFind(key);
-}
 
 QString shortened(const QString &text)
 {
@@ -56,16 +22,16 @@ QString shortened(const QString &text)
 
 } // namespace
 
-OSTLayoutManager::OSTLayoutManager(const QVariantMap &layout)
-    : OSTLayoutManager(layout, screenBounds(), OSTDeviceScreen::statusBarHeight())
+OSTLayoutManager::OSTLayoutManager(const OSTScreenDocument &document)
+    : OSTLayoutManager(document, screenBounds(), OSTDeviceScreen::statusBarHeight())
 {
 }
 
-OSTLayoutManager::OSTLayoutManager(const QVariantMap &layout, const QRectF &screenBounds,
+OSTLayoutManager::OSTLayoutManager(const OSTScreenDocument &document, const QRectF &screenBounds,
                                    double statusBarHeight)
     : m_statusBarHeight(statusBarHeight)
 {
-    build(layout, screenBounds);
+    build(document, screenBounds);
 }
 
 OSTLayoutManager::~OSTLayoutManager() = default;
@@ -77,7 +43,7 @@ QRectF OSTLayoutManager::screenBounds()
                   std::max(bounds.width(), bounds.height()));
 }
 
-void OSTLayoutManager::build(const QVariantMap &layout, const QRectF &screenBounds)
+void OSTLayoutManager::build(const OSTScreenDocument &document, const QRectF &screenBounds)
 {
     m_statusBarText = OSTLayoutNumbers::twoDecimals(m_statusBarHeight);
     m_baseElement = std::make_shared<OSTLayoutElement>();
@@ -86,60 +52,20 @@ void OSTLayoutManager::build(const QVariantMap &layout, const QRectF &screenBoun
     m_baseElement->setValue(OSTLayoutNumbers::twoDecimals(screenBounds.height()),
                             OSTLayoutElement::Height);
 
-    const auto makeElement = [this](const QVariant &object, qint64 defaultLayer) {
-        auto element = std::make_shared<OSTLayoutElement>(object.toMap());
-        element->setParent(m_baseElement);
-        if (element->zLayer() < 0)
-            element->setZLayer(defaultLayer);
-        return element;
-    };
-
-    // The categories in key order: of two same-keyed elements of different categories, the
-    // one of the later category ("shapes" last) stays.
-    struct Category {
-        QString key;
-        qint64 zLayer;
-    };
-    static const Category categories[] = {
-        {QStringLiteral("buttons"), 700}, {QStringLiteral("images"), 300},
-        {QStringLiteral("inputs"), 600},  {QStringLiteral("labels"), 500},
-        {QStringLiteral("shapes"), 200},
-    };
+    // The document's table already holds, per key, the element of the latest category with its
+    // layer and group; groups are found once every element is in.
+    const auto &entries = document.layoutEntries();
     ElementTable table;
-    for (const Category &category : categories) {
-        const std::optional<QVariantMap> objects = ost_dictionaryForKey(layout, category.key);
-        if (objects) {
-            mergeInOrder(
-                table, *objects,
-                [&](const QVariant &object) { return makeElement(object, category.zLayer); },
-                [](const QVariant &, const std::shared_ptr<OSTLayoutElement> &) {});
-        }
+    for (auto entry = entries.constBegin(); entry != entries.constEnd(); ++entry) {
+        auto element = std::make_shared<OSTLayoutElement>(entry->element->frame());
+        element->setParent(m_baseElement);
+        element->setZLayer(entry->zLayer);
+        table.insert(table.constEnd(), entry.key(), std::move(element));
     }
-
-    // Groups after all categories, in key order: an element listed in two groups ends in the
-    // later one.
-    static const QString groupsKey = QStringLiteral("groups");
-    static const QString membersKey = QStringLiteral("elements");
-    const QVariantMap groups = ost_dictionaryForKey(layout, groupsKey).value_or(QVariantMap());
-    const auto adoptMembers = [&table](const QVariant &object,
-                                       const std::shared_ptr<OSTLayoutElement> &group) {
-        const QVariantList members =
-            ost_arrayForKey(object.toMap(), membersKey).value_or(QVariantList());
-        auto guess = table.constEnd();
-        for (const QVariant &member : members) {
-            if (member.metaType() != QMetaType::fromType<QString>())
-                continue;
-            const auto found = findMember(
-                table, *static_cast<const QString *>(member.constData()), guess);
-            if (found == table.constEnd())
-                continue;
-            found.value()->setParent(group);
-            guess = std::next(found);
-        }
-    };
-    mergeInOrder(
-        table, groups, [&](const QVariant &object) { return makeElement(object, 400); },
-        adoptMembers);
+    for (auto entry = entries.constBegin(); entry != entries.constEnd(); ++entry) {
+        if (entry->group)
+            table.value(entry.key())->setParent(table.value(*entry->group));
+    }
 
     m_elements = std::move(table);
     m_table.reserve(size_t(m_elements.size()));
@@ -176,12 +102,12 @@ void OSTLayoutManager::compileFormulas(int position)
     }
 }
 
-void OSTLayoutManager::updateLayout(const QVariantMap &layout, const QString &key)
+void OSTLayoutManager::updateLayout(const OSTElementFrame &frame, const QString &key)
 {
     const auto found = m_elements.constFind(key);
     if (found == m_elements.constEnd() || found.value()->isResolved())
         return;
-    const OSTLayoutElement update(layout);
+    const OSTLayoutElement update(frame);
     for (const Attribute attribute : OSTLayoutElement::allAttributes)
         found.value()->setValue(update.value(attribute), attribute);
     if (!m_formulasUsed)

@@ -3,19 +3,21 @@
 #include "render/OSTLayoutCompiledFormulas.h"
 #include "render/OSTLayoutElement.h"
 #include "render/OSTLayoutKeyIndex.h"
+#include "screen/OSTElementFrame.h"
 
 #include <QMap>
 #include <QRectF>
 #include <QString>
 #include <QStringList>
-#include <QVariantMap>
 
 #include <memory>
 #include <vector>
 
 namespace ostrel {
 
-// The layout engine of one screen: builds the layout elements of the screen JSON,
+class OSTScreenDocument;
+
+// The layout engine of one screen: builds the layout elements of a screen document's layout table,
 // resolves their formulas into numbers and answers frame queries by element key. Built, used
 // and destroyed on one thread (the GUI thread).
 //
@@ -29,18 +31,19 @@ public:
     using ElementTable = QMap<QString, std::shared_ptr<OSTLayoutElement>>;
 
     // With the platform's screen (screenBounds()) and status bar height.
-    explicit OSTLayoutManager(const QVariantMap &layout);
+    explicit OSTLayoutManager(const OSTScreenDocument &document);
     // With the screen bounds and status bar height given. The bounds' width and height are
     // used as given (screenBounds() puts them in portrait order).
-    OSTLayoutManager(const QVariantMap &layout, const QRectF &screenBounds, double statusBarHeight);
+    // The document is not kept.
+    OSTLayoutManager(const OSTScreenDocument &document, const QRectF &screenBounds, double statusBarHeight);
     ~OSTLayoutManager();
 
     OSTLayoutManager(const OSTLayoutManager &) = delete;
     OSTLayoutManager &operator=(const OSTLayoutManager &) = delete;
 
-    // Replaces the four frame attributes of the element `key` with those of `layout` (with the
-    // defaults "0", "0", "100%", "100%"), unless the element is unknown or already resolved.
-    void updateLayout(const QVariantMap &layout, const QString &key);
+    // Replaces the four frame attributes of the element `key` with the formulas of `frame`,
+    // unless the element is unknown or already resolved.
+    void updateLayout(const OSTElementFrame &frame, const QString &key);
 
     // Resolves every element; true when all are resolved. When some stay unresolved, logs one
     // debug line naming one of them and returns false.
@@ -66,7 +69,7 @@ public:
     double statusBarHeight() const { return m_statusBarHeight; }
 
 private:
-    void build(const QVariantMap &layout, const QRectF &screenBounds);
+    void build(const OSTScreenDocument &document, const QRectF &screenBounds);
     void compileFormulas(int position);
     int stuckElementPosition() const;
     void logStuckElement(int position) const;

@@ -28,6 +28,7 @@ namespace ostrel {
 class OSTTextAttributes {
 public:
     OSTTextAttributes() = default;
+    // Transitional, for the input views that still hold maps.
     explicit OSTTextAttributes(const QVariantMap &properties);
     explicit OSTTextAttributes(const OSTTextLook &look);
 

@@ -2,39 +2,49 @@
 
 #include "render/OSTBackgroundView.h"
 #include "render/OSTViewEffect.h"
-#include "screen/OSTPropertyValues.h"
 
 #include <QResizeEvent>
 
-#include <algorithm>
-
-using namespace Qt::StringLiterals;
-
 namespace ostrel {
 
-OSTView::OSTView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTView(frame, properties, Styling::InThisConstructor, parent)
+OSTView::OSTView(const QRect &frame, const OSTElementDescription &description, QWidget *parent)
+    : OSTView(frame, description, Styling::InThisConstructor, parent)
 {
 }
 
-OSTView::OSTView(const QRect &frame, const QVariantMap &properties, Styling styling,
+OSTView::OSTView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
+    : OSTView(frame, OSTElementDescription(OSTElementKind::Shape, QString(), properties), parent)
+{
+}
+
+OSTView::OSTView(const QRect &frame, const OSTElementDescription &description, Styling styling,
                  QWidget *parent)
     : QWidget(parent),
-      m_container(new OSTBackgroundView(QRect(QPoint(), frame.size()), properties, this))
+      m_container(new OSTBackgroundView(QRect(QPoint(), frame.size()), description.box(), this))
 {
     // The view itself paints nothing: its look is the container's.
     setAttribute(Qt::WA_NoSystemBackground);
     setGeometry(frame);
     if (styling == Styling::InThisConstructor)
-        OSTView::customizeWithProperties(properties);
+        customize(description);
+}
+
+OSTView::OSTView(const QRect &frame, const QVariantMap &properties, Styling styling, QWidget *parent)
+    : OSTView(frame, OSTElementDescription(OSTElementKind::Shape, QString(), properties), styling, parent)
+{
+}
+
+void OSTView::customize(const OSTElementDescription &description)
+{
+    m_alpha = description.alpha();
+    m_container->setLook(description.box());
+    m_objectShadow = description.objectShadow();
+    applyEffect();
 }
 
 void OSTView::customizeWithProperties(const QVariantMap &properties)
 {
-    m_alpha = std::clamp(ost_stringNumberForKey(properties, u"alpha"_s).value_or(1.0), 0.0, 1.0);
-    m_container->customizeWithProperties(properties);
-    m_objectShadow = ost_objectShadowWithProperties(properties);
-    applyEffect();
+    customize(OSTElementDescription(OSTElementKind::Shape, QString(), properties));
 }
 
 void OSTView::resizeEvent(QResizeEvent *event)

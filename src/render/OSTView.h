@@ -1,5 +1,6 @@
 #pragma once
 
+#include "screen/OSTElementDescription.h"
 #include "screen/OSTShadow.h"
 
 #include <QVariantMap>
@@ -13,34 +14,30 @@ class OSTBackgroundView;
 
 // The base of every element view, and the view of shapes, groups and a screen's backdrop. It
 // carries its painted box as `container` (an OSTBackgroundView filling it, in which a group's
-// members are placed) and applies the properties every element shares:
+// members are placed) and applies what every element description holds: its opacity, its box
+// and its object shadow, a drop shadow of the view's rounded outline cast outside the view (a
+// clear colour still counts as a shadow, it just cannot be seen).
 //
-//   "alpha"         opacity as a string, default "1" (a JSON number is ignored)
-//   the box keys of OSTBackgroundView
-//   "objectShadow"  [colour, blur radius, horizontal offset, vertical offset]: a drop shadow of
-//                   the view's rounded outline, cast outside the view when the radius is above 0;
-//                   a clear colour still counts as a shadow, it just cannot be seen
-//
-// Construction and styling. A C++ constructor cannot reach an override: while OSTView's
-// constructor runs, the object is an OSTView, so a virtual customizeWithProperties called there
-// would style a subclass as a plain view and before the subclass's own members exist. So the
-// public constructor, meant for plain views, styles the view at once, and the protected one,
-// meant for subclasses, only builds the container: each subclass's constructor calls
-// customizeWithProperties itself as its last step, once everything its override touches exists.
+// Construction and styling. The public constructor, meant for plain views, styles the view at
+// once; the protected one, meant for subclasses, only builds the container: each subclass's
+// constructor styles the view itself as its last step, once everything its styling touches exists.
 // A subclass that may itself be subclassed repeats the pattern with a protected constructor of
 // its own.
+//
+// Transitional: the map-based constructors and customizeWithProperties build the description of
+// the map and take it; they remain only for the input views that still style themselves from maps.
 //
 // Lives on the GUI thread; owned by its parent widget.
 class OSTView : public QWidget {
     Q_OBJECT
 
 public:
-    // A plain view, styled from `properties` before the constructor returns.
+    // A plain view, styled from `description` before the constructor returns.
+    OSTView(const QRect &frame, const OSTElementDescription &description, QWidget *parent = nullptr);
     OSTView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
 
-    // Restyles the view. Each call describes the whole look: a key that is absent takes its
-    // default, nothing carries over from an earlier call. Element views override it and call
-    // this first.
+    // Restyles the view; the description replaces the whole earlier look.
+    void customize(const OSTElementDescription &description);
     virtual void customizeWithProperties(const QVariantMap &properties);
 
     OSTBackgroundView *container() const { return m_container; }
@@ -50,11 +47,12 @@ public:
 protected:
     enum class Styling {
         InThisConstructor,     // OSTView styles itself (plain views)
-        InSubclassConstructor, // the subclass's constructor calls customizeWithProperties
+        InSubclassConstructor, // the subclass's constructor styles the view
     };
 
-    OSTView(const QRect &frame, const QVariantMap &properties, Styling styling,
+    OSTView(const QRect &frame, const OSTElementDescription &description, Styling styling,
             QWidget *parent = nullptr);
+    OSTView(const QRect &frame, const QVariantMap &properties, Styling styling, QWidget *parent = nullptr);
 
     void resizeEvent(QResizeEvent *event) override;
 

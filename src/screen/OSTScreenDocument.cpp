@@ -109,8 +109,11 @@ void OSTScreenDocument::readCategories(const QVariantMap &layout)
     for (const OSTElementCategory &category : OSTScreenVocabulary::categories()) {
         const QVariantMap entries = ost_dictionaryForKey(layout, category.name).value_or(QVariantMap());
         for (auto entry = entries.constBegin(); entry != entries.constEnd(); ++entry) {
-            if (entry.value().metaType() != QMetaType::fromType<QVariantMap>())
+            if (entry.value().metaType() != QMetaType::fromType<QVariantMap>()) {
+                OSTLogging::logWarning(u"Ignoring \"%1\" in \"%2\": its properties are not an object."_s,
+                                       entry.key(), category.name);
                 continue;
+            }
             const QVariantMap properties = entry.value().toMap();
             if (category.family == OSTElementFamily::SelectionGroup)
                 m_selectionGroups.append(std::make_shared<const OSTSelectionGroupDescription>(entry.key(), properties));
@@ -127,13 +130,17 @@ void OSTScreenDocument::readGroups(const QVariantMap &layout)
         const QVariantList listed =
             ost_arrayForKey(group.value().toMap(), OSTScreenVocabulary::groupMembersKey).value_or(QVariantList());
         QStringList members;
+        QStringList viewKeys;
         for (const QVariant &member : listed) {
             if (member.metaType() == QMetaType::fromType<QString>())
                 members.append(member.toString());
+            viewKeys.append(member.toString());
         }
         m_groupedKeys.append(members);
-        if (group.value().metaType() == QMetaType::fromType<QVariantMap>())
+        if (group.value().metaType() == QMetaType::fromType<QVariantMap>()) {
             m_groupMembers.insert(group.key(), members);
+            m_groupViewKeys.insert(group.key(), viewKeys);
+        }
     }
 }
 

@@ -62,6 +62,9 @@ public:
     // The members a group lists, as written (strings only), and every key any group lists.
     QStringList groupMembers(const QString &groupKey) const { return m_groupMembers.value(groupKey); }
     const QStringList &groupedKeys() const { return m_groupedKeys; }
+    // The keys of the views a group holds: each member it lists read as a text, so a number 5
+    // names the view "5" too (the layout takes string members only).
+    QStringList groupViewKeys(const QString &groupKey) const { return m_groupViewKeys.value(groupKey); }
 
     // The "errorMessage" label, and its look and frame while a message shows: the alternative
     // under animations.error.targets.errorMessage laid over it (the same label without one).
@@ -88,6 +91,7 @@ private:
     QList<std::shared_ptr<const OSTSelectionGroupDescription>> m_selectionGroups;
     QMap<QString, LayoutEntry> m_layoutEntries;
     QHash<QString, QStringList> m_groupMembers;
+    QHash<QString, QStringList> m_groupViewKeys;
     QStringList m_groupedKeys;
     std::shared_ptr<const OSTLabelDescription> m_errorMessage;
     std::shared_ptr<const OSTLabelDescription> m_errorMessageWhileShowing;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFlags>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -30,8 +31,43 @@ struct OSTElementCategory {
     std::optional<qint64> defaultZLayer;
 };
 
-// THE table of the screen vocabulary: the categories and the top-level keys, read by the screen
-// document, checked by the preview's --check and written into the screen schema. Immutable.
+// The JSON types a value may take.
+enum class OSTValueType : unsigned {
+    String = 1,
+    Number = 2,
+    Boolean = 4,
+    Array = 8,
+    Object = 16,
+};
+Q_DECLARE_FLAGS(OSTValueTypes, OSTValueType)
+Q_DECLARE_OPERATORS_FOR_FLAGS(OSTValueTypes)
+
+// One key of an element's object, or of an object inside one: its name, the types its value may
+// take and what it does. A value of another type is ignored and the default applies. A value type.
+struct OSTPropertyKey {
+    QString name;
+    OSTValueTypes types = {};         // none: any value (one that is accepted and has no effect)
+    QString description = {};
+    QString definition = {};          // the key set the value follows (an object with its keys), if any
+    QStringList choices = {};         // the only words it takes, when they are limited
+    OSTValueTypes itemTypes = {};     // an array's items
+    QList<OSTPropertyKey> keys = {};  // an object's own keys; no other key is read
+    OSTValueTypes otherKeyTypes = {}; // an object whose keys are free: the types of their values
+};
+
+// A named set of keys: a part several kinds of element share (the frame, the box, the text...),
+// or the keys of one kind, which include the shared parts it names. A value type.
+struct OSTKeySet {
+    QString name;
+    QString description;
+    bool isClosedObject; // a whole object: keys neither here nor in its included sets are not read
+    QStringList includes;
+    QList<OSTPropertyKey> keys;
+};
+
+// THE table of the screen vocabulary: the categories, the top-level keys and every key of every
+// kind of element with its value types, read by the screen document, checked by the preview's
+// --check and written into the screen schema (docs/screen.schema.json is schema()). Immutable.
 class OSTScreenVocabulary {
 public:
     OSTScreenVocabulary() = delete;
@@ -57,8 +93,15 @@ public:
     static const QString statusBarStyleKey;
     static const QString groupMembersKey;
 
-    // The schema's top-level "properties": every category and the other top-level keys, with
-    // their descriptions, as docs/screen.schema.json holds them.
+    // Every key set, the shared parts first.
+    static const QList<OSTKeySet> &keySets();
+    static std::optional<OSTKeySet> keySet(const QString &name);
+    // Every key an element of the family may hold, its included parts' keys first.
+    static QList<OSTPropertyKey> elementKeys(OSTElementFamily family);
+
+    // The screen schema (JSON Schema 2020-12) of the whole vocabulary.
+    static QJsonObject schema();
+    // The schema's top-level "properties": every category and the other top-level keys.
     static QJsonObject schemaTopLevelProperties();
 };
 

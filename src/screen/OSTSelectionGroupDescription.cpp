@@ -46,9 +46,22 @@ OSTSelectionGroupDescription::OSTSelectionGroupDescription(const QString &key, c
 
 OSTSelectionGroupDescription::~OSTSelectionGroupDescription() = default;
 
+std::optional<QString> OSTSelectionGroupDescription::memberKeyForValue(const QVariant &value) const
+{
+    const auto found = std::find_if(m_memberValues.cbegin(), m_memberValues.cend(), [&value](const QVariant &candidate) {
+        if (ost_isNumber(candidate) && ost_isNumber(value))
+            return candidate.toDouble() == value.toDouble();
+        return candidate.metaType() == value.metaType() && candidate == value;
+    });
+    if (found == m_memberValues.cend())
+        return std::nullopt;
+    return m_memberKeys.at(found - m_memberValues.cbegin());
+}
+
 void OSTSelectionGroupDescription::readMembers(const QVariantMap &properties)
 {
     const QVariantMap members = ost_dictionaryForKey(properties, u"elements"_s).value_or(QVariantMap());
+    m_listedKeys = members.keys();
     for (auto entry = members.constBegin(); entry != members.constEnd(); ++entry) {
         const QVariant value = memberValue(members, entry.key());
         if (value.isNull()) {

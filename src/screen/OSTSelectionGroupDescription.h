@@ -9,6 +9,7 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <optional>
 
 namespace ostrel {
 
@@ -33,6 +34,10 @@ public:
     // The members in key order, and the value of each at the same position.
     const QStringList &memberKeys() const { return m_memberKeys; }
     const QVariantList &memberValues() const { return m_memberValues; }
+    // The first member standing for `value`, compared with its own type (numbers as numbers).
+    std::optional<QString> memberKeyForValue(const QVariant &value) const;
+    // Every key "elements" names, those skipped for their value too: none is an input of its own.
+    const QStringList &listedKeys() const { return m_listedKeys; }
     int minimumSelection() const { return m_minimumSelection; }
     int maximumSelection() const { return m_maximumSelection; }
     const std::shared_ptr<const OSTAction> &action() const { return m_action; }
@@ -44,6 +49,7 @@ private:
     const QString m_key;
     QStringList m_memberKeys;
     QVariantList m_memberValues;
+    QStringList m_listedKeys;
     const int m_minimumSelection;
     const int m_maximumSelection;
     std::shared_ptr<const OSTAction> m_action;

@@ -15,12 +15,29 @@ namespace {
 constexpr int phoneNumberMaxLength = 14;
 constexpr int pinMaxLength = 4;
 
+// The alignment word of a field or its text object: the first string of these keys.
+std::optional<QString> alignmentWordOf(const QVariantMap &properties)
+{
+    for (const QString &key : {u"contentAlignment"_s, u"textAlignment"_s, u"alignment"_s})
+        if (std::optional<QString> word = ost_stringForKey(properties, key))
+            return word;
+    return std::nullopt;
+}
+
+// The invalid state laid over the field, the state winning; the field itself without one.
+QVariantMap invalidStateProperties(const QVariantMap &properties)
+{
+    const QVariantMap states = ost_dictionaryForKey(properties, u"states"_s).value_or(QVariantMap());
+    const std::optional<QVariantMap> invalid = ost_dictionaryForKey(states, u"invalid"_s);
+    return invalid ? ost_mergeIntoDictionary(*invalid, properties) : properties;
+}
+
 OSTTextFieldDescription::StateLook stateLook(const QVariantMap &state)
 {
     const QVariantMap text = ost_dictionaryForKey(state, u"text"_s).value_or(QVariantMap());
     const auto insets = ost_contentInsetsForKey(text, u"contentInsets"_s);
     return {OSTBoxLook::fromProperties(state), ost_objectShadowWithProperties(state), OSTTextLook::fromProperties(text),
-            OSTTextFieldDescription::alignmentWordOf(text), insets ? insets : ost_contentInsetsForKey(state, u"contentInsets"_s)};
+            alignmentWordOf(text), insets ? insets : ost_contentInsetsForKey(state, u"contentInsets"_s)};
 }
 
 std::optional<UIControlContentHorizontalAlignment> contentHorizontalAlignmentOf(const QVariantMap &properties)
@@ -29,19 +46,6 @@ std::optional<UIControlContentHorizontalAlignment> contentHorizontalAlignmentOf(
     if (!word)
         return std::nullopt;
     return UIControlContentHorizontalAlignmentFromString(word);
-}
-
-OSTTextFieldDescription::ValueVisibility valueVisibilityOf(const QVariantMap &properties)
-{
-    const QString textType = ost_stringForKey(properties, u"textType"_s).value_or(QString());
-    const bool secureTextEntry = ost_boolValue(ost_stringForKey(properties, u"secureTextEntry"_s).value_or(QString()));
-    if (textType == u"phoneNumberPin"_s)
-        return OSTTextFieldDescription::ValueVisibility::Transient;
-    if (textType == u"password"_s || secureTextEntry)
-        return OSTTextFieldDescription::ValueVisibility::Secret;
-    if (textType == u"phoneNumberValidated"_s)
-        return OSTTextFieldDescription::ValueVisibility::PhoneNumberToVerify;
-    return OSTTextFieldDescription::ValueVisibility::Plain;
 }
 
 } // namespace
@@ -70,8 +74,7 @@ OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVari
       m_initialText(ost_stringForKey(ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()), u"text"_s)
                         .value_or(QString())),
       m_inputOrder(ost_integerForKey(properties, u"inputOrder"_s)),
-      m_validation(OSTValidationSettings::fromProperties(key, properties)),
-      m_valueVisibility(valueVisibilityOf(properties))
+      m_validation(OSTValidationSettings::fromProperties(key, properties))
 {
     readLimits(properties);
     if (const std::optional<QVariantMap> placeholder = ost_dictionaryForKey(properties, u"placeholder"_s))
@@ -81,21 +84,6 @@ OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVari
 }
 
 OSTTextFieldDescription::~OSTTextFieldDescription() = default;
-
-std::optional<QString> OSTTextFieldDescription::alignmentWordOf(const QVariantMap &properties)
-{
-    for (const QString &key : {u"contentAlignment"_s, u"textAlignment"_s, u"alignment"_s})
-        if (std::optional<QString> word = ost_stringForKey(properties, key))
-            return word;
-    return std::nullopt;
-}
-
-QVariantMap OSTTextFieldDescription::invalidStateProperties(const QVariantMap &properties)
-{
-    const QVariantMap states = ost_dictionaryForKey(properties, u"states"_s).value_or(QVariantMap());
-    const std::optional<QVariantMap> invalid = ost_dictionaryForKey(states, u"invalid"_s);
-    return invalid ? ost_mergeIntoDictionary(*invalid, properties) : properties;
-}
 
 void OSTTextFieldDescription::readLimits(const QVariantMap &properties)
 {

@@ -28,9 +28,10 @@ namespace ostrel {
 //   "secureTextEntry", "adjustsFontSizeToFitWidth", "clearsOnBeginEditing",
 //   "enablesReturnKeyAutomatically", "autoSubmit" (default true)  JSON booleans or strings
 //   "minimumFontSize"  a number or numeric string; 0 otherwise
-//   "maxLength", "minLength"  numbers or numeric strings as integers; no maximum (-1) and 0
-//            otherwise; the minimum is held to the maximum, and the phone types set their own
-//            maximum (14; a PIN 4)
+//   "maxLength", "minLength"  numbers or numeric strings as integers; 0 otherwise. A maximum of
+//            0 or, below that, -1 is none; the minimum is held to the written maximum unless that
+//            is -1 (so without a maximum, to 0), and the phone types set their own maximum (14;
+//            a PIN 4)
 //   "textType", "keyboardType", "autocapitalizationType", "autocorrectionType",
 //   "clearButtonMode", "verticalAlignment", "horizontalAlignment"  words (OSTPropertyConversions)
 //   "validationPattern"  a regular expression the text must match
@@ -47,10 +48,7 @@ public:
         std::optional<QString> alignmentWord;
         std::optional<QMargins> contentInsets;
     };
-    // How the screen's validation keeps the value: a PIN only for the moment, a password as a
-    // secret (also for a "secureTextEntry" string read as true), a validated phone number as the
-    // number to verify.
-    enum class ValueVisibility { Plain, Transient, Secret, PhoneNumberToVerify };
+    using ValueVisibility = OSTValidationSettings::ValueVisibility;
 
     OSTTextFieldDescription(const QString &key, const QVariantMap &properties);
     ~OSTTextFieldDescription() override;
@@ -85,12 +83,8 @@ public:
     const std::optional<OSTToolbarSettings> &toolbar() const { return m_toolbar; }
     int inputOrder() const { return m_inputOrder; }
     const OSTValidationSettings &validation() const { return m_validation; }
-    ValueVisibility valueVisibility() const { return m_valueVisibility; }
-
-    // The reading rules a text field still applies to its properties itself: the alignment word
-    // of a text object and the invalid state laid over the field.
-    static std::optional<QString> alignmentWordOf(const QVariantMap &properties);
-    static QVariantMap invalidStateProperties(const QVariantMap &properties);
+    // How the screen's validation keeps the value (OSTValidationSettings).
+    ValueVisibility valueVisibility() const { return m_validation.valueVisibility; }
 
 private:
     void readLimits(const QVariantMap &properties);
@@ -120,7 +114,6 @@ private:
     std::optional<OSTToolbarSettings> m_toolbar;
     const int m_inputOrder;
     const OSTValidationSettings m_validation;
-    const ValueVisibility m_valueVisibility;
 };
 
 } // namespace ostrel

@@ -13,13 +13,25 @@ bool booleanProperty(const QVariantMap &properties, const QString &key)
     return ost_boolValue(ost_stringForKey(properties, key).value_or(QString()));
 }
 
+OSTValidationSettings::ValueVisibility valueVisibilityOf(const QVariantMap &properties)
+{
+    const QString textType = ost_stringForKey(properties, u"textType"_s).value_or(QString());
+    if (textType == u"phoneNumberPin"_s)
+        return OSTValidationSettings::ValueVisibility::Transient;
+    if (textType == u"password"_s || booleanProperty(properties, u"secureTextEntry"_s))
+        return OSTValidationSettings::ValueVisibility::Secret;
+    if (textType == u"phoneNumberValidated"_s)
+        return OSTValidationSettings::ValueVisibility::PhoneNumberToVerify;
+    return OSTValidationSettings::ValueVisibility::Plain;
+}
+
 } // namespace
 
 OSTValidationSettings OSTValidationSettings::fromProperties(const QString &key, const QVariantMap &properties)
 {
     return {booleanProperty(properties, u"isOptional"_s), booleanProperty(properties, u"isUnique"_s),
             ost_stringForKey(properties, u"userPropertyName"_s).value_or(key),
-            ost_stringForKey(properties, u"errorMessage"_s).value_or(u"Invalid input."_s)};
+            ost_stringForKey(properties, u"errorMessage"_s).value_or(u"Invalid input."_s), valueVisibilityOf(properties)};
 }
 
 } // namespace ostrel

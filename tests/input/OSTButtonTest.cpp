@@ -39,12 +39,12 @@ using test::pngOf;
 
 TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)
 {
-    EXPECT_EQ(OSTButton::create(QRect(0, 0, 100, 40), jsonObject(R"({"onClick": {"func": "next"}})"), u"b"_s), nullptr);
+    EXPECT_EQ(OSTButton::create(QRect(0, 0, 100, 40), test::buttonOf(R"({"onClick": {"func": "next"}})", u"b"_s)), nullptr);
 
-    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), jsonObject(R"({
+    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), test::buttonOf(R"({
         "states": {"normal": {"text": "Go & see", "size": "16", "textColor": "#000000"},
                    "pressed": {"textColor": "#FF0000"}, "disabled": {"text": "Wait"}},
-        "onClick": {"func": "startFlow", "params": {"flowName": "LOGIN"}}})"), u"go"_s));
+        "onClick": {"func": "startFlow", "params": {"flowName": "LOGIN"}}})", u"go"_s)));
     ASSERT_TRUE(button);
     ASSERT_TRUE(button->action());
     EXPECT_EQ(button->action()->flowKey(), u"login"_s);
@@ -66,24 +66,18 @@ TEST(Button, NeedsStatesShowsEachStatesTitleAndReportsItsAction)
     button->setEnabled(false);
     EXPECT_EQ(button->currentTitle(), u"Wait"_s);
 
-    // Every state's title takes the normal state's alignment, whatever the state names.
-    std::unique_ptr<OSTButton> aligned(OSTButton::create(QRect(0, 0, 120, 40), jsonObject(R"({"alignment": "left",
-        "states": {"normal": {"text": "Go"}, "pressed": {"alignment": "right"}, "disabled": {"alignment": "right"}}})"), u"a"_s));
-    ASSERT_TRUE(aligned);
-    for (const OSTButton::StateLook *look : {&aligned->normalLook(), &*aligned->pressedLook(), &*aligned->disabledLook()})
-        EXPECT_EQ(look->attributes.alignment(), NSTextAlignmentLeft);
-
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(button.get());
     EXPECT_EQ(accessible->role(), QAccessible::Button);
     EXPECT_EQ(accessible->text(QAccessible::Name), u"Go & see"_s) << "no keyboard shortcut made of the ampersand";
-    std::unique_ptr<OSTButton> untitled(OSTButton::create(QRect(0, 0, 40, 40), jsonObject(R"({"states": {}})"), u"close"_s));
+    std::unique_ptr<OSTButton> untitled(OSTButton::create(QRect(0, 0, 40, 40),
+            test::buttonOf(R"({"states": {}})", u"close"_s)));
     EXPECT_EQ(QAccessible::queryAccessibleInterface(untitled.get())->text(QAccessible::Name), u"close"_s);
 }
 
 TEST(Button, ToggleTakesPartInValidationAndDisabledShowsOnlyItsBackground)
 {
     std::unique_ptr<OSTButton> toggle(OSTButton::create(QRect(0, 0, 40, 40),
-        jsonObject(R"({"buttonType": "toggle", "states": {"normal": {}, "pressed": {}}})"), u"agree"_s));
+            test::buttonOf(R"({"buttonType": "toggle", "states": {"normal": {}, "pressed": {}}})", u"agree"_s)));
     auto required = bindModel(*toggle, "false");
     EXPECT_FALSE(required->isValid());
     QTest::mouseClick(toggle.get(), Qt::LeftButton);
@@ -94,11 +88,11 @@ TEST(Button, ToggleTakesPartInValidationAndDisabledShowsOnlyItsBackground)
     EXPECT_FALSE(required->isValid());
 
     std::unique_ptr<OSTButton> optionalToggle(OSTButton::create(QRect(0, 0, 40, 40),
-        jsonObject(R"({"buttonType": "toggle", "states": {}})"), u"news"_s));
+            test::buttonOf(R"({"buttonType": "toggle", "states": {}})", u"news"_s)));
     EXPECT_TRUE(bindModel(*optionalToggle, "true")->isValid());
 
     std::unique_ptr<OSTButton> plain(OSTButton::create(QRect(0, 0, 40, 40),
-        jsonObject(R"({"states": {"normal": {}, "disabled": {}}})"), u"b"_s));
+            test::buttonOf(R"({"states": {"normal": {}, "disabled": {}}})", u"b"_s)));
     EXPECT_FALSE(plain->value().isValid()) << "a plain button has no value";
     plain->setEnabled(false);
     EXPECT_FALSE(plain->normalBackground()->isVisibleTo(plain.get()));
@@ -119,10 +113,10 @@ TEST_P(ButtonPixels, EachStateShowsItsOwnBackgroundImageAndTitleInsideRoundedCor
         ASSERT_TRUE(imageOfColor(picture.color, {30, 12}).save(bundle.filePath(QString::fromLatin1(picture.name))));
     OSTBundle::setMainBundlePath(bundle.path());
 
-    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), jsonObject(R"({"cornerRadius": "10",
+    std::unique_ptr<OSTButton> button(OSTButton::create(QRect(0, 0, 120, 40), test::buttonOf(R"({"cornerRadius": "10",
         "states": {"normal": {"text": "Go", "size": "18", "textColor": "#FFFFFF", "image": "https://img.test/red.png"},
                    "pressed": {"image": "https://img.test/green.png"},
-                   "disabled": {"textColor": "#000000", "image": "https://img.test/blue.png"}}})"), u"go"_s));
+                   "disabled": {"textColor": "#000000", "image": "https://img.test/blue.png"}}})", u"go"_s)));
     ASSERT_TRUE(button);
     button->setFocus(); // the focus frame follows the rounded corners
     button->show();
@@ -166,9 +160,9 @@ TEST(InputShadows, ButtonsPickersAndTextFieldsCastTheirShadowOutsideTheirBox)
     const char *box = R"({"backgroundColor": "#FFFFFF", "cornerRadius": "10", "objectShadow": ["#000000", "1", "0", "12"],
                           "states": {"normal": {"text": "Go"}}, "picker": {"pickerData": ["Red"]}})";
     QWidget *const elements[] = {
-        OSTButton::create(QRect(20, 20, 100, 40), jsonObject(box), u"go"_s, &window),
-        new OSTPicker(QRect(20, 100, 100, 40), jsonObject(box), u"colour"_s, &window),
-        new OSTTextField(QRect(20, 180, 100, 40), jsonObject(box), u"name"_s, &window),
+        OSTButton::create(QRect(20, 20, 100, 40), test::buttonOf(box, u"go"_s), &window),
+        new OSTPicker(QRect(20, 100, 100, 40), test::pickerOf(box, u"colour"_s), &window),
+        new OSTTextField(QRect(20, 180, 100, 40), test::textFieldOf(box, u"name"_s), &window),
     };
     for (QWidget *element : elements)
         test::shown(element);
@@ -197,16 +191,15 @@ TEST(ImagePickerButton, ItsMenuComesFromTheSelectorAndTheChosenPictureBecomesVal
     // No selector, no menu: a press does nothing.
     test::InputWindow window;
     auto *plain = test::shown(OSTImagePickerButton::create(QRect(100, 0, 60, 60),
-        jsonObject(R"({"states": {"normal": {}}})"), u"plain"_s, &window));
+            test::buttonOf(R"({"states": {"normal": {}}})", u"plain"_s), &window));
     QTest::mouseClick(plain, Qt::LeftButton);
     EXPECT_EQ(plain->menu(), nullptr);
     EXPECT_EQ(chooserOpened, 0);
     EXPECT_FALSE(plain->shouldShowErrorMessage());
 
     auto *picker = test::shown(OSTImagePickerButton::create(QRect(0, 0, 60, 60),
-        jsonObject(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}},
-                       "imageSelector": {"cameraText": "Take one", "photosText": "Pick a file", "cancelText": "Not now"}})"),
-        u"avatar"_s, &window));
+            test::buttonOf(R"({"states": {"normal": {"backgroundColor": "#FFFFFF"}, "pressed": {}},
+                       "imageSelector": {"cameraText": "Take one", "photosText": "Pick a file", "cancelText": "Not now"}})", u"avatar"_s), &window));
     auto model = bindModel(*picker, "false");
     ASSERT_TRUE(picker->menu());
     const QList<QAction *> entries = picker->menu()->actions();
@@ -264,48 +257,16 @@ TEST_F(ImageViewAgainstService, FallsThroughFailingCandidatesAndReportsRequiredI
     server.writeImage(u"backup.png"_s, pngOf(imageOfColor(Qt::green)));
     QVariantMap properties{{u"image"_s, imageURL(u"missing.png"_s)}, {u"backupImage"_s, imageURL(u"backup.png"_s)},
                            {u"required"_s, u"true"_s}, {u"contentMode"_s, u"scaleToFill"_s}};
-    OSTImageView view(QRect(0, 0, 40, 40), properties);
+    OSTImageView view(QRect(0, 0, 40, 40), OSTImageDescription(u"image"_s, properties));
     EXPECT_TRUE(view.isLoadingRequiredImage());
     ASSERT_TRUE(finishes(view));
     EXPECT_FALSE(view.isLoadingRequiredImage());
     EXPECT_TRUE(colorNear(pixelAt(capture(view, 2), {20, 20}), QColor(Qt::green))) << "the 404 fell through to the backup";
 
-    OSTImageView nothing(QRect(0, 0, 40, 40), {{u"image"_s, imageURL(u"gone.png"_s)}, {u"required"_s, u"true"_s}});
+    OSTImageView nothing(QRect(0, 0, 40, 40),
+                         OSTImageDescription(u"image"_s, {{u"image"_s, imageURL(u"gone.png"_s)}, {u"required"_s, u"true"_s}}));
     ASSERT_TRUE(finishes(nothing));
     EXPECT_TRUE(nothing.image().isNull()) << "every candidate failed: the box stays empty";
-}
-
-TEST(ImageView, CandidatesFollowTheOrderAndEscapingRules)
-{
-    const QVariantMap avatarImage = jsonObject(R"({"image": "{avatar}",
-        "tempImage": "https://x.test/a b.png", "backupImage": "https://x.test/backup.png"})");
-    const auto candidates = OSTImageView::candidateURLsWithProperties(avatarImage);
-    ASSERT_EQ(candidates.size(), 2);
-    EXPECT_EQ(candidates.at(0).toString(QUrl::FullyEncoded), u"https://x.test/a%20b.png"_s);
-    EXPECT_EQ(candidates.at(1).toString(), u"https://x.test/backup.png"_s);
-    EXPECT_TRUE(OSTImageView::candidateURLsWithProperties(jsonObject(R"({"image": 5, "backupImage": ""})")).isEmpty());
-
-    // The user property "{avatar}" names comes first, when it holds an address.
-    const struct {
-        QVariantMap userProperties;
-        QStringList expected;
-    } cases[] = {
-        {{{u"avatar"_s, u"https://x.test/me.png"_s}},
-         {u"https://x.test/me.png"_s, u"https://x.test/a%20b.png"_s, u"https://x.test/backup.png"_s}},
-        {{{u"avatar"_s, 42}}, {u"https://x.test/a%20b.png"_s, u"https://x.test/backup.png"_s}},
-        {{{u"avatar"_s, u""_s}}, {u"https://x.test/a%20b.png"_s, u"https://x.test/backup.png"_s}},
-        {{{u"other"_s, u"https://x.test/other.png"_s}}, {u"https://x.test/a%20b.png"_s, u"https://x.test/backup.png"_s}},
-    };
-    for (const auto &testCase : cases) {
-        QStringList addresses;
-        for (const QUrl &url : OSTImageView::candidateURLsWithProperties(avatarImage, testCase.userProperties))
-            addresses << url.toString(QUrl::FullyEncoded);
-        EXPECT_EQ(addresses, testCase.expected) << testCase.userProperties.keys().join(u',').toStdString();
-    }
-    const auto plain = OSTImageView::candidateURLsWithProperties(jsonObject(R"({"image": "https://x.test/{x}.png"})"),
-                                                                 {{u"x"_s, u"https://x.test/me.png"_s}});
-    ASSERT_EQ(plain.size(), 1) << "braces inside an address name no property";
-    EXPECT_EQ(plain.at(0).toString(QUrl::FullyEncoded), u"https://x.test/%7Bx%7D.png"_s);
 }
 
 TEST_F(ImageViewAgainstService, LoadsTheAddressTheCurrentUsersPropertyHoldsBeforeThePlaceholder)
@@ -315,14 +276,14 @@ TEST_F(ImageViewAgainstService, LoadsTheAddressTheCurrentUsersPropertyHoldsBefor
     const QVariantMap properties{{u"image"_s, u"{avatar}"_s}, {u"tempImage"_s, imageURL(u"placeholder.png"_s)},
                                  {u"required"_s, u"true"_s}, {u"contentMode"_s, u"scaleToFill"_s}};
 
-    OSTImageView withoutProperty(QRect(0, 0, 40, 40), properties);
+    OSTImageView withoutProperty(QRect(0, 0, 40, 40), OSTImageDescription(u"image"_s, properties));
     ASSERT_TRUE(finishes(withoutProperty));
     EXPECT_TRUE(colorNear(pixelAt(capture(withoutProperty, 1), {20, 20}), QColor(Qt::blue)))
         << "no such property: the placeholder shows";
 
     OSTUserManager::sharedManager().appendUserProperties({{u"avatar"_s, imageURL(u"avatar.png"_s)}},
                                                          OSTUserManager::Delivery::KeepLocal);
-    OSTImageView withProperty(QRect(0, 0, 40, 40), properties);
+    OSTImageView withProperty(QRect(0, 0, 40, 40), OSTImageDescription(u"image"_s, properties));
     ASSERT_EQ(withProperty.candidateURLs().size(), 2);
     ASSERT_TRUE(finishes(withProperty));
     EXPECT_TRUE(colorNear(pixelAt(capture(withProperty, 2), {20, 20}), QColor(Qt::green)));

@@ -1,10 +1,19 @@
 #pragma once
 
-// A window to hold inputs under keyboard focus, as a screen holds them.
+// A window to hold inputs under keyboard focus, as a screen holds them, and the descriptions the
+// inputs are built from.
+
+#include "screen/OSTButtonDescription.h"
+#include "screen/OSTPickerDescription.h"
+#include "screen/OSTTextFieldDescription.h"
+#include "support/OSTTestSupport.h"
 
 #include <QApplication>
+#include <QString>
 #include <QTest>
 #include <QWidget>
+
+#include <memory>
 
 namespace ostrel::test {
 
@@ -28,6 +37,23 @@ Widget *shown(Widget *widget)
 {
     widget->show();
     return widget;
+}
+
+// The descriptions of elements `key` with the properties of a JSON text, as a screen document
+// reads them.
+inline std::shared_ptr<const OSTButtonDescription> buttonOf(const char *json, const QString &key)
+{
+    return std::make_shared<const OSTButtonDescription>(key, jsonObject(json));
+}
+
+inline std::shared_ptr<const OSTPickerDescription> pickerOf(const char *json, const QString &key)
+{
+    return std::make_shared<const OSTPickerDescription>(key, jsonObject(json));
+}
+
+inline std::shared_ptr<const OSTTextFieldDescription> textFieldOf(const char *json, const QString &key)
+{
+    return std::make_shared<const OSTTextFieldDescription>(key, jsonObject(json));
 }
 
 } // namespace ostrel::test

@@ -30,10 +30,11 @@ using test::jsonObject;
 TEST(Picker, CountryPickerStartsInTheUSAndTellsEachChoiceToItsPhoneField)
 {
     test::InputWindow window;
-    auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 300, 40), jsonObject(R"({"picker": {"pickerType": "countryCode"},
-        "toolbar": {"acceptText": "OK"}, "inputOrder": "1"})"), u"country"_s, &window));
+    auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 300, 40),
+            test::pickerOf(R"({"picker": {"pickerType": "countryCode"},
+        "toolbar": {"acceptText": "OK"}, "inputOrder": "1"})", u"country"_s), &window));
     auto *phone = test::shown(new OSTTextField(QRect(0, 50, 300, 40),
-        jsonObject(R"({"textType": "phoneNumber", "inputOrder": 2})"), u"phone"_s, &window));
+            test::textFieldOf(R"({"textType": "phoneNumber", "inputOrder": 2})", u"phone"_s), &window));
     OSTInput::chainInputs({phone, picker});
     const auto model = bindModel(*picker, "false");
 
@@ -97,8 +98,9 @@ TEST(Picker, CountryPickerStartsInTheUSAndTellsEachChoiceToItsPhoneField)
 TEST(Picker, CustomPickerOffersItsStringsAndAnEmptyOneCannotBeOpened)
 {
     test::InputWindow window;
-    auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 200, 40), jsonObject(R"({"picker": {"pickerData": ["Red", "Green", 3, null, "Blue"]},
-        "text": {"alignment": "right"}})"), u"colour"_s, &window));
+    auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 200, 40),
+            test::pickerOf(R"({"picker": {"pickerData": ["Red", "Green", 3, null, "Blue"]},
+        "text": {"alignment": "right"}})", u"colour"_s), &window));
     const auto model = bindModel(*picker, "false");
     EXPECT_EQ(picker->customData(), (QStringList{u"Red"_s, u"Green"_s, u"Blue"_s})) << "entries that are no strings are skipped";
     EXPECT_EQ(picker->value(), u"Red"_s);
@@ -131,7 +133,7 @@ TEST(Picker, CustomPickerOffersItsStringsAndAnEmptyOneCannotBeOpened)
     for (const char *properties : {R"({"picker": {"pickerData": []}})", R"({"picker": {"pickerData": "Red"}})",
                                    R"({"picker": {"pickerData": [1, {}]}})", R"({"picker": []})", R"({})"}) {
         SCOPED_TRACE(properties);
-        OSTPicker empty(QRect(0, 0, 200, 40), jsonObject(properties), u"empty"_s, &window);
+        OSTPicker empty(QRect(0, 0, 200, 40), test::pickerOf(properties, u"empty"_s), &window);
         empty.show();
         EXPECT_FALSE(empty.isEnabled());
         EXPECT_EQ(empty.value(), u""_s);
@@ -148,9 +150,10 @@ TEST(Picker, DatePickerShowsItsStartDateAndKeepsChoicesWithinItsBounds)
 {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     test::InputWindow window;
-    auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 200, 40), jsonObject(R"({"picker": {"pickerType": "date",
+    auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 200, 40),
+            test::pickerOf(R"({"picker": {"pickerType": "date",
         "startDate": "03/15/2021", "minDate": "01/01/2021", "maxDate": "12/31/2021"},
-        "text": {"text": "Birthday"}})"), u"day"_s, &window));
+        "text": {"text": "Birthday"}})", u"day"_s), &window));
     const auto model = bindModel(*picker, "false");
     ASSERT_TRUE(picker->dateWheel());
     EXPECT_EQ(picker->textLabel()->text(), u"03/15/2021"_s);
@@ -177,37 +180,30 @@ TEST(Picker, DatePickerShowsItsStartDateAndKeepsChoicesWithinItsBounds)
     // Unparsable dates leave the editor without bounds and the label's own text; untouched, the
     // wheel holds now.
     const test::ManualClockScope clock(700000000.0); // 8 March 2023, in seconds since 2001
-    OSTPicker loose(QRect(0, 0, 200, 40), jsonObject(R"({"picker": {"pickerType": "date", "startDate": "2021-03-15",
-        "minDate": 7, "maxDate": "13/45/2021"}, "text": {"text": "Birthday"}})"), u"loose"_s, &window);
+    OSTPicker loose(QRect(0, 0, 200, 40), test::pickerOf(R"({"picker": {"pickerType": "date", "startDate": "2021-03-15",
+        "minDate": 7, "maxDate": "13/45/2021"}, "text": {"text": "Birthday"}})", u"loose"_s), &window);
     EXPECT_EQ(loose.textLabel()->text(), u"Birthday"_s);
     EXPECT_EQ(loose.dateWheel()->minimumDate(), QDateTimeEdit().minimumDate());
     EXPECT_EQ(loose.value().toDateTime().toUTC().date(), QDate(2023, 3, 8));
 
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
-    OSTPicker british(QRect(0, 0, 200, 40), jsonObject(R"({"picker": {"pickerType": "date", "startDate": "03/15/2021"}})"),
-                      u"british"_s, &window);
+    OSTPicker british(QRect(0, 0, 200, 40),
+            test::pickerOf(R"({"picker": {"pickerType": "date", "startDate": "03/15/2021"}})", u"british"_s), &window);
     EXPECT_EQ(british.textLabel()->text(), u"15/03/2021"_s) << "day first outside the US";
 }
 
 TEST(Toolbar, TitlesStylesAndTheButtonsOfAPickersWheel)
 {
-    const OSTToolbar plain(jsonObject("{}"));
-    EXPECT_EQ(plain.cancelAction()->text(), u"Cancel"_s);
-    EXPECT_EQ(plain.doneAction()->text(), u"Done"_s);
-    EXPECT_EQ(plain.barStyle(), OSTToolbar::BarStyle::Default);
-    EXPECT_FALSE(plain.isTranslucent());
-    const OSTToolbar translucent(jsonObject(R"({"barStyle": "translucent", "cancelText": "No", "acceptText": 5})"));
-    EXPECT_EQ(translucent.barStyle(), OSTToolbar::BarStyle::Black);
-    EXPECT_TRUE(translucent.isTranslucent());
+    const OSTToolbar translucent(OSTToolbarSettings{u"No"_s, u"Done"_s, OSTToolbarSettings::BarStyle::Black, true});
     EXPECT_EQ(translucent.cancelAction()->text(), u"No"_s);
     EXPECT_EQ(translucent.doneAction()->text(), u"Done"_s);
-    const OSTToolbar misspelt(jsonObject(R"({"barStyle": "Default"})"));
-    EXPECT_EQ(misspelt.barStyle(), OSTToolbar::BarStyle::Black);
-    EXPECT_FALSE(misspelt.isTranslucent());
+    EXPECT_EQ(translucent.barStyle(), OSTToolbar::BarStyle::Black);
+    EXPECT_TRUE(translucent.isTranslucent());
+    EXPECT_EQ(translucent.palette().color(QPalette::Window).alpha(), 200);
 
     test::InputWindow window;
-    auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 200, 40), jsonObject(R"({"picker": {"pickerData": ["a", "b"]}, "toolbar": {}})"),
-                                 u"letters"_s, &window));
+    auto *picker = test::shown<OSTPicker>(new OSTPicker(QRect(0, 0, 200, 40),
+            test::pickerOf(R"({"picker": {"pickerData": ["a", "b"]}, "toolbar": {}})", u"letters"_s), &window));
     int returns = 0;
     picker->setInputProtocolDelegate([&returns, picker](OSTInput &input) {
         EXPECT_EQ(&input.inputWidget(), picker);

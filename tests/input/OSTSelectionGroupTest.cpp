@@ -6,6 +6,7 @@
 #include "input/OSTSelectionGroup.h"
 #include "input/OSTValidationItemModel.h"
 
+#include "OSTInputTestSupport.h"
 #include "OSTValidationTestFakes.h"
 #include "../render/OSTPixelTestSupport.h"
 
@@ -19,6 +20,11 @@ namespace ostrel {
 namespace {
 
 using test::jsonObject;
+
+std::shared_ptr<const OSTSelectionGroupDescription> groupDescription(const char *json, const char *key)
+{
+    return std::make_shared<const OSTSelectionGroupDescription>(QString::fromUtf8(key), jsonObject(json));
+}
 
 // The screen's side: records what the group tells it, in order.
 class RecordingScreen : public QObject, public OSTSelectionGroupDelegate {
@@ -46,9 +52,10 @@ protected:
     std::unique_ptr<OSTSelectionGroup> makeGroup(const char *extra)
     {
         const QString properties = u"{\"elements\": {\"a\": \"A\", \"b\": \"B\", \"c\": 3}%1}"_s.arg(QString::fromUtf8(extra));
-        auto group = std::make_unique<OSTSelectionGroup>(jsonObject(properties.toUtf8().constData()), u"group"_s);
+        auto group = std::make_unique<OSTSelectionGroup>(groupDescription(properties.toUtf8().constData(), "group"));
         for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
-            buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30), jsonObject(R"({"states": {}})"), name, &screenWidget));
+            buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30),
+                    test::buttonOf(R"({"states": {}})", name), &screenWidget));
         group->setElements({buttons[0].get(), buttons[1].get(), buttons[2].get()});
         group->setDelegate(&screen);
         return group;
@@ -141,9 +148,9 @@ TEST_F(SelectionGroupTest, ValuesRestoreTheSameButtonsAndBadInputGivesDefaults)
     // A button's own receivers no longer hear its taps.
     int ownTaps = 0;
     buttons.clear();
-    buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30), jsonObject(R"({"states": {}})"), u"a"_s, &screenWidget));
+    buttons.emplace_back(OSTButton::create(QRect(0, 0, 80, 30), test::buttonOf(R"({"states": {}})", u"a"_s), &screenWidget));
     QObject::connect(buttons[0].get(), &OSTButton::tapped, [&ownTaps] { ++ownTaps; });
-    OSTSelectionGroup taking(jsonObject(R"({"elements": {"a": "A"}})"), u"taking"_s);
+    OSTSelectionGroup taking(groupDescription(R"({"elements": {"a": "A"}})", "taking"));
     taking.setElements({buttons[0].get(), nullptr});
     click(0);
     EXPECT_EQ(ownTaps, 0);
@@ -152,14 +159,8 @@ TEST_F(SelectionGroupTest, ValuesRestoreTheSameButtonsAndBadInputGivesDefaults)
     EXPECT_TRUE(taking.elements().isEmpty()) << "a destroyed button leaves the group";
     EXPECT_EQ(taking.value(), QVariant(QVariantList()));
 
-    // Wrong types: no elements, no bounds, no action; a minimum above the buttons stays invalid.
-    OSTSelectionGroup broken(jsonObject(R"({"elements": ["a"], "maximumSelection": "-4", "minimumSelection": {},
-        "onClick": "next"})"), u"broken"_s);
-    EXPECT_TRUE(broken.elementKeys().isEmpty());
-    EXPECT_EQ(broken.maximumSelection(), 0);
-    EXPECT_EQ(broken.minimumSelection(), 0);
-    EXPECT_FALSE(broken.action());
-    OSTSelectionGroup unreachable(jsonObject(R"({"elements": {"a": "A"}, "minimumSelection": 5})"), u"unreachable"_s);
+    // A minimum above the buttons stays invalid.
+    OSTSelectionGroup unreachable(groupDescription(R"({"elements": {"a": "A"}, "minimumSelection": 5})", "unreachable"));
     EXPECT_FALSE(test::bindModel(unreachable, "false")->isValid());
 }
 

@@ -25,7 +25,7 @@ using test::pixelAt;
 
 TEST(Switch, RequiredSwitchIsValidWhileOnAndReportsTheUsersTaps)
 {
-    OSTSwitch pressed(QRect(0, 0, 100, 100), jsonObject(R"({"defaultState": "pressed"})"), u"terms"_s);
+    OSTSwitch pressed(QRect(0, 0, 100, 100), OSTSwitchDescription(u"terms"_s, jsonObject(R"({"defaultState": "pressed"})")));
     auto model = bindModel(pressed, "false");
     EXPECT_TRUE(model->isValid()) << "on from the start: valid as soon as the model is attached";
     EXPECT_EQ(model->value(), QVariant(true));
@@ -43,7 +43,7 @@ TEST(Switch, RequiredSwitchIsValidWhileOnAndReportsTheUsersTaps)
     EXPECT_EQ(model->value(), QVariant(false));
     EXPECT_EQ(taps.count(), 1);
 
-    OSTSwitch optional(QRect(0, 0, 100, 100), {}, u"news"_s);
+    OSTSwitch optional(QRect(0, 0, 100, 100), OSTSwitchDescription(u"news"_s, {}));
     auto optionalModel = bindModel(optional, "true");
     EXPECT_FALSE(optional.isOn());
     EXPECT_TRUE(optionalModel->isValid()) << "an optional switch is always valid";
@@ -51,7 +51,7 @@ TEST(Switch, RequiredSwitchIsValidWhileOnAndReportsTheUsersTaps)
 
 TEST(Switch, ShrinksToItsNaturalSizeAroundTheLayoutCentreAndWorksFromTheKeyboard)
 {
-    OSTSwitch element(QRect(0, 0, 100, 100), {}, u"terms"_s);
+    OSTSwitch element(QRect(0, 0, 100, 100), OSTSwitchDescription(u"terms"_s, {}));
     EXPECT_EQ(element.size(), OSTSwitchControl::naturalSize());
     EXPECT_EQ(element.geometry().center(), QRect(0, 0, 100, 100).center());
 
@@ -67,7 +67,8 @@ TEST(Switch, ShrinksToItsNaturalSizeAroundTheLayoutCentreAndWorksFromTheKeyboard
     EXPECT_EQ(accessible->text(QAccessible::Name), u"terms"_s);
     EXPECT_TRUE(accessible->state().checkable);
 
-    OSTSwitch labelled(QRect(0, 0, 60, 40), jsonObject(R"({"accessibilityLabel": "Accept the terms"})"), u"terms"_s);
+    OSTSwitch labelled(QRect(0, 0, 60, 40),
+            OSTSwitchDescription(u"terms"_s, jsonObject(R"({"accessibilityLabel": "Accept the terms"})")));
     EXPECT_EQ(QAccessible::queryAccessibleInterface(labelled.internalSwitch())->text(QAccessible::Name),
               u"Accept the terms"_s);
 }
@@ -78,14 +79,14 @@ TEST_P(SwitchPixels, TrackAndThumbTakeTheirColoursOffAndOn)
 {
     const qreal ratio = GetParam();
     const auto properties = jsonObject(R"({"onTintColor": "#FF0000", "tintColor": "#00FF00", "thumbTintColor": "#0000FF"})");
-    OSTSwitch off(QRect(0, 0, 51, 31), properties, u"s"_s);
+    OSTSwitch off(QRect(0, 0, 51, 31), OSTSwitchDescription(u"s"_s, properties));
     QImage image = capture(off, ratio);
     EXPECT_TRUE(colorNear(pixelAt(image, {16, 15}), QColor(0, 0, 255), 8)) << "thumb at the left when off";
     EXPECT_TRUE(colorNear(pixelAt(image, {25, 0.5}), QColor(0, 255, 0), 100)) << "green outline";
 
     auto onProperties = properties;
     onProperties.insert(u"defaultState"_s, u"pressed"_s);
-    OSTSwitch on(QRect(0, 0, 51, 31), onProperties, u"s"_s);
+    OSTSwitch on(QRect(0, 0, 51, 31), OSTSwitchDescription(u"s"_s, onProperties));
     image = capture(on, ratio);
     EXPECT_TRUE(colorNear(pixelAt(image, {35, 15}), QColor(0, 0, 255), 8)) << "thumb at the right when on";
     EXPECT_TRUE(colorNear(pixelAt(image, {8, 15}), QColor(255, 0, 0), 8)) << "red track when on";

@@ -14,7 +14,7 @@ namespace {
 
 std::shared_ptr<OSTValidationItemModel> makeItem(const QString &key, const char *properties = "{}")
 {
-    return std::make_shared<OSTValidationItemModel>(key, mapFromJson(properties));
+    return std::make_shared<OSTValidationItemModel>(key, OSTValidationSettings::fromProperties(key, mapFromJson(properties)));
 }
 
 } // namespace

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 TEST(ValidationItemModel, StartsInvalidWithoutAValueUnderItsSettings)
 {
-    const OSTValidationItemModel plain(u"email"_s, QVariantMap());
+    const OSTValidationItemModel plain(u"email"_s, OSTValidationSettings::fromProperties(u"email"_s, {}));
     EXPECT_EQ(plain.key(), u"email"_s);
     EXPECT_EQ(plain.userPropertyName(), u"email"_s) << "fields are keyed by the element key";
     EXPECT_EQ(plain.errorMessage(), u"Invalid input."_s);
@@ -30,7 +30,7 @@ TEST(ValidationItemModel, StartsInvalidWithoutAValueUnderItsSettings)
 
 TEST(ValidationItemModel, SetValidTellsTheInputOfChangesAndDropsResultMessagesOnceValid)
 {
-    auto item = std::make_shared<OSTValidationItemModel>(u"email"_s, mapFromJson(R"({"errorMessage": "Own."})"));
+    auto item = std::make_shared<OSTValidationItemModel>(u"email"_s, OSTValidationSettings{false, false, u"email"_s, u"Own."_s});
     FakeTextInput input;
     item->setItem(&input);
 
@@ -53,7 +53,7 @@ TEST(ValidationItemModel, SetValidTellsTheInputOfChangesAndDropsResultMessagesOn
 
 TEST(ValidationItemModel, ModelsInputsAndViewsOutliveEachOtherSafely)
 {
-    auto item = std::make_shared<OSTValidationItemModel>(u"email"_s, QVariantMap());
+    auto item = std::make_shared<OSTValidationItemModel>(u"email"_s, OSTValidationSettings{});
     auto input = std::make_unique<FakeTextInput>();
     item->setItem(input.get());
     input->setModel(item);

@@ -2,6 +2,7 @@
 
 #include "OSTValidationTestFakes.h"
 #include "core/OSTLogging.h"
+#include "screen/OSTScreenDocument.h"
 #include "support/OSTTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,11 @@ using namespace ostrel::test;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+std::shared_ptr<const OSTScreenDocument> screenDocument(const char *json)
+{
+    return OSTScreenDocument::read(QString::fromUtf8(json));
+}
 
 // A screen view with one text input per element key, the inputs owned by the view as the screen
 // view's element views are.
@@ -55,7 +61,7 @@ protected:
 private:
     static std::shared_ptr<OSTValidationGroupModel> registerSignUp(OSTValidationManager &manager)
     {
-        manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
+        manager.addScreen(u"signup"_s, *screenDocument(signUpLayout));
         return manager.groupModelForKey(u"signup"_s);
     }
 };
@@ -67,14 +73,16 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     OSTLogging::setLoggingLevel(OSTLoggingLevelWarning);
     OSTValidationManager manager;
     const QString log = captureStandardError([&] {
-        manager.addScreenWithKey(u"profile"_s, mapFromJson(R"({
+        manager.addScreen(u"profile"_s, *screenDocument(R"({
             "inputs": {"broken": 5, "email": {"isUnique": "true"}, "password": {"textType": "password"},
                        "phone": {"textType": "phoneNumberValidated"}, "phone2": {"textType": "phoneNumberValidated"},
+                       "picker": {"picker": {"pickerData": ["a"]}, "isOptional": "true", "secureTextEntry": "yes"},
                        "pin": {"textType": "phoneNumberPin", "secureTextEntry": "true"},
                        "secret": {"secureTextEntry": "yes"}},
             "buttons": {"agree": {"buttonType": "toggleSwitch"}, "next": {"title": "Next"}, "oddType": {"buttonType": 3},
-                        "optionA": {"buttonType": "toggle"}, "optionB": {"buttonType": "toggle"}},
-            "selectionGroups": {"choice": {"elements": {"optionA": "a", "optionB": "b"}},
+                        "optionA": {"buttonType": "toggle"}, "optionB": {"buttonType": "toggle"},
+                        "optionC": {"buttonType": "toggle"}},
+            "selectionGroups": {"choice": {"elements": {"optionA": "a", "optionB": "b", "optionC": []}},
                                 "loose": {"elements": "optionA"}}})"));
     });
     EXPECT_TRUE(log.contains(u"Ostrel Warning: Ignoring \"broken\" in \"inputs\""_s)) << log.toStdString();
@@ -82,13 +90,15 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     ASSERT_EQ(manager.groups().size(), 1u);
     const auto group = manager.groupModelForKey(u"profile"_s);
     ASSERT_TRUE(group);
-    EXPECT_EQ(itemKeys(*group), (QStringList{u"email"_s, u"password"_s, u"phone"_s, u"phone2"_s, u"pin"_s,
+    EXPECT_EQ(itemKeys(*group), (QStringList{u"email"_s, u"password"_s, u"phone"_s, u"phone2"_s, u"picker"_s, u"pin"_s,
                                              u"secret"_s, u"agree"_s, u"choice"_s, u"loose"_s}))
-        << "plain buttons and the selection group's members have no item";
+        << "plain buttons and the buttons a selection group lists, whatever their value, have no item";
     EXPECT_EQ(group->itemModelForKey(u"password"_s)->visibilityLevel(), OSTVisibilityLevel::Secret);
     EXPECT_EQ(group->itemModelForKey(u"secret"_s)->visibilityLevel(), OSTVisibilityLevel::Secret);
     EXPECT_EQ(group->itemModelForKey(u"pin"_s)->visibilityLevel(), OSTVisibilityLevel::Transient);
     EXPECT_EQ(group->itemModelForKey(u"email"_s)->visibilityLevel(), OSTVisibilityLevel::Savable);
+    EXPECT_TRUE(group->itemModelForKey(u"picker"_s)->isOptional()) << "pickers take their settings too";
+    EXPECT_EQ(group->itemModelForKey(u"picker"_s)->visibilityLevel(), OSTVisibilityLevel::Secret);
     EXPECT_EQ(manager.phoneNumberItemOfGroupWithKey(u"profile"_s), group->itemModelForKey(u"phone2"_s))
         << "the last validated phone field wins";
 
@@ -97,7 +107,7 @@ TEST(ValidationManager, RegistersOneItemPerInputValidatingButtonAndSelectionGrou
     EXPECT_TRUE(manager.uniqueFieldsOfGroupWithKey(u"unknown"_s).isEmpty());
     EXPECT_TRUE(manager.allSavableFieldsOfGroupWithKey(u"unknown"_s).isEmpty());
 
-    manager.addScreenWithKey(u"blank"_s, mapFromJson(R"({"inputs": [1, 2], "buttons": "none"})"));
+    manager.addScreen(u"blank"_s, *screenDocument(R"({"inputs": [1, 2], "buttons": "none"})"));
     EXPECT_TRUE(manager.groupModelForKey(u"blank"_s)->items().empty());
     EXPECT_TRUE(manager.groupModelForKey(u"blank"_s)->isValid());
 }
@@ -109,7 +119,7 @@ TEST_F(ValidationManagerWithSignUp, RegisteringAScreenAgainKeepsTheFirstGroupAnd
         screen.input(u"email"_s).type(u"ada@example.com"_s);
     }
 
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(R"({"inputs": {"other": {}}})"));
+    manager.addScreen(u"signup"_s, *screenDocument(R"({"inputs": {"other": {}}})"));
     ASSERT_EQ(manager.groups().size(), 1u);
     EXPECT_EQ(manager.groupModelForKey(u"signup"_s), group);
     EXPECT_EQ(itemKeys(*group), (QStringList{u"email"_s, u"password"_s, u"pin"_s}));
@@ -191,7 +201,7 @@ TEST_F(ValidationManagerWithSignUp, DestroyedScreenViewsAndInputsAreNeverTouched
 
 TEST_F(ValidationManagerWithSignUp, FieldCollectionsAcrossScreens)
 {
-    manager.addScreenWithKey(u"about"_s, mapFromJson(R"({"inputs": {
+    manager.addScreen(u"about"_s, *screenDocument(R"({"inputs": {
         "nickname": {"userPropertyName": "email", "isUnique": "true"}, "city": {}}})"));
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s, u"password"_s, u"pin"_s});
     signUp.input(u"email"_s).type(u"ada@example.com"_s);
@@ -215,8 +225,7 @@ TEST_F(ValidationManagerWithSignUp, FieldCollectionsAcrossScreens)
 TEST(ValidationManager, ResultForOneScreenAppliesMessagePrecedencePerInput)
 {
     OSTValidationManager manager;
-    manager.addScreenWithKey(u"profile"_s,
-                             mapFromJson(R"({"inputs": {"a": {"errorMessage": "Own message of a."}, "b": {}, "c": {}}})"));
+    manager.addScreen(u"profile"_s, *screenDocument(R"({"inputs": {"a": {"errorMessage": "Own message of a."}, "b": {}, "c": {}}})"));
     ScreenViews screen = attachScreen(manager, u"profile"_s, {u"a"_s, u"b"_s, u"c"_s});
     for (FakeTextInput *input : screen.inputs) {
         input->type(u"text"_s);
@@ -254,10 +263,10 @@ TEST(ValidationManager, ResultForOneScreenAppliesMessagePrecedencePerInput)
 
 TEST_F(ValidationManagerWithSignUp, FlowResultWithoutFieldsGoesToTheLastScreenUntilAnyValidityIsSet)
 {
-    manager.addScreenWithKey(u"about"_s, mapFromJson(R"({"inputs": {"city": {}, "street": {}}})"));
+    manager.addScreen(u"about"_s, *screenDocument(R"({"inputs": {"city": {}, "street": {}}})"));
     ScreenViews about = attachScreen(manager, u"about"_s, {u"city"_s, u"street"_s});
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s});
-    manager.addScreenWithKey(u"signup"_s, mapFromJson(signUpLayout));
+    manager.addScreen(u"signup"_s, *screenDocument(signUpLayout));
     about.input(u"city"_s).type(u"Paris"_s);
     about.input(u"street"_s).type(u"Rue de Rivoli"_s);
     const int signUpNotifications = signUp.view->validityChangedCount;
@@ -286,7 +295,7 @@ TEST_F(ValidationManagerWithSignUp, FlowResultWithoutFieldsGoesToTheLastScreenUn
 
 TEST_F(ValidationManagerWithSignUp, FlowResultWithFieldsReachesEveryScreenAndFieldsRecoverTheirDefaults)
 {
-    manager.addScreenWithKey(u"confirm"_s, mapFromJson(R"({"inputs": {
+    manager.addScreen(u"confirm"_s, *screenDocument(R"({"inputs": {
         "again": {"userPropertyName": "email", "errorMessage": "Repeat your e-mail address."}}})"));
     ScreenViews signUp = attachScreen(manager, u"signup"_s, {u"email"_s});
     ScreenViews confirm = attachScreen(manager, u"confirm"_s, {u"again"_s});

@@ -23,7 +23,8 @@ namespace ostrel::test {
 // Binds a new item model with `properties` to `input` as a flow's validation manager does.
 inline std::shared_ptr<OSTValidationItemModel> bindModel(OSTValidationItem &input, const QVariantMap &properties)
 {
-    auto model = std::make_shared<OSTValidationItemModel>(QStringLiteral("field"), properties);
+    auto model = std::make_shared<OSTValidationItemModel>(
+        QStringLiteral("field"), OSTValidationSettings::fromProperties(QStringLiteral("field"), properties));
     model->setItem(&input);
     input.setModel(model);
     return model;

@@ -12,6 +12,7 @@
 #include "render/OSTLayoutManager.h"
 #include "render/OSTView.h"
 #include "render/OSTBackgroundView.h"
+#include "screen/OSTScreenDocument.h"
 #include "support/OSTEventRecorder.h"
 #include "support/OSTTestSupport.h"
 
@@ -61,8 +62,9 @@ TEST(ScreenView, StacksByLayerWithTheBackgroundLowestAndGroupMembersInsideTheirG
 {
     const auto view = screenView(uR"({
         "shapes": {"background": {"zLayer": "900"}, "top": {"zLayer": "800"}, "low": {"zLayer": "1"},
-                   "member": {"x": "10", "y": "5", "width": "50%", "height": "10"}},
-        "groups": {"box": {"x": "100", "y": "200", "width": "100", "height": "50", "elements": ["member", "ghost"]}},
+                   "member": {"x": "10", "y": "5", "width": "50%", "height": "10"},
+                   "5": {"x": "1", "y": "2", "width": "3", "height": "4"}},
+        "groups": {"box": {"x": "100", "y": "200", "width": "100", "height": "50", "elements": ["member", "ghost", 5]}},
         "labels": {"caption": {"text": "x"}}})"_s);
     ASSERT_TRUE(view);
     view->show(); // lays out the scroll view
@@ -80,6 +82,12 @@ TEST(ScreenView, StacksByLayerWithTheBackgroundLowestAndGroupMembersInsideTheirG
     EXPECT_EQ(member->mapTo(view.get(), QPoint()), QPoint(110, 205));
     EXPECT_TRUE(member->isVisibleTo(view.get()));
     EXPECT_EQ(view->groupedViewKeys(), (QStringList{u"member"_s, u"ghost"_s}));
+    // A number names a member view too, but the layout takes string members only: the view lies
+    // in the group at its frame on the screen.
+    QWidget *numbered = view->views().value(u"5"_s);
+    EXPECT_EQ(numbered->parentWidget(), box->container());
+    EXPECT_EQ(numbered->geometry(), QRect(1, 2, 3, 4));
+    EXPECT_EQ(view->document()->elements(u"shapes"_s).size(), 5);
 }
 
 TEST(ScreenView, GroupsThatHoldThemselvesOrEachOtherAndSharedMembersNeitherHangNorLeakWindows)

@@ -19,11 +19,16 @@ const QColor white(255, 255, 255);
 const QColor black(0, 0, 0);
 const QColor transparent(0, 0, 0, 0);
 
+OSTBoxLook boxLook(const char *json)
+{
+    return OSTBoxLook::fromProperties(jsonObject(json));
+}
+
 class BackgroundViewPixels : public ::testing::TestWithParam<qreal> {
 protected:
     QImage paint(const QSize &size, const char *properties)
     {
-        OSTBackgroundView view(QRect(QPoint(), size), jsonObject(properties));
+        OSTBackgroundView view(QRect(QPoint(), size), boxLook(properties));
         return capture(view, GetParam());
     }
 };
@@ -128,7 +133,7 @@ TEST(BackgroundView, EdgesAreSharpAtDevicePixelRatioTwo)
     // A border of 1.5 points ends exactly on a device pixel boundary at ratio 2: the device
     // pixel inside it is pure border and the next one pure fill. Painted at ratio 1 and scaled,
     // the half-covered point would blend both.
-    OSTBackgroundView view(QRect(0, 0, 40, 40), jsonObject(R"({"backgroundColor": "#FFFFFF",
+    OSTBackgroundView view(QRect(0, 0, 40, 40), boxLook(R"({"backgroundColor": "#FFFFFF",
         "borderSize": "1.5", "borderColor": "#000000"})"));
     const QImage image = capture(view, 2);
     ASSERT_EQ(image.size(), QSize(80, 80));
@@ -140,30 +145,26 @@ TEST(BackgroundView, EdgesAreSharpAtDevicePixelRatioTwo)
 
 TEST(BackgroundView, CornerRadiusFollowsTheSizeForCircles)
 {
-    OSTBackgroundView circle(QRect(0, 0, 40, 40), jsonObject(R"({"cornerRadius": "circle"})"));
+    OSTBackgroundView circle(QRect(0, 0, 40, 40), boxLook(R"({"cornerRadius": "circle"})"));
     EXPECT_EQ(circle.cornerRadius(), 20);
     circle.resize(100, 40);
     EXPECT_EQ(circle.cornerRadius(), 20) << "a capsule";
     circle.resize(100, 60);
     EXPECT_EQ(circle.cornerRadius(), 30);
 
-    OSTBackgroundView rounded(QRect(0, 0, 100, 40), jsonObject(R"({"cornerRadius": "12.5"})"));
+    OSTBackgroundView rounded(QRect(0, 0, 100, 40), boxLook(R"({"cornerRadius": "12.5"})"));
     EXPECT_EQ(rounded.cornerRadius(), 12.5);
-    rounded.customizeWithProperties(jsonObject(R"({"cornerRadius": "500"})"));
+    rounded.setLook(boxLook(R"({"cornerRadius": "500"})"));
     EXPECT_EQ(rounded.cornerRadius(), 20) << "no larger than half the shorter side";
-    rounded.customizeWithProperties(jsonObject(R"({"cornerRadius": 12})"));
-    EXPECT_EQ(rounded.cornerRadius(), 0) << "a JSON number is ignored";
-    rounded.customizeWithProperties(jsonObject(R"({"cornerRadius": "round"})"));
-    EXPECT_EQ(rounded.cornerRadius(), 0);
 }
 
 TEST(BackgroundView, RestylingReplacesTheWholeLook)
 {
-    OSTBackgroundView view(QRect(0, 0, 50, 50), jsonObject(R"({"backgroundGradient":
+    OSTBackgroundView view(QRect(0, 0, 50, 50), boxLook(R"({"backgroundGradient":
         {"colors": ["#FF0000", "#FF0000"]}, "borderSize": "3", "borderColor": "#0000FF"})"));
     ASSERT_TRUE(colorNear(pixelAt(capture(view, 1), {1, 25}), blue));
 
-    view.customizeWithProperties(jsonObject(R"({"backgroundColor": "#00FF00"})"));
+    view.setLook(boxLook(R"({"backgroundColor": "#00FF00"})"));
     const QImage image = capture(view, 1);
     EXPECT_TRUE(colorNear(pixelAt(image, {1, 25}), green)) << "the border is gone";
     EXPECT_TRUE(colorNear(pixelAt(image, {25, 25}), green)) << "the gradient is gone";

@@ -1,4 +1,4 @@
-// Labels, the rounded clipping of element boxes, the loading overlay and the font rule, as a
+// Labels, the rounded clipping of element boxes and the loading overlay, as a
 // screen shows them (pixels at ratio 1 and 2) and as a user or assistive technology meets them.
 
 #include "render/OSTBackgroundView.h"
@@ -6,14 +6,10 @@
 #include "render/OSTLoadingOverlay.h"
 #include "render/OSTTextLabel.h"
 #include "render/OSTView.h"
-#include "screen/OSTFontResolver.h"
 
 #include "OSTPixelTestSupport.h"
 
 #include <QAccessible>
-#include <QDir>
-#include <QFontDatabase>
-#include <QFontInfo>
 #include <QLineEdit>
 #include <QPropertyAnimation>
 #include <QSignalSpy>
@@ -38,6 +34,16 @@ void finishFade(OSTLoadingOverlay &overlay)
             animation->setCurrentTime(animation->totalDuration());
 }
 
+OSTElementDescription shape(const char *json)
+{
+    return OSTElementDescription(OSTElementKind::Shape, u"shape"_s, jsonObject(json));
+}
+
+OSTLabelDescription label(const QVariantMap &properties)
+{
+    return OSTLabelDescription(u"label"_s, properties);
+}
+
 class ElementViewPixels : public ::testing::TestWithParam<qreal> {};
 
 TEST_P(ElementViewPixels, LabelDrawsColouredUnderlinedShadowedTextWithItsLineSpacing)
@@ -46,8 +52,8 @@ TEST_P(ElementViewPixels, LabelDrawsColouredUnderlinedShadowedTextWithItsLineSpa
     const auto properties = jsonObject(R"({"text": "Hello\nthere", "size": "20", "textColor": "#FF0000",
         "style": "underlined", "alignment": "left", "backgroundColor": "#FFFFFF",
         "shadow": ["#0000FF", "2", "3", "3"]})");
-    OSTLabel label(QRect(0, 0, 200, 120), properties);
-    const QImage image = capture(label, ratio);
+    OSTLabel view(QRect(0, 0, 200, 120), label(properties));
+    const QImage image = capture(view, ratio);
     const auto reddish = [](QColor c) { return c.red() > 200 && c.green() < 80; };
     const int red = countPixels(image, [](QColor c) { return c.red() > 200 && c.green() < 80 && c.blue() < 80; });
     const int blue = countPixels(image, [](QColor c) { return c.blue() > 150 && c.red() < 150 && c.green() < 150; });
@@ -67,17 +73,17 @@ TEST_P(ElementViewPixels, LabelDrawsColouredUnderlinedShadowedTextWithItsLineSpa
     };
     auto spaced = properties;
     spaced.insert(u"lineSpacing"_s, u"20"_s);
-    OSTLabel spacedLabel(QRect(0, 0, 200, 120), spaced);
+    OSTLabel spacedLabel(QRect(0, 0, 200, 120), label(spaced));
     EXPECT_NEAR(inkedRows(capture(spacedLabel, ratio)) - inkedRows(image), 20 * ratio, 3 * ratio);
 }
 
 TEST_P(ElementViewPixels, RoundedBorderedGroupClipsItsMembersAndKeepsItsBorderOnTop)
 {
     const qreal ratio = GetParam();
-    OSTView group(QRect(0, 0, 100, 100), jsonObject(R"({"backgroundColor": "#FFFFFF", "cornerRadius": "30",
+    OSTView group(QRect(0, 0, 100, 100), shape(R"({"backgroundColor": "#FFFFFF", "cornerRadius": "30",
         "borderSize": "4", "borderColor": "#0000FF"})"));
     // A member that fills the whole group, as a header image reaching the edges does.
-    OSTView member(QRect(0, 0, 100, 100), jsonObject(R"({"backgroundColor": "#FF0000"})"), group.container());
+    OSTView member(QRect(0, 0, 100, 100), shape(R"({"backgroundColor": "#FF0000"})"), group.container());
     const QImage image = capture(group, ratio);
     EXPECT_EQ(pixelAt(image, {1, 1}).alpha(), 0) << "the corner stays round";
     EXPECT_TRUE(colorNear(pixelAt(image, {50, 1}), QColor(0, 0, 255))) << "the border is drawn above the member";
@@ -85,8 +91,8 @@ TEST_P(ElementViewPixels, RoundedBorderedGroupClipsItsMembersAndKeepsItsBorderOn
     EXPECT_TRUE(colorNear(pixelAt(image, {50, 50}), QColor(255, 0, 0))) << "the member shows inside";
 
     // A square box without a border keeps its members as they are (no clipping layer).
-    OSTView plain(QRect(0, 0, 100, 100), jsonObject(R"({"backgroundColor": "#FFFFFF"})"));
-    OSTView plainMember(QRect(0, 0, 100, 100), jsonObject(R"({"backgroundColor": "#FF0000"})"), plain.container());
+    OSTView plain(QRect(0, 0, 100, 100), shape(R"({"backgroundColor": "#FFFFFF"})"));
+    OSTView plainMember(QRect(0, 0, 100, 100), shape(R"({"backgroundColor": "#FF0000"})"), plain.container());
     EXPECT_EQ(plain.container()->graphicsEffect(), nullptr);
     EXPECT_TRUE(colorNear(pixelAt(capture(plain, ratio), {1, 1}), QColor(255, 0, 0)));
 }
@@ -94,7 +100,7 @@ TEST_P(ElementViewPixels, RoundedBorderedGroupClipsItsMembersAndKeepsItsBorderOn
 TEST_P(ElementViewPixels, OverlayDimsTheViewAndShowsTheIndicator)
 {
     const qreal ratio = GetParam();
-    OSTView view(QRect(0, 0, 200, 200), jsonObject(R"({"backgroundColor": "#FFFFFF"})"));
+    OSTView view(QRect(0, 0, 200, 200), shape(R"({"backgroundColor": "#FFFFFF"})"));
     OSTLoadingOverlay overlay;
     overlay.presentOnView(&view);
     finishFade(overlay);
@@ -138,58 +144,31 @@ TEST(LoadingOverlay, BlocksClicksAndKeysOnlyWhilePresented)
     EXPECT_EQ(field->text(), u"abc"_s);
 }
 
-TEST(Label, FontsAreSetInPixelsAndUnknownNamesFallBackToTheSystemFont)
-{
-    const auto sized = OSTFontResolver::fontWithProperties(jsonObject(R"({"size": "18", "font": "NoSuchFont-Bold"})"));
-    ASSERT_TRUE(sized);
-    EXPECT_EQ(sized->pixelSize(), 18);
-    EXPECT_EQ(sized->family(), QFontDatabase::systemFont(QFontDatabase::GeneralFont).family());
-
-    // A PostScript name reads as family plus style, and the face drawn is that style, even
-    // when the family comes from two foundries (its two faces carry different vendors, as a
-    // family installed twice does).
-    const QDir fonts(QStringLiteral(OSTREL_TEST_FONTS_PATH));
-    for (const QString &face : {u"OstrelTestSerif-Regular.ttf"_s, u"OstrelTestSerif-BoldItalic.ttf"_s})
-        ASSERT_GE(QFontDatabase::addApplicationFont(fonts.filePath(face)), 0) << face.toStdString();
-    ASSERT_EQ(QFontDatabase::families().filter(u"Ostrel Test Serif ["_s).size(), 2) << "listed once per foundry";
-    const QFont styled = OSTFontResolver::fontNamed(u"OstrelTestSerif-BoldItalic"_s, 12);
-    EXPECT_EQ(styled.family(), u"Ostrel Test Serif"_s);
-    const QFontInfo drawn(styled);
-    EXPECT_EQ(drawn.styleName(), u"Bold Italic"_s);
-    EXPECT_TRUE(drawn.italic());
-    EXPECT_EQ(QFontInfo(OSTFontResolver::fontNamed(u"OstrelTestSerif-Regular"_s, 12)).styleName(), u"Regular"_s);
-
-    for (const char *json : {R"({"font": "Avenir"})", R"({"size": "0"})", R"({"size": "-4"})", R"({"size": 18})"})
-        EXPECT_FALSE(OSTFontResolver::fontWithProperties(jsonObject(json))) << json;
-    EXPECT_EQ(OSTFontResolver::fontWithProperties(jsonObject(R"({"size": "1e9"})"))->pixelSize(),
-              OSTFontResolver::maximumPixelSize);
-}
-
 TEST(Label, ShrinksToFitNoFurtherThanItsMinimumScaleAndSurvivesHugeTexts)
 {
     const QString longText = u"word "_s.repeated(60);
-    OSTLabel shrinking(QRect(0, 0, 200, 60), {{u"text"_s, longText}, {u"size"_s, u"20"_s}, {u"minimumScaleFactor"_s, u"0.5"_s}});
+    OSTLabel shrinking(QRect(0, 0, 200, 60), label({{u"text"_s, longText}, {u"size"_s, u"20"_s}, {u"minimumScaleFactor"_s, u"0.5"_s}}));
     const qreal scale = shrinking.internalLabel()->fittedScale();
     EXPECT_LT(scale, 1);
     EXPECT_GE(scale, 0.5);
 
-    OSTLabel fixed(QRect(0, 0, 200, 60), {{u"text"_s, longText}, {u"size"_s, u"20"_s}});
+    OSTLabel fixed(QRect(0, 0, 200, 60), label({{u"text"_s, longText}, {u"size"_s, u"20"_s}}));
     EXPECT_EQ(fixed.internalLabel()->fittedScale(), 1) << "without a factor the font keeps its size";
 
-    OSTLabel huge(QRect(0, 0, 375, 667), {{u"text"_s, u"x"_s.repeated(100'000)}, {u"size"_s, u"14"_s},
-                                         {u"minimumScaleFactor"_s, u"0.1"_s}});
+    OSTLabel huge(QRect(0, 0, 375, 667), label({{u"text"_s, u"x"_s.repeated(100'000)}, {u"size"_s, u"14"_s},
+                                               {u"minimumScaleFactor"_s, u"0.1"_s}}));
     EXPECT_FALSE(capture(huge, 1).isNull());
 }
 
 TEST(Label, AccessibilityReadsStaticTextNamedByTheText)
 {
-    OSTLabel label(QRect(0, 0, 200, 40), jsonObject(R"({"text": "Welcome back", "size": "16"})"));
-    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(label.internalLabel());
+    OSTLabel view(QRect(0, 0, 200, 40), label(jsonObject(R"({"text": "Welcome back", "size": "16"})")));
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(view.internalLabel());
     ASSERT_NE(accessible, nullptr);
     EXPECT_EQ(accessible->role(), QAccessible::StaticText);
     EXPECT_EQ(accessible->text(QAccessible::Name), u"Welcome back"_s);
-    label.setText(QString());
-    EXPECT_TRUE(label.text().isEmpty());
+    view.setText(QString());
+    EXPECT_TRUE(view.text().isEmpty());
 }
 
 } // namespace

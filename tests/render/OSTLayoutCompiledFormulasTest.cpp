@@ -126,7 +126,7 @@ TEST(LayoutCompiledFormulas, AnUpdatedElementResolvesItsNewFormulas)
 {
     OSTLayoutManager manager = layoutManager(R"({"labels": {
         "message": {"x": "{missing.x}", "width": "50%"}, "title": {"height": "44"}}})");
-    manager.updateLayout(layoutJson(R"({"y": "{title.height} * 2", "width": "25% - 0.5"})"),
+    manager.updateLayout(frameJson(R"({"y": "{title.height} * 2", "width": "25% - 0.5"})"),
                          u"message"_s);
     ASSERT_TRUE(manager.resolveLayout());
     EXPECT_EQ(manager.frameForKey(u"message"_s), QRectF(0, 88, 93, 667));

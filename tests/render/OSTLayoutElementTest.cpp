@@ -1,7 +1,5 @@
-// One layout element built from an element object, and the numeric predicate that
+// One layout element built from an element frame, and the numeric predicate that
 // decides when an attribute is resolved (checked against ICU's reading by the fuzzer).
-
-#include "OSTLayoutTestSupport.h"
 
 #include "render/OSTLayoutElement.h"
 
@@ -10,20 +8,20 @@
 #include <memory>
 
 using namespace ostrel;
-using namespace ostrel::test;
 using namespace Qt::StringLiterals;
 
-TEST(LayoutElement, AnEmptyObjectFillsItsParentAndFrameValuesAreReadOnlyAsStrings)
+TEST(LayoutElement, AFrameGivesItsFormulasAnchoringAndLayer)
 {
-    const OSTLayoutElement element(layoutJson(R"({"x": 10, "y": "10", "width": true, "height": null})"));
+    const OSTLayoutElement element(OSTElementFrame{u"0"_s, u"10"_s, u"100%"_s, u"50%"_s, false, 7});
     EXPECT_EQ(element.attributes(), (QMap<QString, QString>{{u"x"_s, u"0"_s}, {u"y"_s, u"10"_s},
-                                                            {u"width"_s, u"100%"_s}, {u"height"_s, u"100%"_s}}));
+                                                            {u"width"_s, u"100%"_s}, {u"height"_s, u"50%"_s}}));
     EXPECT_EQ(element.attributesResolved(),
               (QMap<QString, bool>{{u"x"_s, true}, {u"y"_s, true}, {u"width"_s, false}, {u"height"_s, false}}));
-    EXPECT_TRUE(element.isAnchored());
-    EXPECT_EQ(element.zLayer(), -1) << "not given";
+    EXPECT_FALSE(element.isAnchored());
+    EXPECT_EQ(element.zLayer(), 7);
     EXPECT_FALSE(element.isResolved());
     EXPECT_EQ(element.frame(), QRectF());
+    EXPECT_EQ(OSTLayoutElement(OSTElementFrame()).zLayer(), 0) << "no layer given";
 
     const OSTLayoutElement nil;
     EXPECT_TRUE(nil.attributes().isEmpty());
@@ -32,38 +30,9 @@ TEST(LayoutElement, AnEmptyObjectFillsItsParentAndFrameValuesAreReadOnlyAsString
     EXPECT_FALSE(nil.isAttributeResolved(u"x"_s));
 }
 
-TEST(LayoutElement, LayerAndAnchoringReadings)
-{
-    struct Case {
-        const char *json;
-        qint64 zLayer;
-        bool anchored;
-    };
-    const Case cases[] = {
-        {R"({"zLayer": 250})", 250, true},
-        {R"({"zLayer": "1,250"})", 1250, true}, // the "en_US" decimal reading
-        {R"({"zLayer": "12abc"})", -1, true},
-        {R"({"zLayer": -4})", -1, true}, // negative as a signed number: not given
-        {R"({"zLayer": -0.5})", 0, true},
-        {R"({"zLayer": 1e30})", -1, true},
-        {R"({"zLayer": true})", 1, true}, // a JSON boolean is a number
-        {R"({"anchored": "no"})", -1, false},
-        {R"({"anchored": "  -0001"})", -1, true},
-        {R"({"anchored": "00"})", -1, false},
-        {R"({"anchored": true})", -1, true},
-        {R"({"anchored": false})", -1, true}, // not a string: the default
-    };
-    for (const Case &test : cases) {
-        const OSTLayoutElement element(layoutJson(test.json));
-        EXPECT_EQ(element.zLayer(), test.zLayer) << test.json;
-        EXPECT_EQ(element.isAnchored(), test.anchored) << test.json;
-    }
-}
-
 TEST(LayoutElement, SetValueRecordsWhetherTheValueIsResolvedAndTheParentIsWeak)
 {
-    OSTLayoutElement element(
-        layoutJson(R"({"x": "1", "y": "2", "width": "3.5", "height": "50%"})"));
+    OSTLayoutElement element(OSTElementFrame{u"1"_s, u"2"_s, u"3.5"_s, u"50%"_s, true, std::nullopt});
     EXPECT_FALSE(element.isResolved());
     element.setValue(u"4"_s, u"height"_s);
     EXPECT_TRUE(element.isResolved());

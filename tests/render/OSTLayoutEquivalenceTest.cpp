@@ -10,6 +10,7 @@
 #include "render/OSTLayoutCompiledFormulas.h"
 #include "render/OSTLayoutKeyIndex.h"
 #include "render/OSTLayoutManager.h"
+#include "screen/OSTScreenDocument.h"
 
 #include <QJsonDocument>
 #include <QStringList>
@@ -51,7 +52,7 @@ void expectSameResolution(OSTLayoutManager &manager, double statusBar, const QSt
 // Counts the formulas of the screen that compile and those left to the string path.
 void countFormulas(const QVariantMap &screen, int &compiled, int &textual)
 {
-    const OSTLayoutManager manager(screen, QRectF(0, 0, 375, 667), 20);
+    const OSTLayoutManager manager(*OSTScreenDocument::fromLayout(screen), QRectF(0, 0, 375, 667), 20);
     const QStringList keys = manager.elements().keys();
     const OSTLayoutKeyIndex index(keys);
     OSTLayoutCompiledFormulas formulas(index, u"20.00"_s);
@@ -267,7 +268,7 @@ TEST(LayoutEquivalence, GeneratedScreensResolveAsPassByPassResolutionDoes)
     for (int round = 0; round < 5000; ++round) {
         const QVariantMap screen = generator.screen(round % 2 == 0);
         const double statusBar = round % 3 ? 20.0 : 24.5;
-        OSTLayoutManager manager(screen, QRectF(0, 0, round % 4 < 2 ? 375 : 320.5, 667), statusBar);
+        OSTLayoutManager manager(*OSTScreenDocument::fromLayout(screen), QRectF(0, 0, round % 4 < 2 ? 375 : 320.5, 667), statusBar);
         const QString context =
             QString::fromUtf8(QJsonDocument::fromVariant(screen).toJson(QJsonDocument::Compact));
         const bool before = !HasFatalFailure();

@@ -137,7 +137,7 @@ TEST(LayoutManagerBuilding, ScreenBoundsArePortraitOrdered)
     EXPECT_EQ(bounds.height(), std::max(geometry.width(), geometry.height()));
     EXPECT_EQ(bounds.topLeft(), QPointF(geometry.topLeft()));
 
-    const OSTLayoutManager manager(layoutJson("{}"));
+    const OSTLayoutManager manager(*OSTScreenDocument::fromLayout({}));
     EXPECT_EQ(manager.baseElement()->frame().size(), bounds.size());
     EXPECT_EQ(manager.statusBarHeight(), 0.0) << "desktop windows have no status bar";
 }
@@ -148,7 +148,7 @@ TEST(LayoutManagerUpdate, ReplacesTheFrameOfAnUnresolvedElementOnly)
 {
     OSTLayoutManager manager =
         layoutManager(R"({"labels": {"errorMessage": {"y": "50%", "height": "40"}}})");
-    manager.updateLayout(layoutJson(R"({"y": "100", "width": 80, "anchored": "no"})"),
+    manager.updateLayout(frameJson(R"({"y": "100", "width": 80, "anchored": "no"})"),
                          u"errorMessage"_s);
     EXPECT_EQ(value(manager, "errorMessage", "x"), u"0"_s);
     EXPECT_EQ(value(manager, "errorMessage", "y"), u"100"_s);
@@ -163,8 +163,8 @@ TEST(LayoutManagerUpdate, ReplacesTheFrameOfAnUnresolvedElementOnly)
     // An element whose values are all numbers, or an unknown key, ignores the update.
     OSTLayoutManager fixed = layoutManager(R"({"labels": {"errorMessage":
         {"x": "10", "y": "20", "width": "30", "height": "40"}}})");
-    fixed.updateLayout(layoutJson(R"({"y": "100"})"), u"errorMessage"_s);
-    fixed.updateLayout(layoutJson(R"({"y": "100"})"), u"unknown"_s);
+    fixed.updateLayout(frameJson(R"({"y": "100"})"), u"errorMessage"_s);
+    fixed.updateLayout(frameJson(R"({"y": "100"})"), u"unknown"_s);
     EXPECT_EQ(value(fixed, "errorMessage", "y"), u"20"_s);
     EXPECT_EQ(fixed.elements().size(), 1);
     ASSERT_TRUE(fixed.resolveLayout());

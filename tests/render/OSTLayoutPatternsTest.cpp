@@ -4,6 +4,7 @@
 #include "OSTLayoutTestSupport.h"
 
 #include "render/OSTLayoutManager.h"
+#include "screen/OSTScreenDocument.h"
 #include "render/OSTLayoutPatterns.h"
 
 #include <gtest/gtest.h>
@@ -53,7 +54,7 @@ TEST(LayoutPatterns, HostileFormulasResolveWithoutBacktrackingForever)
               QVariantMap{{u"x"_s, QString(100000, u'%')},
                           {u"y"_s, QString(50000, u'{') + u"zz.x}"_s}}},
              {u"d"_s, QVariantMap{{u"x"_s, references}, {u"y"_s, u'{' + references}}}}}};
-    OSTLayoutManager manager(screen, QRectF(0, 0, 375, 667), 20);
+    OSTLayoutManager manager(*OSTScreenDocument::fromLayout(screen), QRectF(0, 0, 375, 667), 20);
     EXPECT_FALSE(manager.resolveLayout());
     EXPECT_EQ(layoutValue(manager, u"c"_s, u"y"_s), QString(49999, u'{') + u"0"_s);
 }

@@ -5,6 +5,7 @@
 #include "OSTLayoutTestSupport.h"
 
 #include "render/OSTLayoutManager.h"
+#include "screen/OSTScreenDocument.h"
 
 #include <QVariantList>
 #include <QVariantMap>
@@ -52,7 +53,7 @@ TEST(LayoutSharedWork, MergedTableKeepsKeyOrderLaterCategoriesAndGroupMembership
                      {u"g2"_s, QVariantMap{{u"x"_s, u"10"_s},
                                            {u"elements"_s, QVariantList{u"b"_s, u"c"_s}}}}}},
     };
-    OSTLayoutManager manager(screen, QRectF(0, 0, 375, 667), 20);
+    OSTLayoutManager manager(*OSTScreenDocument::fromLayout(screen), QRectF(0, 0, 375, 667), 20);
 
     QStringList expectedKeys{u"a"_s, u"b"_s, u"c"_s, u"g1"_s, u"g2"_s, u"k"_s, astral,
                              highBmp, u"z"_s};
@@ -94,7 +95,7 @@ TEST(LayoutSharedWork, SharedFormulasAndResultTextsGiveEachElementItsOwnValue)
     }
     shapes.insert(u"odd1"_s, frame(u"0"_s, u"0"_s, u"{e000.x}{e000.x}"_s, u"1"_s));
     shapes.insert(u"odd2"_s, frame(u"0"_s, u"0"_s, u"{e000.x}{e000.x}"_s, u"1"_s));
-    OSTLayoutManager manager(QVariantMap{{u"shapes"_s, shapes}}, QRectF(0, 0, 375, 667), 20);
+    OSTLayoutManager manager(*OSTScreenDocument::fromLayout({{u"shapes"_s, shapes}}), QRectF(0, 0, 375, 667), 20);
 
     EXPECT_FALSE(manager.resolveLayout()); // the two odd widths and what needs them
     for (int index = 0; index < 300; ++index) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "render/OSTLayoutManager.h"
+#include "screen/OSTScreenDocument.h"
 
 #include <QByteArray>
 #include <QJsonDocument>
@@ -19,7 +20,12 @@ inline QVariantMap layoutJson(const char *text)
 inline OSTLayoutManager layoutManager(const char *json, double width = 375, double height = 667,
                                       double statusBar = 20)
 {
-    return OSTLayoutManager(layoutJson(json), QRectF(0, 0, width, height), statusBar);
+    return OSTLayoutManager(*OSTScreenDocument::fromLayout(layoutJson(json)), QRectF(0, 0, width, height), statusBar);
+}
+
+inline OSTElementFrame frameJson(const char *text)
+{
+    return OSTElementFrame::fromProperties(layoutJson(text));
 }
 
 inline QString layoutValue(const OSTLayoutManager &manager, const QString &key,

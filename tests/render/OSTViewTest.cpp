@@ -22,29 +22,24 @@ namespace {
 const QColor red(255, 0, 0);
 const QColor white(255, 255, 255);
 
+OSTElementDescription shape(const char *json)
+{
+    return OSTElementDescription(OSTElementKind::Shape, u"shape"_s, jsonObject(json));
+}
+
 // An element view built the way element views are: the base only builds the container and the
 // subclass styles itself once its own members exist.
 class RecordingView : public OSTView {
 public:
-    RecordingView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr)
-        : OSTView(frame, properties, Styling::InSubclassConstructor, parent),
-          m_customizationsDuringBaseConstruction(m_customizations)
+    RecordingView(const QRect &frame, const OSTElementDescription &description, QWidget *parent = nullptr)
+        : OSTView(frame, description, Styling::InSubclassConstructor, parent),
+          m_alphaBeforeStyling(alpha()), m_effectBeforeStyling(graphicsEffect() != nullptr)
     {
-        m_label = u"ready"_s;
-        customizeWithProperties(properties);
+        customize(description);
     }
 
-    void customizeWithProperties(const QVariantMap &properties) override
-    {
-        OSTView::customizeWithProperties(properties);
-        ++m_customizations;
-        m_labelWhenCustomized = m_label;
-    }
-
-    int m_customizations = 0;
-    int m_customizationsDuringBaseConstruction = 0;
-    QString m_label;
-    QString m_labelWhenCustomized;
+    qreal m_alphaBeforeStyling;
+    bool m_effectBeforeStyling;
 };
 
 // A transparent stage on which an element view is placed, so that what it casts outside its
@@ -69,7 +64,7 @@ constexpr const char *screenRatioElement = R"({"backgroundColor": "#FFFFFF", "bo
 // saves the grab to the path given last.
 const bool screenGrabChildRegistered = test::OSTChildProcess::registerMode(u"grab-element"_s, [](const QStringList &arguments) {
     Stage stage(100, 100);
-    OSTView view(QRect(20, 20, 60, 40), jsonObject(screenRatioElement), &stage.widget);
+    OSTView view(QRect(20, 20, 60, 40), shape(screenRatioElement), &stage.widget);
     const QPixmap grabbed = stage.widget.grab();
     if (grabbed.devicePixelRatio() != 2)
         return 2;
@@ -80,7 +75,7 @@ const bool screenGrabChildRegistered = test::OSTChildProcess::registerMode(u"gra
 
 TEST(View, PlainViewStylesItselfAndItsContainerFillsIt)
 {
-    OSTView view(QRect(10, 20, 80, 40), jsonObject(R"({"alpha": "0.25", "objectShadow": ["#000000", "3", "1", "2"]})"));
+    OSTView view(QRect(10, 20, 80, 40), shape(R"({"alpha": "0.25", "objectShadow": ["#000000", "3", "1", "2"]})"));
     EXPECT_EQ(view.geometry(), QRect(10, 20, 80, 40));
     EXPECT_EQ(view.alpha(), 0.25);
     ASSERT_TRUE(view.objectShadow());
@@ -96,52 +91,20 @@ TEST(View, PlainViewStylesItselfAndItsContainerFillsIt)
 
 TEST(View, SubclassesAreStyledByTheirOwnConstructorOnly)
 {
-    const RecordingView view(QRect(0, 0, 50, 50), jsonObject(R"({"alpha": "0.5"})"));
-    EXPECT_EQ(view.m_customizationsDuringBaseConstruction, 0)
-        << "the base constructor must not style a subclass";
-    EXPECT_EQ(view.m_customizations, 1) << "styled exactly once";
-    EXPECT_EQ(view.m_labelWhenCustomized, u"ready"_s) << "styled after the subclass's members exist";
-    EXPECT_EQ(view.alpha(), 0.5) << "the override reached the common properties";
-}
-
-TEST(View, AlphaIsReadOnlyFromStrings)
-{
-    const auto alphaFor = [](const char *properties) {
-        return OSTView(QRect(0, 0, 10, 10), jsonObject(properties)).alpha();
-    };
-    EXPECT_EQ(alphaFor("{}"), 1.0);
-    EXPECT_EQ(alphaFor(R"({"alpha": "0.5"})"), 0.5);
-    EXPECT_EQ(alphaFor(R"({"alpha": "half"})"), 1.0);
-    EXPECT_EQ(alphaFor(R"({"alpha": "nan"})"), 1.0);
-    EXPECT_EQ(alphaFor(R"({"alpha": "7"})"), 1.0) << "opacity stops at 1";
-    EXPECT_EQ(alphaFor(R"({"alpha": "-2"})"), 0.0);
-}
-
-TEST(View, ObjectShadowNeedsAPositiveRadiusButNotAVisibleColour)
-{
-    const auto shadowFor = [](const char *properties) {
-        return OSTView(QRect(0, 0, 10, 10), jsonObject(properties)).objectShadow();
-    };
-    // Too short, a radius of zero or below, a colour that is no string, not an array.
-    for (const char *properties : {"{}", R"({"objectShadow": ["#000000", "4", "0"]})",
-                                   R"({"objectShadow": ["#000000", "0", "0", "2"]})",
-                                   R"({"objectShadow": ["#000000", "-3", "0", "2"]})",
-                                   R"({"objectShadow": [0, "4", "0", "2"]})", R"({"objectShadow": {"color": "#000000"}})"})
-        EXPECT_FALSE(shadowFor(properties)) << properties;
-
-    const auto clear = shadowFor(R"({"objectShadow": ["#0000", 4, "0", "2"]})");
-    ASSERT_TRUE(clear) << "a clear colour does not cancel the view's shadow";
-    EXPECT_EQ(clear->color.alpha(), 0);
-    EXPECT_EQ(clear->blurRadius, 4) << "numbers are accepted inside the array";
+    const RecordingView view(QRect(0, 0, 50, 50), shape(R"({"alpha": "0.5"})"));
+    EXPECT_EQ(view.m_alphaBeforeStyling, 1.0) << "the base constructor must not style a subclass";
+    EXPECT_FALSE(view.m_effectBeforeStyling);
+    EXPECT_EQ(view.alpha(), 0.5) << "styled by the subclass";
+    EXPECT_NE(view.graphicsEffect(), nullptr);
 }
 
 TEST(View, RestylingWithoutEffectsRemovesThem)
 {
-    OSTView view(QRect(0, 0, 40, 40), jsonObject(R"({"alpha": "0.5",
+    OSTView view(QRect(0, 0, 40, 40), shape(R"({"alpha": "0.5",
         "objectShadow": ["#000000", "4", "0", "2"], "backgroundColor": "#FF0000"})"));
     EXPECT_NE(view.graphicsEffect(), nullptr);
 
-    view.customizeWithProperties(jsonObject(R"({"backgroundColor": "#FFFFFF"})"));
+    view.customize(shape(R"({"backgroundColor": "#FFFFFF"})"));
     EXPECT_EQ(view.alpha(), 1.0);
     EXPECT_FALSE(view.objectShadow());
     EXPECT_EQ(view.graphicsEffect(), nullptr) << "an opaque view without shadow paints directly";
@@ -151,12 +114,12 @@ TEST(View, RestylingWithoutEffectsRemovesThem)
 TEST_P(ViewPixels, AlphaFadesTheWholeElementButAJsonNumberIsIgnored)
 {
     Stage stage(100, 50);
-    OSTView faded(QRect(0, 0, 50, 50), jsonObject(R"({"alpha": "0.5", "backgroundColor": "#FF0000"})"),
+    OSTView faded(QRect(0, 0, 50, 50), shape(R"({"alpha": "0.5", "backgroundColor": "#FF0000"})"),
                   &stage.widget);
-    OSTView ignored(QRect(50, 0, 50, 50), jsonObject(R"({"alpha": 0.5, "backgroundColor": "#FF0000"})"),
+    OSTView ignored(QRect(50, 0, 50, 50), shape(R"({"alpha": 0.5, "backgroundColor": "#FF0000"})"),
                     &stage.widget);
     // A child of the faded element fades with it.
-    OSTView child(QRect(10, 10, 10, 10), jsonObject(R"({"backgroundColor": "#FFFFFF"})"),
+    OSTView child(QRect(10, 10, 10, 10), shape(R"({"backgroundColor": "#FFFFFF"})"),
                   faded.container());
 
     const QImage image = capture(stage.widget, GetParam());
@@ -168,7 +131,7 @@ TEST_P(ViewPixels, AlphaFadesTheWholeElementButAJsonNumberIsIgnored)
 TEST_P(ViewPixels, ObjectShadowFallsOutsideTheViewAlongItsOffset)
 {
     Stage stage(200, 200);
-    OSTView view(QRect(50, 50, 100, 100), jsonObject(R"({"backgroundColor": "#FFFFFF",
+    OSTView view(QRect(50, 50, 100, 100), shape(R"({"backgroundColor": "#FFFFFF",
         "cornerRadius": "10", "objectShadow": ["#000000", "8", "0", "10"]})"), &stage.widget);
     const QImage image = capture(stage.widget, GetParam());
 
@@ -189,21 +152,21 @@ TEST_P(ViewPixels, ObjectShadowFallsOutsideTheViewAlongItsOffset)
 TEST_P(ViewPixels, ObjectShadowFollowsTheOutlineIsHiddenWhenClearAndFadesWithItsView)
 {
     Stage outlineStage(120, 120);
-    OSTView clearView(QRect(20, 20, 80, 80), jsonObject(R"({"cornerRadius": "circle",
+    OSTView clearView(QRect(20, 20, 80, 80), shape(R"({"cornerRadius": "circle",
         "objectShadow": ["#FF0000", "2", "0", "0"]})"), &outlineStage.widget);
     const QImage outline = capture(outlineStage.widget, GetParam());
     EXPECT_TRUE(colorNear(pixelAt(outline, {60, 60}), red)) << "seen through a clear view";
     EXPECT_EQ(pixelAt(outline, {22, 22}).alpha(), 0) << "the shadow of a circle has no corners";
 
     Stage clearStage(100, 100);
-    OSTView clearShadow(QRect(25, 25, 50, 50), jsonObject(R"({"backgroundColor": "#FFFFFF",
+    OSTView clearShadow(QRect(25, 25, 50, 50), shape(R"({"backgroundColor": "#FFFFFF",
         "objectShadow": ["#0000", "6", "0", "6"]})"), &clearStage.widget);
     const QImage clear = capture(clearStage.widget, GetParam());
     EXPECT_EQ(pixelAt(clear, {50, 80}).alpha(), 0);
     EXPECT_TRUE(colorNear(pixelAt(clear, {50, 50}), white));
 
     Stage fadedStage(100, 100);
-    OSTView faded(QRect(25, 25, 50, 50), jsonObject(R"({"alpha": "0.5", "backgroundColor": "#FFFFFF",
+    OSTView faded(QRect(25, 25, 50, 50), shape(R"({"alpha": "0.5", "backgroundColor": "#FFFFFF",
         "objectShadow": ["#000000", "4", "0", "0"]})"), &fadedStage.widget);
     const QImage image = capture(fadedStage.widget, GetParam());
     // Faded as a group, the shadow beneath the white box does not darken it.
@@ -246,7 +209,7 @@ TEST(View, HostileShadowValuesStayWithinBoundedMemory)
     // At full resolution these blurs would need images tens of thousands of pixels a side, and
     // far offsets with opacity a layer as large. All must stay bounded and still draw.
     Stage softStage(200, 200);
-    OSTView wide(QRect(50, 50, 100, 100), jsonObject(R"({"backgroundColor": "#FFFFFF",
+    OSTView wide(QRect(50, 50, 100, 100), shape(R"({"backgroundColor": "#FFFFFF",
         "cornerRadius": "circle", "objectShadow": ["#000000", "400", "0", "0"]})"), &softStage.widget);
     const QImage soft = capture(softStage.widget, 2);
     EXPECT_TRUE(colorNear(pixelAt(soft, {100, 100}), QColor(Qt::white)));
@@ -254,9 +217,9 @@ TEST(View, HostileShadowValuesStayWithinBoundedMemory)
     EXPECT_LT(pixelAt(soft, {170, 100}).alpha(), 16);
 
     Stage hostileStage(100, 100);
-    OSTView huge(QRect(60, 60, 20, 20), jsonObject(R"({"backgroundColor": "#0000FF",
+    OSTView huge(QRect(60, 60, 20, 20), shape(R"({"backgroundColor": "#0000FF",
         "objectShadow": ["#000000", "1e7", "0", "0"]})"), &hostileStage.widget);
-    OSTView far(QRect(0, 0, 20, 20), jsonObject(R"({"alpha": "0.5", "backgroundColor": "#FF0000",
+    OSTView far(QRect(0, 0, 20, 20), shape(R"({"alpha": "0.5", "backgroundColor": "#FF0000",
         "objectShadow": ["#000000", "4", "1e9", "-1e9"]})"), &hostileStage.widget);
     const QImage hostile = capture(hostileStage.widget, 2);
     EXPECT_TRUE(colorNear(pixelAt(hostile, {70, 70}), QColor(Qt::blue)));

@@ -104,6 +104,25 @@ TEST(ScreenDocument, FramesTakeStringFormulasOnlyAndLayersTruncatedNumbers)
     const auto &entries = document->layoutEntries();
     EXPECT_EQ(entries.value(u"plain"_s).zLayer, 200) << "a shape's default layer";
     EXPECT_EQ(entries.value(u"set"_s).zLayer, 12);
+
+    const struct {
+        const char *json;
+        std::optional<qint64> zLayer;
+        bool anchored;
+    } readings[] = {
+        {R"({"zLayer": "1,250"})", 1250, true}, // the "en_US" decimal reading
+        {R"({"zLayer": "12abc"})", std::nullopt, true},
+        {R"({"zLayer": -0.5})", 0, true},
+        {R"({"zLayer": true})", 1, true}, // a JSON boolean is a number
+        {R"({"anchored": "  -0001"})", std::nullopt, true},
+        {R"({"anchored": "00"})", std::nullopt, false},
+        {R"({"anchored": true})", std::nullopt, true}, // not a string: the default
+    };
+    for (const auto &reading : readings) {
+        const OSTElementFrame frame = OSTElementFrame::fromProperties(jsonObject(reading.json));
+        EXPECT_EQ(frame.zLayer, reading.zLayer) << reading.json;
+        EXPECT_EQ(frame.anchored, reading.anchored) << reading.json;
+    }
 }
 
 TEST(ScreenDocument, BoxesAlphaAndShadowsReadVisualValuesFromStringsOnly)
@@ -145,6 +164,21 @@ TEST(ScreenDocument, BoxesAlphaAndShadowsReadVisualValuesFromStringsOnly)
     EXPECT_EQ(d.alpha(), 0);
     EXPECT_EQ(d.box().gradient->radius, 20);
     EXPECT_EQ(d.box().gradient->direction, OSTBoxLook::GradientDirection::Vertical) << "a radial one has none";
+}
+
+TEST(ScreenDocument, ObjectShadowsNeedAPositiveRadiusButNotAVisibleColour)
+{
+    const auto shadowFor = [](const char *json) {
+        return OSTElementDescription(OSTElementKind::Shape, u"s"_s, jsonObject(json)).objectShadow();
+    };
+    // Too short, a colour that is no string, not an array.
+    for (const char *json : {R"({"objectShadow": ["#000000", "4", "0"]})", R"({"objectShadow": [0, "4", "0", "2"]})",
+                             R"({"objectShadow": ["#000000", "-3", "0", "2"]})", R"({"objectShadow": {"color": "#000"}})"})
+        EXPECT_FALSE(shadowFor(json)) << json;
+    const auto clear = shadowFor(R"({"objectShadow": ["#0000", 4, "0", "2"]})");
+    ASSERT_TRUE(clear) << "a clear colour does not cancel the shadow";
+    EXPECT_EQ(clear->color.alpha(), 0);
+    EXPECT_EQ(clear->blurRadius, 4) << "numbers are accepted inside the array";
 }
 
 TEST(ScreenDocument, LabelsAndImagesReadTheirTextsAndSources)
@@ -325,7 +359,7 @@ TEST(ScreenDocument, LayoutEntriesKeepTheLaterCategoryAndTheLastGroupListingAMem
     EXPECT_EQ(document->groupedKeys(), (QStringList{u"member"_s, u"g2"_s, u"missing"_s, u"g1"_s, u"member"_s}));
 }
 
-TEST(ScreenDocument, TheLayoutTableIsTheLayoutEnginesOnSamplesAndTangledGroups)
+TEST(ScreenDocument, TheLayoutEngineTakesTheLayoutTableOnSamplesAndTangledGroups)
 {
     QStringList texts = {
         uR"({"labels": {"same": {"x": "1", "zLayer": "3"}, "member": {"anchored": "no"}}, "buttons": {"same": {"x": "2"}},
@@ -343,7 +377,7 @@ TEST(ScreenDocument, TheLayoutTableIsTheLayoutEnginesOnSamplesAndTangledGroups)
     for (const QString &text : texts) {
         const auto document = OSTScreenDocument::read(text);
         ASSERT_TRUE(document);
-        const OSTLayoutManager layout(QJsonDocument::fromJson(text.toUtf8()).toVariant().toMap(), QRectF(0, 0, 375, 667), 20);
+        const OSTLayoutManager layout(*document, QRectF(0, 0, 375, 667), 20);
         EXPECT_EQ(ost_layoutTableDifference(*document, layout), QString()) << text.left(200).toStdString();
     }
 }
@@ -383,17 +417,33 @@ TEST(ValidationSettings, ReadStringBooleansAndTextsWithDefaults)
         EXPECT_EQ(OSTValidationSettings::fromProperties(u"field"_s, jsonObject(each.json)), each.expected) << each.json;
 }
 
-TEST(ScreenVocabulary, TheCommittedSchemaListsTheVocabularysCategories)
+TEST(ScreenVocabulary, TheCommittedSchemaIsTheVocabularys)
 {
     QFile file(QStringLiteral(OSTREL_SCREEN_SCHEMA_PATH));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QJsonObject schema = QJsonDocument::fromJson(file.readAll()).object();
-    EXPECT_EQ(schema.value(u"properties"_s).toObject(), OSTScreenVocabulary::schemaTopLevelProperties());
-    const QJsonObject definitions = schema.value(u"$defs"_s).toObject();
-    for (const QJsonValue category : OSTScreenVocabulary::schemaTopLevelProperties()) {
-        const QString reference = category.toObject().value(u"additionalProperties"_s).toObject().value(u"$ref"_s).toString();
-        if (!reference.isEmpty()) {
-            EXPECT_TRUE(definitions.contains(reference.section(u'/', -1))) << reference.toStdString();
+    ASSERT_FALSE(schema.isEmpty());
+    EXPECT_EQ(schema, OSTScreenVocabulary::schema())
+        << QJsonDocument(OSTScreenVocabulary::schema()).toJson().toStdString();
+}
+
+TEST(ScreenVocabulary, EachFamilyListsItsSharedAndOwnKeysWithTheirTypes)
+{
+    const auto find = [](OSTElementFamily family, const QString &name) -> std::optional<OSTPropertyKey> {
+        for (const OSTPropertyKey &key : OSTScreenVocabulary::elementKeys(family)) {
+            if (key.name == name)
+                return key;
         }
+        return std::nullopt;
+    };
+    for (const OSTElementCategory &category : OSTScreenVocabulary::categories()) {
+        const bool laidOut = category.defaultZLayer.has_value();
+        EXPECT_EQ(find(category.family, u"width"_s).has_value(), laidOut) << category.name.toStdString();
+        EXPECT_EQ(find(category.family, u"alpha"_s).has_value(), laidOut) << category.name.toStdString();
     }
+    EXPECT_EQ(find(OSTElementFamily::Input, u"maxLength"_s)->types, OSTValueType::String | OSTValueType::Number);
+    EXPECT_EQ(find(OSTElementFamily::Input, u"toolbar"_s)->definition, u"toolbar"_s);
+    EXPECT_FALSE(find(OSTElementFamily::Label, u"maxLength"_s));
+    EXPECT_EQ(find(OSTElementFamily::Button, u"buttonType"_s)->choices,
+              (QStringList{u"toggle"_s, u"toggleSwitch"_s, u"imageUpload"_s}));
 }

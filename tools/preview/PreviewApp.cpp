@@ -72,13 +72,13 @@ int PreviewApp::checkFile() const
         return Unusable;
     }
     printProblems(source, false);
-    const ScreenChecker checker(ScreenChecker::bundledSchema(), QSizeF(m_options.size));
+    const ScreenChecker checker(ScreenChecker::vocabularySchema(), QSizeF(m_options.size));
     return checker.check(source.screenText).isEmpty() ? Success : ProblemsFound;
 }
 
 void PreviewApp::printProblems(const ScreenSource &source, bool asWarnings) const
 {
-    const ScreenChecker checker(ScreenChecker::bundledSchema(), QSizeF(m_options.size));
+    const ScreenChecker checker(ScreenChecker::vocabularySchema(), QSizeF(m_options.size));
     const JsonLocator fileLocator(source.fileText);
     for (const ScreenChecker::Problem &problem : checker.check(source.screenText)) {
         // Parse errors of an experience's screen are errors of the file itself.

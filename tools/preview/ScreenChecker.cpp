@@ -4,9 +4,9 @@
 
 #include "render/OSTLayoutManager.h"
 #include "render/OSTLayoutPatterns.h"
+#include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSet>
@@ -62,12 +62,9 @@ QString elementPointer(const QString &category, const QString &key)
 
 ScreenChecker::ScreenChecker(const QJsonObject &schema, QSizeF area) : m_schema(schema), m_area(area) {}
 
-QJsonObject ScreenChecker::bundledSchema()
+QJsonObject ScreenChecker::vocabularySchema()
 {
-    QFile file(u":/ostrel-preview/screen.schema.json"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QJsonDocument::fromJson(file.readAll()).object();
+    return OSTScreenVocabulary::schema();
 }
 
 QList<ScreenChecker::Problem> ScreenChecker::check(const QByteArray &text) const
@@ -216,7 +213,7 @@ void ScreenChecker::checkGroups(const QVariantMap &layout, QList<Problem> &probl
 
 void ScreenChecker::checkLayout(const QVariantMap &layout, QList<Problem> &problems) const
 {
-    ostrel::OSTLayoutManager manager(layout, QRectF(QPointF(), m_area), 0);
+    ostrel::OSTLayoutManager manager(*ostrel::OSTScreenDocument::fromLayout(layout), QRectF(QPointF(), m_area), 0);
     if (manager.resolveLayout())
         return;
     for (const QString &category : elementCategories) {

@@ -8,7 +8,7 @@
 #include <QVariantMap>
 
 // Finds what an author can fix in a screen JSON text: a text that does not parse, values of a type
-// the screen reader ignores, keys it does not read (both from docs/screen.schema.json), references
+// the screen reader ignores, keys it does not read (both from the screen vocabulary's schema), references
 // to elements that do not exist, group membership the screen cannot honour, and frame formulas
 // that never resolve (found by the SDK's own layout engine at the given size).
 class ScreenChecker {
@@ -24,8 +24,8 @@ public:
     // Every problem of `text`, in document order within each kind of check.
     QList<Problem> check(const QByteArray &text) const;
 
-    // The schema compiled into the tool.
-    static QJsonObject bundledSchema();
+    // The screen vocabulary's schema, which docs/screen.schema.json holds too.
+    static QJsonObject vocabularySchema();
 
 private:
     void checkAgainstSchema(const QJsonValue &value, const QJsonObject &schema, const QString &pointer,
