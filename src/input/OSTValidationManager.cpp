@@ -125,11 +125,6 @@ QVariantMap mergedFields(std::span<const std::shared_ptr<OSTValidationGroupModel
 
 } // namespace
 
-void OSTValidationManager::addScreenWithKey(const QString &key, const QVariantMap &layout)
-{
-    addScreen(key, *OSTScreenDocument::fromLayout(layout));
-}
-
 void OSTValidationManager::addScreen(const QString &key, const OSTScreenDocument &document)
 {
     if (groupModelForKey(key))

@@ -43,8 +43,6 @@ public:
     // with a "buttonType" (switches included), and per selection group (whose listed buttons then
     // have no item of their own). A screen registered before keeps its group and values.
     void addScreen(const QString &key, const OSTScreenDocument &document);
-    // Transitional: the screen's decoded "layout" object, read into a document.
-    void addScreenWithKey(const QString &key, const QVariantMap &layout);
     // Binds a registered screen's view and its inputs (element key to input; missing or null
     // inputs are skipped) to their models, restoring into each input the value it had before.
     // An unknown screen key does nothing.

@@ -119,7 +119,7 @@ void OSTScreenModel::setValidationManager(const std::shared_ptr<OSTValidationMan
     m_validationManager = manager;
     if (!manager || !m_view)
         return;
-    manager->addScreenWithKey(m_screen->key(), m_view->screenLayout());
+    manager->addScreen(m_screen->key(), m_view->screenDocument());
     manager->attachGroup(*this, m_screen->key(), m_view->validationItems());
 }
 

@@ -2,10 +2,10 @@
 
 #include <QMap>
 #include <QString>
-#include <QVariantMap>
 
 namespace ostrel {
 
+class OSTScreenDocument;
 class OSTValidationItem;
 
 // What a screen model needs from whatever draws its screen: the Qt Widgets screen controller
@@ -19,8 +19,8 @@ public:
     OSTScreenModelView &operator=(const OSTScreenModelView &) = delete;
     virtual ~OSTScreenModelView() = default;
 
-    // The screen's parsed JSON, from which the flow's validation learns the screen's inputs.
-    virtual const QVariantMap &screenLayout() const = 0;
+    // The screen's document, from which the flow's validation learns the screen's inputs.
+    virtual const OSTScreenDocument &screenDocument() const = 0;
     // Element key to each drawn input that takes part in validation.
     virtual ValidationItems validationItems() const = 0;
     // Whether every image the screen requires is in.

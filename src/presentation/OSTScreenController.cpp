@@ -1,11 +1,11 @@
 #include "presentation/OSTScreenController.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "experience/OSTAction.h"
 #include "input/OSTButton.h"
 #include "input/OSTImagePickerButton.h"
 #include "network/OSTImageManager.h"
 #include "render/OSTLoadingOverlay.h"
+#include "screen/OSTScreenDocument.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>
@@ -70,9 +70,10 @@ QWidget *OSTScreenController::loadView()
 
 void OSTScreenController::readStatusBarStyle()
 {
-    const QString style = ost_stringForKey(m_screenView->layout(), u"statusBarStyle"_s).value_or(QString());
-    m_statusBarHidden = style == "disabled"_L1;
-    m_statusBarStyle = style == "white"_L1 ? OSTStatusBarStyle::LightContent : OSTStatusBarStyle::Default;
+    const OSTScreenDocument::StatusBarStyle style = m_screenView->document()->statusBarStyle();
+    m_statusBarHidden = style == OSTScreenDocument::StatusBarStyle::Hidden;
+    m_statusBarStyle = style == OSTScreenDocument::StatusBarStyle::Light ? OSTStatusBarStyle::LightContent
+                                                                         : OSTStatusBarStyle::Default;
 }
 
 void OSTScreenController::fireCompletion(bool success)
@@ -92,9 +93,9 @@ void OSTScreenController::fireCompletion(bool success)
 
 // --- The screen model's view ------------------------------------------------------------------
 
-const QVariantMap &OSTScreenController::screenLayout() const
+const OSTScreenDocument &OSTScreenController::screenDocument() const
 {
-    return m_screenView->layout();
+    return *m_screenView->document();
 }
 
 OSTScreenModelView::ValidationItems OSTScreenController::validationItems() const

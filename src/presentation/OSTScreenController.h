@@ -69,13 +69,13 @@ private:
                         Completion completion, QObject *parent);
 
     bool loadScreen();
-    // The one JSON read left here: the screen's "statusBarStyle".
+    // The status bar the screen's document asks for.
     void readStatusBarStyle();
     void fireCompletion(bool success);
     void updateKeyboard();
 
     // OSTScreenModelView
-    const QVariantMap &screenLayout() const override;
+    const OSTScreenDocument &screenDocument() const override;
     ValidationItems validationItems() const override;
     bool isFullyLoaded() const override;
     void setNextButtonsEnabled(bool enabled) override;

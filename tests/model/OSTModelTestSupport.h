@@ -8,8 +8,8 @@
 #include "model/OSTExperienceView.h"
 #include "model/OSTScreenModel.h"
 #include "model/OSTScreenModelView.h"
+#include "screen/OSTScreenDocument.h"
 
-#include <QJsonDocument>
 #include <QStringList>
 
 #include <memory>
@@ -41,15 +41,15 @@ private:
 class ScriptedScreen final : public OSTScreenModelView {
 public:
     ScriptedScreen(const std::shared_ptr<const OSTScreen> &screen, const OSTScreenModel::Environment &environment)
-        : m_layout(QJsonDocument::fromJson(screen->json().toUtf8()).toVariant().toMap()),
+        : m_document(OSTScreenDocument::read(screen->json())),
           model(std::make_unique<OSTScreenModel>(screen, environment))
     {
-        for (const QString &key : m_layout.value(u"inputs"_s).toMap().keys())
-            m_items.insert(key, m_inputs.emplace_back(std::make_unique<ScriptedInput>()).get());
+        for (const auto &input : m_document->elements(u"inputs"_s))
+            m_items.insert(input->key(), m_inputs.emplace_back(std::make_unique<ScriptedInput>()).get());
         model->setView(*this);
     }
 
-    const QVariantMap &screenLayout() const override { return m_layout; }
+    const OSTScreenDocument &screenDocument() const override { return *m_document; }
     ValidationItems validationItems() const override { return m_items; }
     bool isFullyLoaded() const override { return fullyLoaded; }
     void setNextButtonsEnabled(bool enabled) override { nextEnabled = enabled; }
@@ -65,7 +65,7 @@ public:
     QStringList overlays;
 
 private:
-    const QVariantMap m_layout;
+    const std::shared_ptr<const OSTScreenDocument> m_document;
     std::vector<std::unique_ptr<ScriptedInput>> m_inputs;
     ValidationItems m_items;
 
