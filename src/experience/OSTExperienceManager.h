@@ -10,11 +10,12 @@
 #include <QMap>
 #include <QString>
 #include <QVariantMap>
-#include <QWidget>
 
 #include <functional>
 #include <memory>
 #include <optional>
+
+class QWidget;
 
 namespace ostrel {
 

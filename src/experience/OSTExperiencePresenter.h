@@ -2,10 +2,10 @@
 
 #include <ostrel/OSTExperienceSettings.h>
 
-#include <QWidget>
-
 #include <functional>
 #include <memory>
+
+class QWidget;
 
 namespace ostrel {
 
