@@ -7,6 +7,8 @@
 //                               building is not timed; the time is wall time)
 //   BM_BuildAndResolve/<n>      from the parsed JSON: reading the screen document, building the
 //                               manager from it and resolveLayout()
+//   BM_BuildFromDocumentAndResolve/<n>  building the manager from an already read document plus
+//                               resolveLayout(): the layout engine's part of BM_BuildAndResolve
 //   BM_ResolveChain/2000        resolveLayout() of the chain alone, as BM_Resolve
 //   BM_BuildAndResolveChain/2000 as BM_BuildAndResolve
 //
@@ -184,6 +186,20 @@ void BM_BuildAndResolve(benchmark::State &state)
     }
 }
 BENCHMARK(BM_BuildAndResolve)->Arg(40)->Arg(500)->Unit(benchmark::kMicrosecond);
+
+void BM_BuildFromDocumentAndResolve(benchmark::State &state)
+{
+    const auto document = OSTScreenDocument::fromLayout(typicalScreen(int(state.range(0))));
+    for (auto _ : state) {
+        OSTLayoutManager manager(*document, kScreen, kStatusBar);
+        if (!manager.resolveLayout()) {
+            state.SkipWithError("the layout did not resolve");
+            break;
+        }
+        benchmark::DoNotOptimize(manager.frameForKey(u"title"_s));
+    }
+}
+BENCHMARK(BM_BuildFromDocumentAndResolve)->Arg(40)->Arg(500)->Unit(benchmark::kMicrosecond);
 
 void BM_ResolveChain(benchmark::State &state)
 {

@@ -31,6 +31,7 @@ public:
 
     // Restyles the box and how the image fills it; the image and its addresses stay.
     void customize(const OSTImageDescription &description);
+    // Transitional, as above.
     void customizeWithProperties(const QVariantMap &properties) override;
 
     QImage image() const;
@@ -45,6 +46,7 @@ public:
     // The candidate addresses the properties name, in the order they are tried: the address the
     // user property named by "{name}" holds (taken from `userProperties`), the image or its
     // placeholder, the backup.
+    // Transitional: the input tests still ask it; OSTImageSource::candidateURLs answers.
     static QList<QUrl> candidateURLsWithProperties(const QVariantMap &properties,
                                                    const QVariantMap &userProperties = {});
 

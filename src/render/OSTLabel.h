@@ -22,6 +22,7 @@ public:
 
     // Restyles the label and sets its text; the description replaces the whole earlier look.
     void customize(const OSTLabelDescription &description);
+    // Transitional, as above.
     void customizeWithProperties(const QVariantMap &properties) override;
 
     QString text() const;

@@ -62,9 +62,18 @@ void OSTLayoutManager::build(const OSTScreenDocument &document, const QRectF &sc
         element->setZLayer(entry->zLayer);
         table.insert(table.constEnd(), entry.key(), std::move(element));
     }
-    for (auto entry = entries.constBegin(); entry != entries.constEnd(); ++entry) {
-        if (entry->group)
-            table.value(entry.key())->setParent(table.value(*entry->group));
+    // The table has the entries' keys in the same order; a group's members mostly follow each other.
+    auto element = table.constBegin();
+    const QString *groupKey = nullptr;
+    std::shared_ptr<OSTLayoutElement> group;
+    for (auto entry = entries.constBegin(); entry != entries.constEnd(); ++entry, ++element) {
+        if (!entry->group)
+            continue;
+        if (!groupKey || *groupKey != *entry->group) {
+            groupKey = &*entry->group;
+            group = table.value(*groupKey);
+        }
+        element.value()->setParent(group);
     }
 
     m_elements = std::move(table);

@@ -34,10 +34,12 @@ class OSTView : public QWidget {
 public:
     // A plain view, styled from `description` before the constructor returns.
     OSTView(const QRect &frame, const OSTElementDescription &description, QWidget *parent = nullptr);
+    // Transitional (see above).
     OSTView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
 
     // Restyles the view; the description replaces the whole earlier look.
     void customize(const OSTElementDescription &description);
+    // Transitional (see above): the input views that still hold maps override it.
     virtual void customizeWithProperties(const QVariantMap &properties);
 
     OSTBackgroundView *container() const { return m_container; }
@@ -52,6 +54,7 @@ protected:
 
     OSTView(const QRect &frame, const OSTElementDescription &description, Styling styling,
             QWidget *parent = nullptr);
+    // Transitional (see above).
     OSTView(const QRect &frame, const QVariantMap &properties, Styling styling, QWidget *parent = nullptr);
 
     void resizeEvent(QResizeEvent *event) override;

@@ -60,49 +60,14 @@ TEST(LayoutManagerBuilding, CategoriesGiveDefaultLayersAndTheScreenAsParent)
               (QStringList{u"s"_s, u"i"_s, u"g"_s, u"l"_s, u"n"_s, u"b"_s}));
 }
 
-TEST(LayoutManagerBuilding, EntriesThatAreNotObjectsAreSkippedAndAKeyInTwoCategoriesLeavesOneElement)
-{
-    const OSTLayoutManager manager = layoutManager(R"({
-        "shapes": {"a": "text", "b": 3, "c": [1], "d": null, "e": {}},
-        "labels": [{"x": "1"}], "groups": "none", "images": 7})");
-    EXPECT_EQ(manager.elements().keys(), QStringList{u"e"_s});
-
-    const OSTLayoutManager duplicated = layoutManager(R"({
-        "labels": {"title": {"x": "1", "zLayer": 9}},
-        "shapes": {"title": {"x": "2"}},
-        "buttons": {"title": {"x": "3"}}})");
-    ASSERT_EQ(duplicated.elements().size(), 1);
-    EXPECT_EQ(duplicated.elementKeysSortedByZLayer(), QStringList{u"title"_s});
-    // The categories are read in key order, so "shapes" is the last one and stays.
-    EXPECT_EQ(value(duplicated, "title", "x"), u"2"_s);
-    EXPECT_EQ(duplicated.elements().value(u"title"_s)->zLayer(), 200);
-}
-
 TEST(LayoutManagerBuilding, LayersSortAscendingAndStablyInKeyOrder)
 {
     const OSTLayoutManager manager = layoutManager(R"({
         "shapes": {"d": {"zLayer": 5}, "c": {"zLayer": "5"}, "b": {"zLayer": -3},
                    "a": {"zLayer": 900}, "e": {"zLayer": 0}, "f": {"zLayer": "7.9"}},
         "labels": {"g": {"zLayer": -1}, "h": {"zLayer": "high"}}})");
-    const auto &elements = manager.elements();
-    EXPECT_EQ(elements.value(u"b"_s)->zLayer(), 200) << "a negative layer counts as not given";
-    EXPECT_EQ(elements.value(u"g"_s)->zLayer(), 500);
-    EXPECT_EQ(elements.value(u"h"_s)->zLayer(), 500) << "a text that is no number is ignored";
-    EXPECT_EQ(elements.value(u"c"_s)->zLayer(), 5) << "a numeric string is a number";
-    EXPECT_EQ(elements.value(u"f"_s)->zLayer(), 7) << "read as an unsigned integer";
     EXPECT_EQ(manager.elementKeysSortedByZLayer(),
               (QStringList{u"e"_s, u"c"_s, u"d"_s, u"f"_s, u"b"_s, u"g"_s, u"h"_s, u"a"_s}));
-}
-
-TEST(LayoutManagerBuilding, AnchoredKeysFollowTheStringsBooleanReading)
-{
-    const OSTLayoutManager manager = layoutManager(R"({"shapes": {
-        "plain": {}, "no": {"anchored": "false"}, "zero": {"anchored": "0"},
-        "yes": {"anchored": "Yes"}, "padded": {"anchored": "  +007"},
-        "boolean": {"anchored": false}, "number": {"anchored": 0}, "empty": {"anchored": ""}}})");
-    EXPECT_EQ(manager.anchoredElementKeys(),
-              (QStringList{u"boolean"_s, u"number"_s, u"padded"_s, u"plain"_s, u"yes"_s}))
-        << "a JSON boolean or number is not a string, so the default (anchored) applies";
 }
 
 TEST(LayoutManagerBuilding, GroupsBecomeParentsOfTheirListedElements)

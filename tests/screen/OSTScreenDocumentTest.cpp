@@ -357,6 +357,9 @@ TEST(ScreenDocument, LayoutEntriesKeepTheLaterCategoryAndTheLastGroupListingAMem
     EXPECT_EQ(entries.value(u"g2"_s).zLayer, 9);
     EXPECT_EQ(document->groupMembers(u"g1"_s), (QStringList{u"member"_s, u"g2"_s, u"missing"_s, u"g1"_s}));
     EXPECT_EQ(document->groupedKeys(), (QStringList{u"member"_s, u"g2"_s, u"missing"_s, u"g1"_s, u"member"_s}));
+    EXPECT_EQ(document->groupViewKeys(u"g1"_s), (QStringList{u"member"_s, u"g2"_s, u"5"_s, u"missing"_s, u"g1"_s}))
+        << "a number names a view too";
+    EXPECT_TRUE(document->groupViewKeys(u"g3"_s).isEmpty());
 }
 
 TEST(ScreenDocument, TheLayoutEngineTakesTheLayoutTableOnSamplesAndTangledGroups)
