@@ -9,6 +9,8 @@
 #include "input/OSTSwitch.h"
 #include "render/OSTImageView.h"
 #include "render/OSTLabel.h"
+#include "screen/OSTButtonDescription.h"
+#include "screen/OSTSwitchDescription.h"
 
 #include <QImage>
 
@@ -49,12 +51,12 @@ std::unique_ptr<QWidget> buildScreen()
             }
             [[fallthrough]];
         case 1:
-            OSTButton::create(frame, {{u"cornerRadius"_s, u"10"_s},
+            OSTButton::create(frame, std::make_shared<const OSTButtonDescription>(u"button%1"_s.arg(index), QVariantMap{{u"cornerRadius"_s, u"10"_s},
                                       {u"states"_s, QVariantMap{{u"normal"_s, QVariantMap{{u"text"_s, u"Go"_s},
                                                                                          {u"size"_s, u"15"_s},
                                                                                          {u"image"_s, picture}}},
-                                                               {u"pressed"_s, QVariantMap{{u"textColor"_s, u"#FF0000"_s}}}}}},
-                              u"button%1"_s.arg(index), container);
+                                                               {u"pressed"_s, QVariantMap{{u"textColor"_s, u"#FF0000"_s}}}}}}),
+                              container);
             break;
         case 2:
             new OSTImageView(frame, OSTImageDescription(u"image%1"_s.arg(index), {{u"image"_s, picture}, {u"cornerRadius"_s, u"8"_s}}),
@@ -62,7 +64,7 @@ std::unique_ptr<QWidget> buildScreen()
             break;
         default:
             if (index % 8 == 3)
-                new OSTSwitch(frame, {{u"defaultState"_s, u"pressed"_s}}, u"switch%1"_s.arg(index), container);
+                new OSTSwitch(frame, OSTSwitchDescription(u"switch%1"_s.arg(index), {{u"defaultState"_s, u"pressed"_s}}), container);
             else
                 new OSTLabel(frame, OSTLabelDescription(u"label%1"_s.arg(index),
                                  {{u"text"_s, u"Short"_s}, {u"size"_s, u"17"_s}, {u"textColor"_s, u"#FFCC00"_s},
@@ -110,8 +112,8 @@ BENCHMARK(BM_PaintFortyElements)->Unit(benchmark::kMillisecond);
 // blurred layer, made at a lower resolution, is kept). Target: under 16 ms a repaint.
 void BM_RepaintLabelWithHugeShadowBlur(benchmark::State &state)
 {
-    OSTLabel label(QRect(0, 0, 343, 44), {{u"text"_s, u"A shadow too wide to see"_s}, {u"size"_s, u"17"_s},
-                                          {u"shadow"_s, QVariantList{u"#000000"_s, u"1000"_s, u"0"_s, u"2"_s}}});
+    OSTLabel label(QRect(0, 0, 343, 44), OSTLabelDescription(u"label"_s, {{u"text"_s, u"A shadow too wide to see"_s}, {u"size"_s, u"17"_s},
+                                          {u"shadow"_s, QVariantList{u"#000000"_s, u"1000"_s, u"0"_s, u"2"_s}}}));
     QImage target(label.size() * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
     target.setDevicePixelRatio(devicePixelRatio);
     label.render(&target, QPoint(), QRegion(), QWidget::DrawChildren); // the first paint

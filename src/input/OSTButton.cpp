@@ -33,12 +33,6 @@ OSTButton *OSTButton::create(const QRect &frame, std::shared_ptr<const OSTButton
     return new OSTButton(frame, std::move(description), parent);
 }
 
-OSTButton *OSTButton::create(const QRect &frame, const QVariantMap &properties, const QString &name,
-                             QWidget *parent)
-{
-    return create(frame, std::make_shared<const OSTButtonDescription>(name, properties), parent);
-}
-
 OSTButton::OSTButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description, QWidget *parent)
     : QAbstractButton(parent), m_description(std::move(description)), m_titleLayer(new QWidget(this))
 {

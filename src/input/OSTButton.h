@@ -33,9 +33,6 @@ public:
     // The button the description describes, or null without a description or states.
     static OSTButton *create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                              QWidget *parent = nullptr);
-    // Transitional: the button's properties read into its description.
-    static OSTButton *create(const QRect &frame, const QVariantMap &properties, const QString &name,
-                             QWidget *parent = nullptr);
     ~OSTButton() override;
 
     const QString &name() const { return m_description->key(); }

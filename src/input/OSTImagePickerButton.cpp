@@ -44,12 +44,6 @@ OSTImagePickerButton *OSTImagePickerButton::create(const QRect &frame,
     return button;
 }
 
-OSTImagePickerButton *OSTImagePickerButton::create(const QRect &frame, const QVariantMap &properties,
-                                                   const QString &name, QWidget *parent)
-{
-    return create(frame, std::make_shared<const OSTButtonDescription>(name, properties), parent);
-}
-
 void OSTImagePickerButton::setFileChooser(FileChooser chooser)
 {
     fileChooser() = chooser ? std::move(chooser) : FileChooser(chooseWithDialog);

@@ -30,9 +30,6 @@ public:
     // Null without a description or states.
     static OSTImagePickerButton *create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                                         QWidget *parent = nullptr);
-    // Transitional: the button's properties read into its description.
-    static OSTImagePickerButton *create(const QRect &frame, const QVariantMap &properties,
-                                        const QString &name, QWidget *parent = nullptr);
 
     static void setFileChooser(FileChooser chooser);
 

@@ -73,11 +73,6 @@ OSTPicker::OSTPicker(const QRect &frame, std::shared_ptr<const OSTPickerDescript
     buildWheel(description->wheel());
 }
 
-OSTPicker::OSTPicker(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
-    : OSTPicker(frame, std::make_shared<const OSTPickerDescription>(name, properties), parent)
-{
-}
-
 OSTPicker::~OSTPicker()
 {
     deletePopup();

@@ -75,8 +75,6 @@ public:
     enum class Formatting { Plain, Formatted };
 
     OSTPicker(const QRect &frame, std::shared_ptr<const OSTPickerDescription> description, QWidget *parent = nullptr);
-    // Transitional: the picker's properties read into its description.
-    OSTPicker(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent = nullptr);
     ~OSTPicker() override;
 
     const QString &name() const { return m_name; }

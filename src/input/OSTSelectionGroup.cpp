@@ -15,11 +15,6 @@ OSTSelectionGroup::OSTSelectionGroup(std::shared_ptr<const OSTSelectionGroupDesc
 {
 }
 
-OSTSelectionGroup::OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent)
-    : OSTSelectionGroup(std::make_shared<const OSTSelectionGroupDescription>(name, properties), parent)
-{
-}
-
 OSTSelectionGroup::~OSTSelectionGroup() = default;
 
 QList<OSTButton *> OSTSelectionGroup::elements() const

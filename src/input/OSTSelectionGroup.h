@@ -57,8 +57,6 @@ class OSTSelectionGroup final : public QObject, public OSTValidationItem {
 public:
     explicit OSTSelectionGroup(std::shared_ptr<const OSTSelectionGroupDescription> description,
                                QObject *parent = nullptr);
-    // Transitional: the group's properties read into its description.
-    OSTSelectionGroup(const QVariantMap &properties, const QString &name, QObject *parent = nullptr);
     ~OSTSelectionGroup() override;
 
     const QString &name() const { return m_description->key(); }

@@ -19,11 +19,6 @@ OSTSwitch::OSTSwitch(const QRect &frame, const OSTSwitchDescription &description
     customize(description);
 }
 
-OSTSwitch::OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
-    : OSTSwitch(frame, OSTSwitchDescription(name, properties), parent)
-{
-}
-
 QRect OSTSwitch::frameInBox(const QRect &box)
 {
     QRect natural(QPoint(), OSTSwitchControl::naturalSize());

@@ -22,9 +22,6 @@ class OSTSwitch final : public OSTView, public OSTValidationItem {
 
 public:
     OSTSwitch(const QRect &frame, const OSTSwitchDescription &description, QWidget *parent = nullptr);
-    // Transitional: the switch's properties read into its description.
-    OSTSwitch(const QRect &frame, const QVariantMap &properties, const QString &name,
-              QWidget *parent = nullptr);
 
     // The switch's natural size centred in `box`: the geometry it takes for that layout box.
     static QRect frameInBox(const QRect &box);

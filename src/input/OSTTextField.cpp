@@ -149,11 +149,6 @@ OSTTextField::OSTTextField(const QRect &frame, std::shared_ptr<const OSTTextFiel
     replaceText(m_description->initialText());
 }
 
-OSTTextField::OSTTextField(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent)
-    : OSTTextField(frame, std::make_shared<const OSTTextFieldDescription>(name, properties), parent)
-{
-}
-
 OSTTextField::~OSTTextField() = default;
 
 void OSTTextField::applyBehaviour()

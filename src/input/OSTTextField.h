@@ -61,8 +61,6 @@ public:
 
     OSTTextField(const QRect &frame, std::shared_ptr<const OSTTextFieldDescription> description,
                  QWidget *parent = nullptr);
-    // Transitional: the field's properties read into its description.
-    OSTTextField(const QRect &frame, const QVariantMap &properties, const QString &name, QWidget *parent = nullptr);
     ~OSTTextField() override;
 
     const QString &name() const { return m_description->key(); }

@@ -18,12 +18,15 @@
 #include "render/OSTLabel.h"
 #include "render/OSTLayoutManager.h"
 #include "render/OSTView.h"
+#include "screen/OSTButtonDescription.h"
 #include "screen/OSTImageDescription.h"
 #include "screen/OSTLabelDescription.h"
+#include "screen/OSTPickerDescription.h"
+#include "screen/OSTSwitchDescription.h"
+#include "screen/OSTTextFieldDescription.h"
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 
-#include <QJsonDocument>
 #include <QMouseEvent>
 #include <QPropertyAnimation>
 #include <QScrollArea>
@@ -84,16 +87,14 @@ OSTScreenView *OSTScreenView::create(const std::shared_ptr<const OSTScreen> &scr
         OSTLogging::logError(u"The layout of screen %1 cannot be resolved"_s, screen->key());
         return nullptr;
     }
-    // Transitional: the input views and the validation manager still take the decoded maps.
-    const QVariantMap layout = QJsonDocument::fromJson(text.toUtf8()).toVariant().toMap();
-    return new OSTScreenView(screen, layout, std::move(document), std::move(layoutManager), unresolved, parent);
+    return new OSTScreenView(screen, std::move(document), std::move(layoutManager), unresolved, parent);
 }
 
-OSTScreenView::OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, const QVariantMap &layout,
+OSTScreenView::OSTScreenView(const std::shared_ptr<const OSTScreen> &screen,
                              std::shared_ptr<const OSTScreenDocument> document,
                              std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
                              QWidget *parent)
-    : QWidget(parent), m_screen(screen), m_layout(layout), m_document(std::move(document)), m_unresolved(unresolved),
+    : QWidget(parent), m_screen(screen), m_document(std::move(document)), m_unresolved(unresolved),
       m_layoutManager(std::move(layoutManager))
 {
     const QSizeF area = m_layoutManager->baseElement()->frame().size();
@@ -135,11 +136,6 @@ void OSTScreenView::buildPage()
             &OSTScreenView::contentScrolled);
 }
 
-QVariantMap OSTScreenView::inputProperties(const QString &category, const QString &key) const
-{
-    return m_layout.value(category).toMap().value(key).toMap();
-}
-
 void OSTScreenView::prepareGroups()
 {
     m_groupedViewKeys = m_document->groupedKeys();
@@ -161,7 +157,7 @@ void OSTScreenView::loadElements()
             loadSelectionGroups();
         for (const auto &element : m_document->elements(category)) {
             const QString &key = element->key();
-            if (QWidget *view = buildView(*element, geometryForKey(*m_layoutManager, key))) {
+            if (QWidget *view = buildView(element, geometryForKey(*m_layoutManager, key))) {
                 view->setObjectName(key);
                 hideReplacedView(key);
                 m_views.insert(key, view);
@@ -170,26 +166,27 @@ void OSTScreenView::loadElements()
     }
 }
 
-QWidget *OSTScreenView::buildView(const OSTElementDescription &element, const QRect &frame)
+QWidget *OSTScreenView::buildView(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
 {
-    switch (element.kind()) {
+    switch (element->kind()) {
     case OSTElementKind::Image:
-        return buildImage(static_cast<const OSTImageDescription &>(element), frame);
+        return buildImage(static_cast<const OSTImageDescription &>(*element), frame);
     case OSTElementKind::Label:
-        return buildLabel(static_cast<const OSTLabelDescription &>(element), frame);
+        return buildLabel(static_cast<const OSTLabelDescription &>(*element), frame);
     case OSTElementKind::Button:
     case OSTElementKind::PictureButton:
-        return buildButton(element, frame);
+        return buildButton(std::static_pointer_cast<const OSTButtonDescription>(element), frame);
     case OSTElementKind::Switch:
-        return buildSwitch(element.key(), frame);
+        return buildSwitch(static_cast<const OSTSwitchDescription &>(*element), frame);
     case OSTElementKind::TextField:
+        return buildTextField(std::static_pointer_cast<const OSTTextFieldDescription>(element), frame);
     case OSTElementKind::Picker:
-        return buildInput(element, frame);
+        return buildPicker(std::static_pointer_cast<const OSTPickerDescription>(element), frame);
     case OSTElementKind::Shape:
     case OSTElementKind::Group:
         break;
     }
-    return new OSTView(frame, element, m_contentView);
+    return new OSTView(frame, *element, m_contentView);
 }
 
 void OSTScreenView::hideReplacedView(const QString &key)
@@ -217,21 +214,21 @@ QWidget *OSTScreenView::buildLabel(const OSTLabelDescription &label, const QRect
     return view;
 }
 
-QWidget *OSTScreenView::buildSwitch(const QString &key, const QRect &frame)
+QWidget *OSTScreenView::buildSwitch(const OSTSwitchDescription &description, const QRect &frame)
 {
-    auto *toggle = new OSTSwitch(frame, inputProperties(u"buttons"_s, key), key, m_contentView);
+    auto *toggle = new OSTSwitch(frame, description, m_contentView);
     connect(toggle, &OSTSwitch::tapped, this, &OSTScreenView::switchTapped);
-    m_validationItems.insert(key, toggle);
+    m_validationItems.insert(description.key(), toggle);
     return toggle;
 }
 
-QWidget *OSTScreenView::buildButton(const OSTElementDescription &element, const QRect &frame)
+QWidget *OSTScreenView::buildButton(const std::shared_ptr<const OSTButtonDescription> &description,
+                                    const QRect &frame)
 {
-    const QString &key = element.key();
-    const QVariantMap properties = inputProperties(u"buttons"_s, key);
-    OSTButton *button = element.kind() == OSTElementKind::PictureButton
-        ? OSTImagePickerButton::create(frame, properties, key, m_contentView)
-        : OSTButton::create(frame, properties, key, m_contentView);
+    const QString &key = description->key();
+    OSTButton *button = description->kind() == OSTElementKind::PictureButton
+        ? OSTImagePickerButton::create(frame, description, m_contentView)
+        : OSTButton::create(frame, description, m_contentView);
     if (!button) {
         OSTLogging::logWarning(u"Button %1 has no \"states\" object and is left out"_s, key);
         return nullptr;
@@ -250,7 +247,7 @@ void OSTScreenView::loadSelectionGroups()
 {
     for (const auto &description : m_document->selectionGroups()) {
         const QString &key = description->key();
-        auto *group = new OSTSelectionGroup(inputProperties(u"selectionGroups"_s, key), key, this);
+        auto *group = new OSTSelectionGroup(description, this);
         group->setDelegate(this);
         // Member buttons answer to their group, not on their own.
         QList<OSTButton *> members;
@@ -265,23 +262,22 @@ void OSTScreenView::loadSelectionGroups()
     }
 }
 
-QWidget *OSTScreenView::buildInput(const OSTElementDescription &element, const QRect &frame)
+QWidget *OSTScreenView::buildPicker(const std::shared_ptr<const OSTPickerDescription> &description,
+                                    const QRect &frame)
 {
-    const QString &key = element.key();
-    const QVariantMap properties = inputProperties(inputsCategory, key);
-    QWidget *view = nullptr;
-    if (element.kind() == OSTElementKind::Picker) {
-        auto *picker = new OSTPicker(frame, properties, key, m_contentView);
-        if (picker->backgroundView())
-            watchRequiredImages(picker->backgroundView());
-        m_validationItems.insert(key, picker);
-        view = picker;
-    } else {
-        auto *field = new OSTTextField(frame, properties, key, m_contentView);
-        m_validationItems.insert(key, field);
-        view = field;
-    }
-    return view;
+    auto *picker = new OSTPicker(frame, description, m_contentView);
+    if (picker->backgroundView())
+        watchRequiredImages(picker->backgroundView());
+    m_validationItems.insert(description->key(), picker);
+    return picker;
+}
+
+QWidget *OSTScreenView::buildTextField(const std::shared_ptr<const OSTTextFieldDescription> &description,
+                                       const QRect &frame)
+{
+    auto *field = new OSTTextField(frame, description, m_contentView);
+    m_validationItems.insert(description->key(), field);
+    return field;
 }
 
 // The inputs in key order: each returns to the screen and hands on to the next; the last country

@@ -11,7 +11,6 @@
 #include <QSet>
 #include <QSizeF>
 #include <QStringList>
-#include <QVariantMap>
 #include <QWidget>
 
 #include <functional>
@@ -28,9 +27,13 @@ class OSTImageView;
 class OSTInput;
 class OSTLabel;
 class OSTLayoutManager;
+class OSTButtonDescription;
 class OSTElementDescription;
 class OSTImageDescription;
 class OSTLabelDescription;
+class OSTPickerDescription;
+class OSTSwitchDescription;
+class OSTTextFieldDescription;
 class OSTScreen;
 class OSTScreenDocument;
 class OSTScreenViewDelegate;
@@ -81,9 +84,6 @@ public:
     const std::shared_ptr<const OSTScreen> &screen() const { return m_screen; }
     // The screen document the views are built from.
     const std::shared_ptr<const OSTScreenDocument> &document() const { return m_document; }
-    // Transitional: the decoded screen JSON, for the validation manager's registration, which
-    // still takes the maps; goes when it takes the document.
-    const QVariantMap &layout() const { return m_layout; }
     const OSTLayoutManager &layoutManager() const { return *m_layoutManager; }
     // Element key to element view, every category in one map.
     const QMap<QString, QWidget *> &views() const { return m_views; }
@@ -130,8 +130,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, const QVariantMap &layout,
-                  std::shared_ptr<const OSTScreenDocument> document, std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
+    OSTScreenView(const std::shared_ptr<const OSTScreen> &screen, std::shared_ptr<const OSTScreenDocument> document,
+                  std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
                   QWidget *parent);
 
     void buildPage();
@@ -139,20 +139,20 @@ private:
     void prepareGroups();
     // Builds a view for every element, category by category in the vocabulary's build order.
     void loadElements();
-    QWidget *buildView(const OSTElementDescription &element, const QRect &frame);
+    QWidget *buildView(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
     QWidget *buildImage(const OSTImageDescription &image, const QRect &frame);
     QWidget *buildLabel(const OSTLabelDescription &label, const QRect &frame);
-    QWidget *buildButton(const OSTElementDescription &element, const QRect &frame);
-    QWidget *buildSwitch(const QString &key, const QRect &frame);
-    QWidget *buildInput(const OSTElementDescription &element, const QRect &frame);
+    QWidget *buildButton(const std::shared_ptr<const OSTButtonDescription> &description, const QRect &frame);
+    QWidget *buildSwitch(const OSTSwitchDescription &description, const QRect &frame);
+    QWidget *buildPicker(const std::shared_ptr<const OSTPickerDescription> &description, const QRect &frame);
+    QWidget *buildTextField(const std::shared_ptr<const OSTTextFieldDescription> &description,
+                            const QRect &frame);
     void hideReplacedView(const QString &key);
     void loadSelectionGroups();
     void connectInputs();
     void fillContentView();
     void fillGroups();
     void placeInGroup(const QString &key, OSTView &group);
-    // Transitional: the element's object as decoded, for the input views that still take maps.
-    QVariantMap inputProperties(const QString &category, const QString &key) const;
 
     void watchRequiredImages(OSTImageView *imageView);
     void requiredImageFinished();
@@ -174,7 +174,6 @@ private:
     std::shared_ptr<OSTScreenViewDelegate> lockedDelegate() const;
 
     const std::shared_ptr<const OSTScreen> m_screen;
-    const QVariantMap m_layout;
     const std::shared_ptr<const OSTScreenDocument> m_document;
     const UnresolvedLayout m_unresolved;
     std::unique_ptr<OSTLayoutManager> m_layoutManager;

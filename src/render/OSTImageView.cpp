@@ -40,25 +40,10 @@ OSTImageView::OSTImageView(const QRect &frame, const OSTImageDescription &descri
     customize(description);
 }
 
-OSTImageView::OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTImageView(frame, OSTImageDescription(QString(), properties), parent)
-{
-}
-
-QList<QUrl> OSTImageView::candidateURLsWithProperties(const QVariantMap &properties, const QVariantMap &userProperties)
-{
-    return OSTImageSource::fromProperties(properties).candidateURLs(userProperties);
-}
-
 void OSTImageView::customize(const OSTImageDescription &description)
 {
     OSTView::customize(description);
     m_display->setContentMode(description.source().contentMode);
-}
-
-void OSTImageView::customizeWithProperties(const QVariantMap &properties)
-{
-    customize(OSTImageDescription(QString(), properties));
 }
 
 QImage OSTImageView::image() const

@@ -26,13 +26,9 @@ class OSTImageView : public OSTView {
 
 public:
     OSTImageView(const QRect &frame, const OSTImageDescription &description, QWidget *parent = nullptr);
-    // Transitional, for the input views that still hold maps.
-    OSTImageView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
 
     // Restyles the box and how the image fills it; the image and its addresses stay.
     void customize(const OSTImageDescription &description);
-    // Transitional, as above.
-    void customizeWithProperties(const QVariantMap &properties) override;
 
     QImage image() const;
     void setImage(const QImage &image);
@@ -46,9 +42,6 @@ public:
     // The candidate addresses the properties name, in the order they are tried: the address the
     // user property named by "{name}" holds (taken from `userProperties`), the image or its
     // placeholder, the backup.
-    // Transitional: the input tests still ask it; OSTImageSource::candidateURLs answers.
-    static QList<QUrl> candidateURLsWithProperties(const QVariantMap &properties,
-                                                   const QVariantMap &userProperties = {});
 
 signals:
     void requiredImageFinished();

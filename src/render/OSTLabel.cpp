@@ -14,11 +14,6 @@ OSTLabel::OSTLabel(const QRect &frame, const OSTLabelDescription &description, Q
     customize(description);
 }
 
-OSTLabel::OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTLabel(frame, OSTLabelDescription(QString(), properties), parent)
-{
-}
-
 void OSTLabel::customize(const OSTLabelDescription &description)
 {
     OSTView::customize(description);
@@ -27,11 +22,6 @@ void OSTLabel::customize(const OSTLabelDescription &description)
     m_internalLabel->setAlignment(attributes.horizontalAlignment() | Qt::AlignVCenter);
     m_internalLabel->setMinimumScaleFactor(description.minimumScaleFactor());
     setText(description.text());
-}
-
-void OSTLabel::customizeWithProperties(const QVariantMap &properties)
-{
-    customize(OSTLabelDescription(QString(), properties));
 }
 
 QString OSTLabel::text() const

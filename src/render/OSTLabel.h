@@ -17,13 +17,9 @@ class OSTLabel : public OSTView {
 
 public:
     OSTLabel(const QRect &frame, const OSTLabelDescription &description, QWidget *parent = nullptr);
-    // Transitional, for the input views that still hold maps.
-    OSTLabel(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
 
     // Restyles the label and sets its text; the description replaces the whole earlier look.
     void customize(const OSTLabelDescription &description);
-    // Transitional, as above.
-    void customizeWithProperties(const QVariantMap &properties) override;
 
     QString text() const;
     // A null or empty string clears the text.

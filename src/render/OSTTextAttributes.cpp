@@ -24,11 +24,6 @@ constexpr qreal maximumShadowMargin = 100'000;
 
 } // namespace
 
-OSTTextAttributes::OSTTextAttributes(const QVariantMap &properties)
-    : OSTTextAttributes(OSTTextLook::fromProperties(properties))
-{
-}
-
 OSTTextAttributes::OSTTextAttributes(const OSTTextLook &look)
     : m_font(look.font), m_textColor(look.textColor), m_shadow(look.shadow), m_underlined(look.underlined),
       m_lineSpacing(look.lineSpacing), m_alignment(look.alignment)

@@ -28,8 +28,6 @@ namespace ostrel {
 class OSTTextAttributes {
 public:
     OSTTextAttributes() = default;
-    // Transitional, for the input views that still hold maps.
-    explicit OSTTextAttributes(const QVariantMap &properties);
     explicit OSTTextAttributes(const OSTTextLook &look);
 
     const std::optional<QFont> &font() const { return m_font; }

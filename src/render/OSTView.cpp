@@ -12,11 +12,6 @@ OSTView::OSTView(const QRect &frame, const OSTElementDescription &description, Q
 {
 }
 
-OSTView::OSTView(const QRect &frame, const QVariantMap &properties, QWidget *parent)
-    : OSTView(frame, OSTElementDescription(OSTElementKind::Shape, QString(), properties), parent)
-{
-}
-
 OSTView::OSTView(const QRect &frame, const OSTElementDescription &description, Styling styling,
                  QWidget *parent)
     : QWidget(parent),
@@ -29,22 +24,12 @@ OSTView::OSTView(const QRect &frame, const OSTElementDescription &description, S
         customize(description);
 }
 
-OSTView::OSTView(const QRect &frame, const QVariantMap &properties, Styling styling, QWidget *parent)
-    : OSTView(frame, OSTElementDescription(OSTElementKind::Shape, QString(), properties), styling, parent)
-{
-}
-
 void OSTView::customize(const OSTElementDescription &description)
 {
     m_alpha = description.alpha();
     m_container->setLook(description.box());
     m_objectShadow = description.objectShadow();
     applyEffect();
-}
-
-void OSTView::customizeWithProperties(const QVariantMap &properties)
-{
-    customize(OSTElementDescription(OSTElementKind::Shape, QString(), properties));
 }
 
 void OSTView::resizeEvent(QResizeEvent *event)

@@ -3,7 +3,6 @@
 #include "screen/OSTElementDescription.h"
 #include "screen/OSTShadow.h"
 
-#include <QVariantMap>
 #include <QWidget>
 
 #include <optional>
@@ -24,9 +23,6 @@ class OSTBackgroundView;
 // A subclass that may itself be subclassed repeats the pattern with a protected constructor of
 // its own.
 //
-// Transitional: the map-based constructors and customizeWithProperties build the description of
-// the map and take it; they remain only for the input views that still style themselves from maps.
-//
 // Lives on the GUI thread; owned by its parent widget.
 class OSTView : public QWidget {
     Q_OBJECT
@@ -34,13 +30,9 @@ class OSTView : public QWidget {
 public:
     // A plain view, styled from `description` before the constructor returns.
     OSTView(const QRect &frame, const OSTElementDescription &description, QWidget *parent = nullptr);
-    // Transitional (see above).
-    OSTView(const QRect &frame, const QVariantMap &properties, QWidget *parent = nullptr);
 
     // Restyles the view; the description replaces the whole earlier look.
     void customize(const OSTElementDescription &description);
-    // Transitional (see above): the input views that still hold maps override it.
-    virtual void customizeWithProperties(const QVariantMap &properties);
 
     OSTBackgroundView *container() const { return m_container; }
     qreal alpha() const { return m_alpha; }
@@ -54,8 +46,6 @@ protected:
 
     OSTView(const QRect &frame, const OSTElementDescription &description, Styling styling,
             QWidget *parent = nullptr);
-    // Transitional (see above).
-    OSTView(const QRect &frame, const QVariantMap &properties, Styling styling, QWidget *parent = nullptr);
 
     void resizeEvent(QResizeEvent *event) override;
 

@@ -100,12 +100,15 @@ TEST_P(KeptLayerPixels, ViewsShowEveryChangeOfWhatTheirKeptLayersDepictAndMatchD
     EXPECT_EQ(pixelAt(left, {35, 20}).alpha(), 0);
 
     // A rounded, bordered box with a member: the border follows a change of colour.
-    OSTView group(QRect(0, 0, 60, 60), jsonObject(R"({"cornerRadius": "12", "borderSize": "3", "borderColor": "#FF0000"})"));
-    auto *member = new OSTView(QRect(0, 0, 60, 60), jsonObject(R"({"backgroundColor": "#0000FF"})"), group.container());
+    const auto shape = [](const char *json) {
+        return OSTElementDescription(OSTElementKind::Shape, QString(), jsonObject(json));
+    };
+    OSTView group(QRect(0, 0, 60, 60), shape(R"({"cornerRadius": "12", "borderSize": "3", "borderColor": "#FF0000"})"));
+    auto *member = new OSTView(QRect(0, 0, 60, 60), shape(R"({"backgroundColor": "#0000FF"})"), group.container());
     member->show();
     EXPECT_TRUE(colorNear(pixelAt(capture(group, ratio), {30, 1}), QColor(Qt::red)));
     EXPECT_EQ(pixelAt(capture(group, ratio), {0.5, 0.5}).alpha(), 0) << "the member is cut round";
-    group.customizeWithProperties(jsonObject(R"({"cornerRadius": "12", "borderSize": "3", "borderColor": "#00FF00"})"));
+    group.customize(shape(R"({"cornerRadius": "12", "borderSize": "3", "borderColor": "#00FF00"})"));
     EXPECT_TRUE(colorNear(pixelAt(capture(group, ratio), {30, 1}), QColor(Qt::green)));
     EXPECT_TRUE(colorNear(pixelAt(capture(group, ratio), {30, 30}), QColor(Qt::blue)));
 
