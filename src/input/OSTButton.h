@@ -5,7 +5,6 @@
 #include "screen/OSTButtonDescription.h"
 
 #include <QAbstractButton>
-#include <QVariantMap>
 
 #include <memory>
 #include <optional>

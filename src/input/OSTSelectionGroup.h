@@ -8,7 +8,6 @@
 #include <QPointer>
 #include <QStringList>
 #include <QVariantList>
-#include <QVariantMap>
 
 #include <memory>
 

@@ -11,7 +11,6 @@
 #include <QLineEdit>
 #include <QPalette>
 #include <QMargins>
-#include <QVariantMap>
 
 #include <functional>
 #include <memory>

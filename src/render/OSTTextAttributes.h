@@ -9,7 +9,6 @@
 #include <QFont>
 #include <QRectF>
 #include <QString>
-#include <QVariantMap>
 
 #include <memory>
 #include <optional>
