@@ -7,7 +7,7 @@
 // resolution.
 
 #include "OSTBenchmarkRunner.h"
-#include "render/OSTView.h"
+#include "widgets/OSTView.h"
 
 #include <QApplication>
 #include <QImage>

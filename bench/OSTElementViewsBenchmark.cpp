@@ -5,10 +5,10 @@
 // the images to their views.
 
 #include "OSTWidgetBenchmarkMain.h"
-#include "input/OSTButton.h"
-#include "input/OSTSwitch.h"
-#include "render/OSTImageView.h"
-#include "render/OSTLabel.h"
+#include "widgets/OSTButton.h"
+#include "widgets/OSTSwitch.h"
+#include "widgets/OSTImageView.h"
+#include "widgets/OSTLabel.h"
 #include "screen/OSTButtonDescription.h"
 #include "screen/OSTSwitchDescription.h"
 

@@ -16,7 +16,7 @@
 //   cmake --preset release && cmake --build --preset release --target
 //   ostrel-bench-OSTLayoutBenchmark build/release/bench/ostrel-bench-OSTLayoutBenchmark
 
-#include "render/OSTLayoutManager.h"
+#include "layout/OSTLayoutManager.h"
 #include "screen/OSTScreenDocument.h"
 
 #include <QRectF>

@@ -10,8 +10,8 @@
 
 #include "OSTWidgetBenchmarkMain.h"
 #include "experience/OSTScreen.h"
-#include "presentation/OSTScreenView.h"
-#include "render/OSTPaintedLayerCache.h"
+#include "widgets/OSTScreenView.h"
+#include "widgets/OSTPaintedLayerCache.h"
 
 #include <QImage>
 

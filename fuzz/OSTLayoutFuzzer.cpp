@@ -11,7 +11,7 @@
 #include "OSTLayoutReferenceResolution.h"
 
 #include "core/OSTLogging.h"
-#include "render/OSTLayoutManager.h"
+#include "layout/OSTLayoutManager.h"
 #include "screen/OSTScreenDocument.h"
 
 #include <QGuiApplication>

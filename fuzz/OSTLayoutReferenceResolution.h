@@ -10,11 +10,11 @@
 // It ends where the engine does: after a pass that changed no string. The fuzz target compares
 // the two on arbitrary screens; one seeded test of the render suite compares them on generated ones.
 
-#include "render/OSTLayoutElement.h"
-#include "render/OSTLayoutExpression.h"
-#include "render/OSTLayoutManager.h"
-#include "render/OSTLayoutResolver.h"
-#include "render/OSTLayoutNumbers.h"
+#include "layout/OSTLayoutElement.h"
+#include "layout/OSTLayoutExpression.h"
+#include "layout/OSTLayoutManager.h"
+#include "layout/OSTLayoutResolver.h"
+#include "layout/OSTLayoutNumbers.h"
 
 #include <QHash>
 #include <QString>

@@ -13,7 +13,7 @@
 //   is the code, a blank and that format; its raw form is clean.
 
 #include "core/OSTLogging.h"
-#include "input/OSTPhoneNumberFormatter.h"
+#include "model/OSTPhoneNumberFormatter.h"
 
 #include <QCoreApplication>
 #include <QList>

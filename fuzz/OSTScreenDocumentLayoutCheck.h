@@ -5,7 +5,7 @@
 // The screen-view fuzzer checks it on arbitrary screens; the screen tests on the sample screens
 // and on groups that list missing, later or themselves.
 
-#include "render/OSTLayoutManager.h"
+#include "layout/OSTLayoutManager.h"
 #include "screen/OSTScreenDocument.h"
 
 #include <QString>

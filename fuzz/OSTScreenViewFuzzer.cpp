@@ -14,8 +14,8 @@
 #include "experience/OSTScreen.h"
 #include "platform/OSTClock.h"
 #include "platform/OSTManualClock.h"
-#include "presentation/OSTScreenView.h"
-#include "render/OSTLayoutManager.h"
+#include "widgets/OSTScreenView.h"
+#include "layout/OSTLayoutManager.h"
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 

@@ -6,8 +6,8 @@
 #include "experience/OSTAction.h"
 #include "experience/OSTFlow.h"
 #include "experience/OSTScreen.h"
-#include "input/OSTValidationGroupModel.h"
-#include "input/OSTValidationManager.h"
+#include "model/OSTValidationGroupModel.h"
+#include "model/OSTValidationManager.h"
 #include "model/OSTScreenModelDelegate.h"
 #include "model/OSTScreenModelView.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "events/OSTStatisticalEvent.h"
-#include "input/OSTValidationGroup.h"
+#include "model/OSTValidationGroup.h"
 #include "platform/OSTClock.h"
 
 #include <ostrel/OSTValidationResult.h>

@@ -3,8 +3,8 @@
 // The presentation model's views, scripted: no widgets, every call recorded.
 
 #include "experience/OSTScreen.h"
-#include "input/OSTValidationItem.h"
-#include "input/OSTValidationItemModel.h"
+#include "model/OSTValidationItem.h"
+#include "model/OSTValidationItemModel.h"
 #include "model/OSTExperienceView.h"
 #include "model/OSTScreenModel.h"
 #include "model/OSTScreenModelView.h"

@@ -6,7 +6,7 @@
 #include "OSTModelTestSupport.h"
 
 #include "experience/OSTAction.h"
-#include "input/OSTValidationManager.h"
+#include "model/OSTValidationManager.h"
 #include "experience/OSTExperienceManager.h"
 #include "model/OSTScreenEnvironment.h"
 #include "model/OSTScreenModelDelegate.h"

@@ -370,7 +370,7 @@ TEST(ScreenDocument, TheLayoutEngineTakesTheLayoutTableOnSamplesAndTangledGroups
                        "c": {"elements": "member"}, "member": {"elements": ["same"]}}})"_s,
         uR"({"shapes": {"x": {"width": 5, "zLayer": 1e19}}, "images": {"x": {"height": "7"}}, "groups": {"g": []}})"_s,
     };
-    const QDir samples(QStringLiteral(QT_TESTCASE_SOURCEDIR "/presentation/samples"));
+    const QDir samples(QStringLiteral(QT_TESTCASE_SOURCEDIR "/widgets/samples"));
     for (const QString &name : samples.entryList({u"*.json"_s}, QDir::Files)) {
         QFile file(samples.filePath(name));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));

@@ -5,10 +5,10 @@
 
 #include "experience/OSTExperienceManager.h"
 #include "experience/OSTScreen.h"
-#include "input/OSTButton.h"
+#include "widgets/OSTButton.h"
 #include "platform/OSTBundle.h"
-#include "presentation/OSTScreenView.h"
-#include "render/OSTImageView.h"
+#include "widgets/OSTScreenView.h"
+#include "widgets/OSTImageView.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>

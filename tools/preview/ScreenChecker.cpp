@@ -2,8 +2,8 @@
 
 #include "JsonLocator.h"
 
-#include "render/OSTLayoutManager.h"
-#include "render/OSTLayoutPatterns.h"
+#include "layout/OSTLayoutManager.h"
+#include "layout/OSTLayoutPatterns.h"
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 

@@ -1,0 +1,234 @@
+#include "widgets/OSTButton.h"
+
+#include "experience/OSTAction.h"
+#include "model/OSTValidationItemModel.h"
+#include "widgets/OSTBackgroundView.h"
+#include "widgets/OSTImageView.h"
+#include "widgets/OSTViewEffect.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QTextDocument>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+OSTButton::StateLook lookOf(const OSTButtonDescription::StateLook &state)
+{
+    return {state.title, OSTTextAttributes(state.textLook)};
+}
+
+} // namespace
+
+OSTButton *OSTButton::create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
+                             QWidget *parent)
+{
+    if (!description || !description->states())
+        return nullptr;
+    return new OSTButton(frame, std::move(description), parent);
+}
+
+OSTButton::OSTButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description, QWidget *parent)
+    : QAbstractButton(parent), m_description(std::move(description)), m_titleLayer(new QWidget(this))
+{
+    setGeometry(frame);
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_NoSystemBackground);
+    const OSTButtonDescription::States &states = *m_description->states();
+    m_normalLook = lookOf(states.normal);
+    m_normalBackground = addBackground(*states.normal.background);
+    if (states.pressed) {
+        m_pressedLook = lookOf(*states.pressed);
+        m_highlightedBackground = addBackground(*states.pressed->background);
+    }
+    if (states.disabled) {
+        m_disabledLook = lookOf(*states.disabled);
+        m_disabledBackground = addBackground(*states.disabled->background);
+    }
+    OSTViewEffect::applyTo(*this, m_normalBackground->container(), m_description->buttonAlpha(),
+                           m_description->buttonShadow());
+    // The state backgrounds are child widgets, which paint over their parent; the title and the
+    // focus frame go on a transparent layer above them so that an opaque background cannot hide them.
+    m_titleLayer->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_titleLayer->setGeometry(rect());
+    m_titleLayer->installEventFilter(this);
+    m_titleLayer->raise();
+
+    // The title doubles as the accessible name; "&" would otherwise make a keyboard shortcut.
+    setText(QString(m_normalLook.title).replace(u"&"_s, u"&&"_s));
+    if (m_normalLook.title.isEmpty())
+        setAccessibleName(name());
+    setCheckable(isToggle());
+
+    connect(this, &QAbstractButton::pressed, this, &OSTButton::updateBackgrounds);
+    connect(this, &QAbstractButton::released, this, &OSTButton::updateBackgrounds);
+    connect(this, &QAbstractButton::toggled, this, &OSTButton::updateBackgrounds);
+    connect(this, &QAbstractButton::clicked, this, &OSTButton::handleClick);
+    updateBackgrounds();
+}
+
+OSTButton::~OSTButton() = default;
+
+OSTImageView *OSTButton::addBackground(const OSTImageDescription &background)
+{
+    // The description's backgrounds have no shadow: the button casts it, as a background's own
+    // would be clipped to the button.
+    auto *view = new OSTImageView(rect(), background, this);
+    view->lower();
+    return view;
+}
+
+bool OSTButton::showsPressed() const
+{
+    return (isDown() || isChecked()) && m_highlightedBackground;
+}
+
+void OSTButton::updateBackgrounds()
+{
+    const bool disabled = !isEnabled();
+    const bool pressed = showsPressed();
+    if (m_normalBackground)
+        m_normalBackground->setVisible(!pressed && !(m_disabledBackground && disabled));
+    if (m_highlightedBackground)
+        m_highlightedBackground->setVisible(!disabled && pressed);
+    if (m_disabledBackground)
+        m_disabledBackground->setVisible(disabled);
+    update();
+}
+
+const OSTButton::StateLook &OSTButton::currentLook() const
+{
+    if (!isEnabled() && m_disabledLook)
+        return *m_disabledLook;
+    if ((isDown() || isChecked()) && m_pressedLook)
+        return *m_pressedLook;
+    return m_normalLook;
+}
+
+QString OSTButton::currentTitle() const
+{
+    return currentLook().title;
+}
+
+void OSTButton::paintEvent(QPaintEvent *)
+{
+    // Everything the button draws itself lies on the title layer (see the constructor).
+}
+
+bool OSTButton::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_titleLayer || event->type() != QEvent::Paint)
+        return QAbstractButton::eventFilter(watched, event);
+    paintTitleLayer();
+    return true;
+}
+
+void OSTButton::paintTitleLayer()
+{
+    const StateLook &look = currentLook();
+    QPainter painter(m_titleLayer);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!look.title.isEmpty())
+        look.attributes.paint(painter, titleDocument(), QRectF(rect()));
+    if (hasFocus()) {
+        // The frame follows the shown background's corners, one pixel in, so it stays inside
+        // a rounded button instead of squaring off its corners.
+        const qreal radius = std::max<qreal>(0, shownBackgroundCornerRadius() - 1);
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius, radius);
+    }
+}
+
+qreal OSTButton::shownBackgroundCornerRadius() const
+{
+    for (const OSTImageView *background : {m_disabledBackground, m_highlightedBackground, m_normalBackground}) {
+        if (background && background->isVisibleTo(this))
+            return background->container()->cornerRadius();
+    }
+    return 0;
+}
+
+QTextDocument &OSTButton::titleDocument()
+{
+    const StateLook &look = currentLook();
+    if (!m_titleDocument || m_titleDocumentLook != &look || m_titleDocumentWidth != width()) {
+        m_titleDocument = look.attributes.layOut(look.title, width(), font());
+        m_titleDocumentLook = &look;
+        m_titleDocumentWidth = width();
+    }
+    return *m_titleDocument;
+}
+
+void OSTButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        click();
+        return;
+    }
+    QAbstractButton::keyPressEvent(event);
+}
+
+void OSTButton::changeEvent(QEvent *event)
+{
+    QAbstractButton::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange) {
+        // Qt drops the clicks on a disabled widget; a disabled button lets them through to the
+        // screen beneath, which counts them as taps and shows why the button is off.
+        setAttribute(Qt::WA_TransparentForMouseEvents, !isEnabled());
+        updateBackgrounds();
+    }
+    else if (event->type() == QEvent::FontChange)
+        m_titleDocument.reset();
+}
+
+void OSTButton::resizeEvent(QResizeEvent *event)
+{
+    QAbstractButton::resizeEvent(event);
+    for (OSTImageView *background : {m_normalBackground, m_highlightedBackground, m_disabledBackground})
+        if (background)
+            background->setGeometry(rect());
+    m_titleLayer->setGeometry(rect());
+}
+
+void OSTButton::handleClick()
+{
+    if (isToggle()) {
+        updateToggleValidity();
+        if (const auto itemModel = model())
+            itemModel->valueChanged();
+    }
+    emit tapped(this);
+}
+
+void OSTButton::updateToggleValidity()
+{
+    if (const auto itemModel = model())
+        itemModel->setValid(itemModel->isOptional() || isChecked());
+}
+
+void OSTButton::modelDidChange()
+{
+    if (isToggle())
+        updateToggleValidity();
+}
+
+QVariant OSTButton::value() const
+{
+    return isToggle() ? QVariant(isChecked()) : QVariant();
+}
+
+void OSTButton::setValue(const QVariant &value)
+{
+    if (!value.canConvert<bool>() || !value.isValid())
+        return;
+    setChecked(value.toBool());
+    if (const auto itemModel = model())
+        itemModel->valueChanged();
+}
+
+} // namespace ostrel

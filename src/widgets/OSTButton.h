@@ -1,0 +1,104 @@
+#pragma once
+
+#include "model/OSTValidationItem.h"
+#include "widgets/OSTTextAttributes.h"
+#include "screen/OSTButtonDescription.h"
+
+#include <QAbstractButton>
+
+#include <memory>
+#include <optional>
+
+class QTextDocument;
+
+namespace ostrel {
+
+class OSTAction;
+class OSTImageView;
+
+// The "buttons" element: a button with a title and a background image per state, its opacity,
+// drop shadow and action, all from its description (OSTButtonDescription). A toggle takes part in
+// validation: a required toggle is valid while selected, an optional one always.
+//
+// A press shows the pressed state; a toggle stays selected (pressed) until pressed again. Space,
+// Enter and Return press it from the keyboard; assistive technology reads its title (its element
+// key when it has none).
+//
+// Lives on the GUI thread; owned by its parent widget.
+class OSTButton : public QAbstractButton, public OSTValidationItem {
+    Q_OBJECT
+
+public:
+    // The button the description describes, or null without a description or states.
+    static OSTButton *create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
+                             QWidget *parent = nullptr);
+    ~OSTButton() override;
+
+    const QString &name() const { return m_description->key(); }
+    // The action of "onClick"; null when the button has none.
+    const std::shared_ptr<const OSTAction> &action() const { return m_description->action(); }
+    bool isToggle() const { return m_description->isToggle(); }
+
+    OSTImageView *normalBackground() const { return m_normalBackground; }
+    OSTImageView *highlightedBackground() const { return m_highlightedBackground; }
+    OSTImageView *disabledBackground() const { return m_disabledBackground; }
+    // The title shown in the current state.
+    QString currentTitle() const;
+
+    struct StateLook {
+        QString title;
+        OSTTextAttributes attributes;
+    };
+    // Each state's title and text look; pressed and disabled are absent when the states are.
+    const StateLook &normalLook() const { return m_normalLook; }
+    const std::optional<StateLook> &pressedLook() const { return m_pressedLook; }
+    const std::optional<StateLook> &disabledLook() const { return m_disabledLook; }
+
+    // A toggle's value is whether it is selected; a plain button has none.
+    QVariant value() const override;
+    void setValue(const QVariant &value) override;
+    bool shouldShowErrorMessage() const override { return true; }
+
+signals:
+    // Released inside the button (or pressed from the keyboard), after a toggle changed.
+    void tapped(ostrel::OSTButton *button);
+
+protected:
+    // `description` has states.
+    OSTButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description, QWidget *parent);
+
+    // Shows the background of the current state; subclasses that show their own picture override it.
+    virtual void updateBackgrounds();
+    void modelDidChange() override;
+    void paintEvent(QPaintEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    OSTImageView *addBackground(const OSTImageDescription &background);
+    qreal shownBackgroundCornerRadius() const;
+    // The current state's title laid out at the current width; laid out again only when the
+    // state, the width or the font changed.
+    QTextDocument &titleDocument();
+    const StateLook &currentLook() const;
+    bool showsPressed() const;
+    void updateToggleValidity();
+    void handleClick();
+    void paintTitleLayer();
+
+    const std::shared_ptr<const OSTButtonDescription> m_description;
+    StateLook m_normalLook;
+    std::optional<StateLook> m_pressedLook;
+    std::optional<StateLook> m_disabledLook;
+    QWidget *const m_titleLayer; // child, above the backgrounds
+    OSTImageView *m_normalBackground = nullptr;      // children; null when the state is absent
+    OSTImageView *m_highlightedBackground = nullptr;
+    OSTImageView *m_disabledBackground = nullptr;
+    std::unique_ptr<QTextDocument> m_titleDocument;
+    const StateLook *m_titleDocumentLook = nullptr;
+    int m_titleDocumentWidth = -1;
+};
+
+} // namespace ostrel
