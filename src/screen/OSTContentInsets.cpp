@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace ostrel {
 
 namespace {
@@ -19,9 +21,9 @@ int insetOf(const QVariant &number)
 
 } // namespace
 
-std::optional<QMargins> ost_contentInsetsForKey(const QVariantMap &properties, const QString &key)
+std::optional<QMargins> ost_contentInsetsOf(const QVariantMap &properties)
 {
-    const std::optional<QVariantList> list = ost_arrayForKey(properties, key);
+    const std::optional<QVariantList> list = ost_arrayForKey(properties, u"contentInsets"_s);
     if (!list || list->size() != 4 || !std::all_of(list->begin(), list->end(), ost_isNumber))
         return std::nullopt;
     return QMargins(insetOf(list->at(1)), insetOf(list->at(0)), insetOf(list->at(3)), insetOf(list->at(2)));

@@ -1,6 +1,7 @@
 #include "screen/OSTValidationSettings.h"
 
 #include "core/OSTDictionaryHelpers.h"
+#include "screen/OSTElementKeys.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,10 +16,10 @@ bool booleanProperty(const QVariantMap &properties, const QString &key)
 
 OSTValidationSettings::ValueVisibility valueVisibilityOf(const QVariantMap &properties)
 {
-    const QString textType = ost_stringForKey(properties, u"textType"_s).value_or(QString());
+    const QString textType = OSTElementKeys::textType(properties).value_or(QString());
     if (textType == u"phoneNumberPin"_s)
         return OSTValidationSettings::ValueVisibility::Transient;
-    if (textType == u"password"_s || booleanProperty(properties, u"secureTextEntry"_s))
+    if (textType == u"password"_s || OSTElementKeys::secureTextEntry(properties, OSTElementKeys::FlagSpelling::String))
         return OSTValidationSettings::ValueVisibility::Secret;
     if (textType == u"phoneNumberValidated"_s)
         return OSTValidationSettings::ValueVisibility::PhoneNumberToVerify;
