@@ -2,6 +2,7 @@
 
 #include "core/OSTDictionaryHelpers.h"
 #include "screen/OSTElementKeys.h"
+#include "screen/OSTScreenVocabulary.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,7 +21,7 @@ OSTElementKind kindOf(const QVariantMap &properties)
 OSTButtonDescription::StateLook stateLook(const QString &key, QVariantMap state, const QVariantMap &normal)
 {
     const auto background = std::make_shared<const OSTImageDescription>(key, ost_propertiesWithoutObjectShadow(state));
-    const QString &alignmentKey = OSTElementKeys::alignmentKey;
+    const QString &alignmentKey = OSTScreenVocabulary::alignmentKey;
     state.remove(alignmentKey);
     if (normal.contains(alignmentKey))
         state.insert(alignmentKey, normal.value(alignmentKey));

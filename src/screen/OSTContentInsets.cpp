@@ -1,11 +1,10 @@
 #include "screen/OSTContentInsets.h"
 
 #include "core/OSTDictionaryHelpers.h"
+#include "screen/OSTScreenVocabulary.h"
 
 #include <algorithm>
 #include <limits>
-
-using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
@@ -23,7 +22,7 @@ int insetOf(const QVariant &number)
 
 std::optional<QMargins> ost_contentInsetsOf(const QVariantMap &properties)
 {
-    const std::optional<QVariantList> list = ost_arrayForKey(properties, u"contentInsets"_s);
+    const std::optional<QVariantList> list = ost_arrayForKey(properties, OSTScreenVocabulary::contentInsetsKey);
     if (!list || list->size() != 4 || !std::all_of(list->begin(), list->end(), ost_isNumber))
         return std::nullopt;
     return QMargins(insetOf(list->at(1)), insetOf(list->at(0)), insetOf(list->at(3)), insetOf(list->at(2)));

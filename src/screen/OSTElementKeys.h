@@ -2,6 +2,8 @@
 
 #include "screen/OSTToolbarSettings.h"
 
+#include <ostrel/OSTPropertyConversions.h>
+
 #include <QString>
 #include <QVariantMap>
 
@@ -40,14 +42,12 @@ public:
     static std::optional<OSTToolbarSettings> toolbar(const QVariantMap &properties);
     // "inputOrder": the input's position in the Return chain; 0 without a number.
     static int inputOrder(const QVariantMap &properties);
-    // "textType": the word choosing a text field's kind; nothing for plain text.
-    static std::optional<QString> textType(const QVariantMap &properties);
+    // "textType": the text field's kind; plain without a known word.
+    static OSTTextFieldType textType(const QVariantMap &properties);
     // "secureTextEntry": whether the text is hidden; false otherwise.
     static bool secureTextEntry(const QVariantMap &properties, FlagSpelling spelling);
     // "alignment" of a text look: the word as written; nothing without a string.
     static std::optional<QString> alignment(const QVariantMap &properties);
-    // The key name of "alignment", for a look that takes the alignment of another.
-    static const QString alignmentKey;
 };
 
 } // namespace ostrel

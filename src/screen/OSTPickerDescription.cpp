@@ -1,10 +1,7 @@
 #include "screen/OSTPickerDescription.h"
 
-#include "core/OSTDictionaryHelpers.h"
 #include "screen/OSTContentInsets.h"
 #include "screen/OSTElementKeys.h"
-
-using namespace Qt::StringLiterals;
 
 namespace ostrel {
 

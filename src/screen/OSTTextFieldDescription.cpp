@@ -56,7 +56,7 @@ OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVari
       m_normalLook(stateLook(properties)),
       m_invalidLook(stateLook(invalidStateProperties(properties))),
       m_fieldAlpha(OSTElementKeys::alpha(properties, OSTElementKeys::NumberSpelling::NumberOrNumericString)),
-      m_textType(OSTTextFieldTypeFromString(OSTElementKeys::textType(properties))),
+      m_textType(OSTElementKeys::textType(properties)),
       m_secureTextEntry(OSTElementKeys::secureTextEntry(properties, OSTElementKeys::FlagSpelling::StringOrBoolean)),
       m_alignmentWord(alignmentWordOf(properties)),
       m_contentHorizontalAlignment(contentHorizontalAlignmentOf(properties)),
