@@ -34,11 +34,13 @@ void readBorder(OSTBoxLook &look, const QVariantMap &properties)
 
 void readCorners(OSTBoxLook &look, const QVariantMap &properties)
 {
-    if (ost_stringForKey(properties, u"cornerRadius"_s) == u"circle"_s) {
+    const QString key = u"cornerRadius"_s;
+    const std::optional<QString> radius = ost_stringForKey(properties, key);
+    if (radius == u"circle"_s) {
         look.cornerStyle = OSTBoxLook::CornerStyle::Circle;
         return;
     }
-    look.cornerRadius = ost_stringNumberForKey(properties, u"cornerRadius"_s).value_or(0);
+    look.cornerRadius = ost_stringNumber(key, radius).value_or(0);
 }
 
 void readFill(OSTBoxLook &look, const QVariantMap &properties)

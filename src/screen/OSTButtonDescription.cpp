@@ -1,9 +1,8 @@
 #include "screen/OSTButtonDescription.h"
 
 #include "core/OSTDictionaryHelpers.h"
-#include "experience/OSTAction.h"
-
-#include <algorithm>
+#include "screen/OSTElementKeys.h"
+#include "screen/OSTScreenVocabulary.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,8 +12,8 @@ namespace {
 
 OSTElementKind kindOf(const QVariantMap &properties)
 {
-    return ost_stringForKey(properties, u"buttonType"_s) == u"imageUpload"_s ? OSTElementKind::PictureButton
-                                                                            : OSTElementKind::Button;
+    return OSTElementKeys::buttonType(properties) == u"imageUpload"_s ? OSTElementKind::PictureButton
+                                                                       : OSTElementKind::Button;
 }
 
 // A state's title, text look and background; the alignment is always the normal state's, as the
@@ -22,11 +21,11 @@ OSTElementKind kindOf(const QVariantMap &properties)
 OSTButtonDescription::StateLook stateLook(const QString &key, QVariantMap state, const QVariantMap &normal)
 {
     const auto background = std::make_shared<const OSTImageDescription>(key, ost_propertiesWithoutObjectShadow(state));
-    const QString alignmentKey = u"alignment"_s;
+    const QString &alignmentKey = OSTScreenVocabulary::alignmentKey;
     state.remove(alignmentKey);
     if (normal.contains(alignmentKey))
         state.insert(alignmentKey, normal.value(alignmentKey));
-    return {ost_stringForKey(state, u"text"_s).value_or(QString()), OSTTextLook::fromProperties(state), background};
+    return {OSTElementKeys::text(state), OSTTextLook::fromProperties(state), background};
 }
 
 std::optional<OSTButtonDescription::StateLook> laidOverNormal(const QString &key, const QVariantMap &states,
@@ -42,8 +41,8 @@ std::optional<OSTButtonDescription::StateLook> laidOverNormal(const QString &key
 
 OSTButtonDescription::OSTButtonDescription(const QString &key, const QVariantMap &properties)
     : OSTElementDescription(kindOf(properties), key, properties),
-      m_buttonAlpha(std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0)),
-      m_toggle(ost_stringForKey(properties, u"buttonType"_s) == u"toggle"_s)
+      m_buttonAlpha(OSTElementKeys::alpha(properties, OSTElementKeys::NumberSpelling::NumberOrNumericString)),
+      m_toggle(OSTElementKeys::buttonType(properties) == u"toggle"_s)
 {
     if (const auto states = ost_dictionaryForKey(properties, u"states"_s)) {
         const QVariantMap normal =
@@ -52,13 +51,12 @@ OSTButtonDescription::OSTButtonDescription(const QString &key, const QVariantMap
                           laidOverNormal(key, *states, u"disabled"_s, normal)};
         m_buttonShadow = ost_objectShadowWithProperties(normal);
     }
-    if (const auto onClick = ost_dictionaryForKey(properties, u"onClick"_s))
-        m_action = std::make_shared<const OSTAction>(*onClick);
+    m_action = OSTElementKeys::onClick(properties);
     if (const auto selector = ost_dictionaryForKey(properties, u"imageSelector"_s)) {
         m_imageSelector = ImageSelector{ost_stringForKey(*selector, u"photosText"_s).value_or(u"Photos"_s),
                                         ost_stringForKey(*selector, u"cancelText"_s).value_or(u"Cancel"_s)};
     }
-    if (ost_stringForKey(properties, u"buttonType"_s))
+    if (OSTElementKeys::buttonType(properties))
         m_validation = OSTValidationSettings::fromProperties(key, properties);
 }
 

@@ -1,6 +1,7 @@
 #include "screen/OSTContentInsets.h"
 
 #include "core/OSTDictionaryHelpers.h"
+#include "screen/OSTScreenVocabulary.h"
 
 #include <algorithm>
 #include <limits>
@@ -19,9 +20,9 @@ int insetOf(const QVariant &number)
 
 } // namespace
 
-std::optional<QMargins> ost_contentInsetsForKey(const QVariantMap &properties, const QString &key)
+std::optional<QMargins> ost_contentInsetsOf(const QVariantMap &properties)
 {
-    const std::optional<QVariantList> list = ost_arrayForKey(properties, key);
+    const std::optional<QVariantList> list = ost_arrayForKey(properties, OSTScreenVocabulary::contentInsetsKey);
     if (!list || list->size() != 4 || !std::all_of(list->begin(), list->end(), ost_isNumber))
         return std::nullopt;
     return QMargins(insetOf(list->at(1)), insetOf(list->at(0)), insetOf(list->at(3)), insetOf(list->at(2)));

@@ -7,9 +7,9 @@
 
 namespace ostrel {
 
-// The insets under `key` when it holds a list of exactly four numbers (top, left, bottom,
+// The insets under "contentInsets" when it holds a list of exactly four numbers (top, left, bottom,
 // right, each taken as an integer); nothing otherwise. Text fields and pickers inset their text
 // by them.
-std::optional<QMargins> ost_contentInsetsForKey(const QVariantMap &properties, const QString &key);
+std::optional<QMargins> ost_contentInsetsOf(const QVariantMap &properties);
 
 } // namespace ostrel

@@ -1,9 +1,7 @@
 #include "screen/OSTElementDescription.h"
 
 #include "core/OSTDictionaryHelpers.h"
-#include "screen/OSTPropertyValues.h"
-
-#include <algorithm>
+#include "screen/OSTElementKeys.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,7 +11,7 @@ OSTElementDescription::OSTElementDescription(OSTElementKind kind, const QString 
     : m_kind(kind),
       m_key(key),
       m_frame(OSTElementFrame::fromProperties(properties)),
-      m_alpha(std::clamp(ost_stringNumberForKey(properties, u"alpha"_s).value_or(1.0), 0.0, 1.0)),
+      m_alpha(OSTElementKeys::alpha(properties, OSTElementKeys::NumberSpelling::NumericString)),
       m_box(OSTBoxLook::fromProperties(properties)),
       m_objectShadow(ost_objectShadowWithProperties(properties)),
       m_accessibilityLabel(ost_stringForKey(properties, u"accessibilityLabel"_s))

@@ -134,9 +134,8 @@ std::optional<QFont> OSTFontResolver::fontWithProperties(const QVariantMap &prop
         return std::nullopt;
     }
     const int pixelSize = int(std::lround(std::min<double>(*size, maximumPixelSize)));
-    const std::optional<QString> name = properties.value(u"font"_s).typeId() == QMetaType::QString
-        ? std::optional(properties.value(u"font"_s).toString())
-        : std::nullopt;
+    const QVariant font = properties.value(u"font"_s);
+    const std::optional<QString> name = font.typeId() == QMetaType::QString ? std::optional(font.toString()) : std::nullopt;
     if (!name)
         return systemFont(std::max(pixelSize, 1));
     return fontNamed(*name, std::max(pixelSize, 1));

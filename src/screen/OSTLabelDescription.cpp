@@ -1,6 +1,6 @@
 #include "screen/OSTLabelDescription.h"
 
-#include "core/OSTDictionaryHelpers.h"
+#include "screen/OSTElementKeys.h"
 #include "screen/OSTPropertyValues.h"
 
 using namespace Qt::StringLiterals;
@@ -9,7 +9,7 @@ namespace ostrel {
 
 OSTLabelDescription::OSTLabelDescription(const QString &key, const QVariantMap &properties)
     : OSTElementDescription(OSTElementKind::Label, key, properties),
-      m_text(ost_stringForKey(properties, u"text"_s).value_or(QString())),
+      m_text(OSTElementKeys::text(properties)),
       m_textLook(OSTTextLook::fromProperties(properties)),
       m_minimumScaleFactor(ost_stringNumberForKey(properties, u"minimumScaleFactor"_s).value_or(0))
 {

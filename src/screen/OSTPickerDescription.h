@@ -18,7 +18,7 @@ namespace ostrel {
 //   the box         an image (OSTImageDescription) of the picker's properties without the drop
 //                   shadow, which the picker casts itself ("objectShadow")
 //   "text"          the label showing the choice (OSTLabelDescription)
-//   "contentInsets" four numbers (ost_contentInsetsForKey); the picker's default otherwise
+//   "contentInsets" four numbers (ost_contentInsetsOf); the picker's default otherwise
 //   "toolbar"       the wheel's bar; "inputOrder" the position in the Return chain
 //   "picker"        the wheel (OSTPickerWheel)
 //
@@ -40,7 +40,7 @@ private:
     const std::shared_ptr<const OSTImageDescription> m_background;
     const std::shared_ptr<const OSTLabelDescription> m_text;
     const std::optional<QMargins> m_contentInsets;
-    std::optional<OSTToolbarSettings> m_toolbar;
+    const std::optional<OSTToolbarSettings> m_toolbar;
     const int m_inputOrder;
     const OSTPickerWheel m_wheel;
     const OSTValidationSettings m_validation;

@@ -13,7 +13,11 @@ namespace ostrel {
 
 std::optional<double> ost_stringNumberForKey(const QVariantMap &properties, const QString &key)
 {
-    const auto text = ost_stringForKey(properties, key);
+    return ost_stringNumber(key, ost_stringForKey(properties, key));
+}
+
+std::optional<double> ost_stringNumber(const QString &key, const std::optional<QString> &text)
+{
     if (!text)
         return std::nullopt;
     const auto number = ost_finiteDouble(ost_numberFromString(*text));

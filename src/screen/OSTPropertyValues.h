@@ -15,6 +15,8 @@ namespace ostrel {
 // missing or holds another type; nothing, with a warning naming the key, when the string is not
 // a finite number.
 std::optional<double> ost_stringNumberForKey(const QVariantMap &properties, const QString &key);
+// The same of a string already read under `key`.
+std::optional<double> ost_stringNumber(const QString &key, const std::optional<QString> &text);
 
 // A flag written as a JSON boolean or as a string read as a boolean ("YES", "true", "1"...);
 // `fallback` for anything else.

@@ -3,6 +3,7 @@
 #include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
 #include "screen/OSTButtonDescription.h"
+#include "screen/OSTElementKeys.h"
 #include "screen/OSTImageDescription.h"
 #include "screen/OSTPickerDescription.h"
 #include "screen/OSTScreenVocabulary.h"
@@ -20,14 +21,14 @@ namespace {
 
 std::shared_ptr<const OSTElementDescription> buttonOf(const QString &key, const QVariantMap &properties)
 {
-    if (ost_stringForKey(properties, u"buttonType"_s) == u"toggleSwitch"_s)
+    if (OSTElementKeys::buttonType(properties) == u"toggleSwitch"_s)
         return std::make_shared<const OSTSwitchDescription>(key, properties);
     return std::make_shared<const OSTButtonDescription>(key, properties);
 }
 
 std::shared_ptr<const OSTElementDescription> inputOf(const QString &key, const QVariantMap &properties)
 {
-    if (ost_dictionaryForKey(properties, u"picker"_s))
+    if (OSTElementKeys::picker(properties))
         return std::make_shared<const OSTPickerDescription>(key, properties);
     return std::make_shared<const OSTTextFieldDescription>(key, properties);
 }

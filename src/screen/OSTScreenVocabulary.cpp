@@ -11,6 +11,17 @@ const QString OSTScreenVocabulary::errorMessageKey = u"errorMessage"_s;
 const QString OSTScreenVocabulary::animationsKey = u"animations"_s;
 const QString OSTScreenVocabulary::statusBarStyleKey = u"statusBarStyle"_s;
 const QString OSTScreenVocabulary::groupMembersKey = u"elements"_s;
+const QString OSTScreenVocabulary::alphaKey = u"alpha"_s;
+const QString OSTScreenVocabulary::alignmentKey = u"alignment"_s;
+const QString OSTScreenVocabulary::buttonTypeKey = u"buttonType"_s;
+const QString OSTScreenVocabulary::contentInsetsKey = u"contentInsets"_s;
+const QString OSTScreenVocabulary::inputOrderKey = u"inputOrder"_s;
+const QString OSTScreenVocabulary::onClickKey = u"onClick"_s;
+const QString OSTScreenVocabulary::pickerKey = u"picker"_s;
+const QString OSTScreenVocabulary::secureTextEntryKey = u"secureTextEntry"_s;
+const QString OSTScreenVocabulary::textKey = u"text"_s;
+const QString OSTScreenVocabulary::textTypeKey = u"textType"_s;
+const QString OSTScreenVocabulary::toolbarKey = u"toolbar"_s;
 
 namespace {
 
@@ -151,7 +162,7 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
             {.name = u"zLayer"_s, .types = T::String | T::Number,
              .description = u"Stacking order, an unsigned number; defaults by category (shapes 200, images 300, groups 400, labels 500, inputs 600, buttons 700)"_s}}},
         {u"box"_s, u"The painted box every element shares."_s, false, {}, {
-            {.name = u"alpha"_s, .types = T::String, .description = u"Opacity from \"0\" to \"1\"; default \"1\""_s},
+            {.name = alphaKey, .types = T::String, .description = u"Opacity from \"0\" to \"1\"; default \"1\""_s},
             {.name = u"backgroundColor"_s, .types = T::String,
              .description = u"Fill colour, used without a gradient (hexadecimal colour, optional \"#\", alpha last)"_s},
             {.name = u"backgroundGradient"_s, .types = T::Object, .description = u"A gradient fill"_s, .keys = {
@@ -180,7 +191,7 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
              .description = u"Text shadow: [colour, blur radius, horizontal offset, vertical offset]"_s, .itemTypes = T::String | T::Number},
             {.name = u"style"_s, .types = T::String, .description = u"\"underlined\" underlines the text"_s},
             {.name = u"lineSpacing"_s, .types = T::String | T::Number, .description = u"Extra points between lines"_s},
-            {.name = u"alignment"_s, .types = T::String,
+            {.name = alignmentKey, .types = T::String,
              .description = u"Text alignment; default centre"_s, .choices = {u"left"_s, u"center"_s, u"right"_s, u"justified"_s, u"natural"_s}}}},
         {u"image"_s, u"A remote or bundled image."_s, false, {}, {
             {.name = u"image"_s, .types = T::String,
@@ -217,22 +228,22 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
         {u"shape"_s, u"A painted box."_s, true, {u"frame"_s, u"box"_s}, {}},
         {u"imageElement"_s, u"An image in a box."_s, true, {u"frame"_s, u"box"_s, u"image"_s}, {}},
         {u"label"_s, u"Styled text in a box."_s, true, {u"frame"_s, u"box"_s, u"text"_s}, {
-            {.name = u"text"_s, .types = T::String, .description = u"The text"_s},
+            {.name = textKey, .types = T::String, .description = u"The text"_s},
             {.name = u"minimumScaleFactor"_s, .types = T::String | T::Number,
              .description = u"How far the font may shrink to fit, 0 to 1"_s}}},
         {u"group"_s, u"A box whose members lie inside it and move with it."_s, true, {u"frame"_s, u"box"_s}, {
             {.name = u"elements"_s, .types = T::Array,
              .description = u"Keys of the member elements"_s, .itemTypes = T::String}}},
         {u"buttonState"_s, u"The look of a button in one state."_s, true, {u"box"_s, u"text"_s, u"image"_s}, {
-            {.name = u"text"_s, .types = T::String, .description = u"The title"_s}}},
+            {.name = textKey, .types = T::String, .description = u"The title"_s}}},
         {u"button"_s, u"A button, a switch (\"buttonType\": \"toggleSwitch\") or a picture chooser (\"imageUpload\")."_s, true, {u"frame"_s, u"box"_s, u"validation"_s}, {
             {.name = u"states"_s, .types = T::Object,
              .description = u"Looks per state; \"normal\" is required for buttons"_s, .keys = {
                 {.name = u"normal"_s, .definition = u"buttonState"_s},
                 {.name = u"pressed"_s, .definition = u"buttonState"_s},
                 {.name = u"disabled"_s, .definition = u"buttonState"_s}}},
-            {.name = u"onClick"_s, .definition = u"action"_s},
-            {.name = u"buttonType"_s, .types = T::String,
+            {.name = onClickKey, .definition = u"action"_s},
+            {.name = buttonTypeKey, .types = T::String,
              .description = u"A toggle button, an on/off switch or a picture chooser; a plain button without"_s, .choices = {u"toggle"_s, u"toggleSwitch"_s, u"imageUpload"_s}},
             {.name = u"defaultState"_s, .types = T::String, .description = u"Switches: \"pressed\" starts it on"_s},
             {.name = u"onTintColor"_s, .types = T::String,
@@ -259,19 +270,19 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
              .description = u"Title of the cancel button; default \"Cancel\""_s},
             {.name = u"barStyle"_s, .types = T::String, .description = u"The bar's look"_s}}},
         {u"labelText"_s, u"Text shown inside an input, with its own text attributes"_s, true, {u"frame"_s, u"box"_s, u"text"_s}, {
-            {.name = u"text"_s, .types = T::String, .description = u"The text"_s},
+            {.name = textKey, .types = T::String, .description = u"The text"_s},
             {.name = u"minimumScaleFactor"_s, .types = T::String | T::Number,
              .description = u"How far the font may shrink to fit"_s},
-            {.name = u"contentInsets"_s, .types = T::Array,
+            {.name = contentInsetsKey, .types = T::Array,
              .description = u"[top, left, bottom, right] insets of the text"_s, .itemTypes = T::String | T::Number}}},
         {u"input"_s, u"A text field, or a picker when \"picker\" is present."_s, true, {u"frame"_s, u"box"_s, u"image"_s, u"validation"_s}, {
-            {.name = u"text"_s, .description = u"The initial text and its look"_s, .definition = u"labelText"_s},
+            {.name = textKey, .description = u"The initial text and its look"_s, .definition = u"labelText"_s},
             {.name = u"placeholder"_s,
              .description = u"Text fields: shown while empty"_s, .definition = u"labelText"_s},
             {.name = u"states"_s, .types = T::Object, .description = u"Text fields: the invalid look"_s, .keys = {
                 {.name = u"invalid"_s, .types = T::Object,
                  .description = u"Keys laid over the field's own while it shows as invalid"_s}}},
-            {.name = u"textType"_s, .types = T::String,
+            {.name = textTypeKey, .types = T::String,
              .description = u"Text fields: what kind of text; plain without"_s, .choices = {u"password"_s, u"phoneNumber"_s, u"phoneNumberValidated"_s, u"phoneNumberPin"_s}},
             {.name = u"maxLength"_s, .types = T::String | T::Number,
              .description = u"Text fields: most characters; 0 or -1 for no limit"_s},
@@ -291,7 +302,7 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
              .description = u"Text fields: the on-screen keyboard's look; accepted and ignored on a desktop"_s},
             {.name = u"returnKeyType"_s, .types = T::String,
              .description = u"Text fields: the return key's title; accepted and ignored on a desktop"_s},
-            {.name = u"secureTextEntry"_s, .types = T::String,
+            {.name = secureTextEntryKey, .types = T::String,
              .description = u"Text fields: \"true\" hides the text"_s},
             {.name = u"clearButtonMode"_s, .types = T::String,
              .description = u"Text fields: when a clear button shows"_s},
@@ -312,12 +323,12 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
             {.name = u"minimumFontSize"_s, .types = T::String | T::Number,
              .description = u"Text fields: the smallest size the font shrinks to"_s},
             {.name = u"textAlignment"_s, .types = T::String, .description = u"Text fields: alignment of the text"_s},
-            {.name = u"contentInsets"_s, .types = T::Array,
+            {.name = contentInsetsKey, .types = T::Array,
              .description = u"Pickers: [top, left, bottom, right] insets of the label"_s, .itemTypes = T::String | T::Number},
-            {.name = u"toolbar"_s, .definition = u"toolbar"_s},
-            {.name = u"inputOrder"_s, .types = T::String | T::Number,
+            {.name = toolbarKey, .definition = u"toolbar"_s},
+            {.name = inputOrderKey, .types = T::String | T::Number,
              .description = u"Position in the screen's return-key chain"_s},
-            {.name = u"picker"_s, .types = T::Object, .description = u"Makes the input a picker"_s, .keys = {
+            {.name = pickerKey, .types = T::Object, .description = u"Makes the input a picker"_s, .keys = {
                 {.name = u"pickerType"_s, .types = T::String,
                  .description = u"A country calling code, a date, or (without) the custom list"_s, .choices = {u"countryCode"_s, u"date"_s}},
                 {.name = u"pickerData"_s, .types = T::Array,
@@ -333,7 +344,7 @@ const QList<OSTKeySet> &OSTScreenVocabulary::keySets()
              .description = u"Most selected buttons; 1 for a single choice, 0 for no limit"_s},
             {.name = u"minimumSelection"_s, .types = T::String | T::Number,
              .description = u"Fewest selected buttons"_s},
-            {.name = u"onClick"_s, .definition = u"action"_s}}}
+            {.name = onClickKey, .definition = u"action"_s}}}
     };
     return table;
 }

@@ -92,6 +92,18 @@ public:
     static const QString animationsKey;
     static const QString statusBarStyleKey;
     static const QString groupMembersKey;
+    // Keys that several element descriptions take (read by OSTElementKeys).
+    static const QString alphaKey;
+    static const QString alignmentKey;
+    static const QString buttonTypeKey;
+    static const QString contentInsetsKey;
+    static const QString inputOrderKey;
+    static const QString onClickKey;
+    static const QString pickerKey;
+    static const QString secureTextEntryKey;
+    static const QString textKey;
+    static const QString textTypeKey;
+    static const QString toolbarKey;
 
     // Every key set, the shared parts first.
     static const QList<OSTKeySet> &keySets();

@@ -2,7 +2,7 @@
 
 #include "core/OSTDictionaryHelpers.h"
 #include "core/OSTLogging.h"
-#include "experience/OSTAction.h"
+#include "screen/OSTElementKeys.h"
 
 #include <algorithm>
 #include <limits>
@@ -40,8 +40,7 @@ OSTSelectionGroupDescription::OSTSelectionGroupDescription(const QString &key, c
       m_validation(OSTValidationSettings::fromProperties(key, properties))
 {
     readMembers(properties);
-    if (const std::optional<QVariantMap> onClick = ost_dictionaryForKey(properties, u"onClick"_s))
-        m_action = std::make_shared<const OSTAction>(*onClick);
+    m_action = OSTElementKeys::onClick(properties);
 }
 
 OSTSelectionGroupDescription::~OSTSelectionGroupDescription() = default;

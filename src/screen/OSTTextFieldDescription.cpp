@@ -2,6 +2,7 @@
 
 #include "core/OSTDictionaryHelpers.h"
 #include "screen/OSTContentInsets.h"
+#include "screen/OSTElementKeys.h"
 #include "screen/OSTPropertyValues.h"
 
 #include <algorithm>
@@ -18,10 +19,10 @@ constexpr int pinMaxLength = 4;
 // The alignment word of a field or its text object: the first string of these keys.
 std::optional<QString> alignmentWordOf(const QVariantMap &properties)
 {
-    for (const QString &key : {u"contentAlignment"_s, u"textAlignment"_s, u"alignment"_s})
+    for (const QString &key : {u"contentAlignment"_s, u"textAlignment"_s})
         if (std::optional<QString> word = ost_stringForKey(properties, key))
             return word;
-    return std::nullopt;
+    return OSTElementKeys::alignment(properties);
 }
 
 // The invalid state laid over the field, the state winning; the field itself without one.
@@ -34,10 +35,10 @@ QVariantMap invalidStateProperties(const QVariantMap &properties)
 
 OSTTextFieldDescription::StateLook stateLook(const QVariantMap &state)
 {
-    const QVariantMap text = ost_dictionaryForKey(state, u"text"_s).value_or(QVariantMap());
-    const auto insets = ost_contentInsetsForKey(text, u"contentInsets"_s);
+    const QVariantMap text = OSTElementKeys::inputText(state);
+    const auto insets = ost_contentInsetsOf(text);
     return {OSTBoxLook::fromProperties(state), ost_objectShadowWithProperties(state), OSTTextLook::fromProperties(text),
-            alignmentWordOf(text), insets ? insets : ost_contentInsetsForKey(state, u"contentInsets"_s)};
+            alignmentWordOf(text), insets ? insets : ost_contentInsetsOf(state)};
 }
 
 std::optional<UIControlContentHorizontalAlignment> contentHorizontalAlignmentOf(const QVariantMap &properties)
@@ -54,9 +55,9 @@ OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVari
     : OSTElementDescription(OSTElementKind::TextField, key, properties),
       m_normalLook(stateLook(properties)),
       m_invalidLook(stateLook(invalidStateProperties(properties))),
-      m_fieldAlpha(std::clamp(ost_finiteDouble(ost_numberForKey(properties, u"alpha"_s)).value_or(1.0), 0.0, 1.0)),
-      m_textType(OSTTextFieldTypeFromString(ost_stringForKey(properties, u"textType"_s))),
-      m_secureTextEntry(ost_flagForKey(properties, u"secureTextEntry"_s, false)),
+      m_fieldAlpha(OSTElementKeys::alpha(properties, OSTElementKeys::NumberSpelling::NumberOrNumericString)),
+      m_textType(OSTElementKeys::textType(properties)),
+      m_secureTextEntry(OSTElementKeys::secureTextEntry(properties, OSTElementKeys::FlagSpelling::StringOrBoolean)),
       m_alignmentWord(alignmentWordOf(properties)),
       m_contentHorizontalAlignment(contentHorizontalAlignmentOf(properties)),
       m_verticalAlignment(UIControlContentVerticalAlignmentFromString(ost_stringForKey(properties, u"verticalAlignment"_s))),
@@ -71,16 +72,14 @@ OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVari
       m_autocapitalizationType(
           UITextAutocapitalizationTypeFromString(ost_stringForKey(properties, u"autocapitalizationType"_s))),
       m_autocorrectionType(UITextAutocorrectionTypeFromString(ost_stringForKey(properties, u"autocorrectionType"_s))),
-      m_initialText(ost_stringForKey(ost_dictionaryForKey(properties, u"text"_s).value_or(QVariantMap()), u"text"_s)
-                        .value_or(QString())),
-      m_inputOrder(ost_integerForKey(properties, u"inputOrder"_s)),
+      m_initialText(OSTElementKeys::text(OSTElementKeys::inputText(properties))),
+      m_toolbar(OSTElementKeys::toolbar(properties)),
+      m_inputOrder(OSTElementKeys::inputOrder(properties)),
       m_validation(OSTValidationSettings::fromProperties(key, properties))
 {
     readLimits(properties);
     if (const std::optional<QVariantMap> placeholder = ost_dictionaryForKey(properties, u"placeholder"_s))
         m_placeholder = std::make_shared<const OSTLabelDescription>(key, *placeholder);
-    if (const std::optional<QVariantMap> toolbar = ost_dictionaryForKey(properties, u"toolbar"_s))
-        m_toolbar = OSTToolbarSettings::fromProperties(*toolbar);
 }
 
 OSTTextFieldDescription::~OSTTextFieldDescription() = default;

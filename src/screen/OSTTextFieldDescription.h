@@ -20,7 +20,7 @@ namespace ostrel {
 // laid over them, the state winning), each with its box, drop shadow and, from its "text" object,
 // text look, alignment word ("contentAlignment", "textAlignment", "alignment", the first string)
 // and "contentInsets" (the text object's, else the state's: four numbers, see
-// ost_contentInsetsForKey).
+// ost_contentInsetsOf).
 //
 // Behaviour, from the field's own properties:
 //
@@ -111,7 +111,7 @@ private:
     const UITextAutocorrectionType m_autocorrectionType;
     std::shared_ptr<const OSTLabelDescription> m_placeholder;
     const QString m_initialText;
-    std::optional<OSTToolbarSettings> m_toolbar;
+    const std::optional<OSTToolbarSettings> m_toolbar;
     const int m_inputOrder;
     const OSTValidationSettings m_validation;
 };

@@ -2,6 +2,7 @@
 
 #include "core/OSTDictionaryHelpers.h"
 #include "screen/OSTColorHelpers.h"
+#include "screen/OSTElementKeys.h"
 #include "screen/OSTFontResolver.h"
 #include "screen/OSTPropertyValues.h"
 
@@ -23,7 +24,7 @@ OSTTextLook OSTTextLook::fromProperties(const QVariantMap &properties)
     look.font = OSTFontResolver::fontWithProperties(properties);
     look.shadow = ost_shadowWithProperties(properties);
     look.underlined = ost_stringForKey(properties, u"style"_s) == u"underlined"_s;
-    look.alignmentWord = ost_stringForKey(properties, u"alignment"_s);
+    look.alignmentWord = OSTElementKeys::alignment(properties);
     look.alignment = NSTextAlignmentFromString(look.alignmentWord);
     if (const auto color = ost_stringForKey(properties, u"textColor"_s)) {
         look.textColor = ost_colorWithHexString(*color);

@@ -1,6 +1,7 @@
 #include "screen/OSTValidationSettings.h"
 
 #include "core/OSTDictionaryHelpers.h"
+#include "screen/OSTElementKeys.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,12 +16,13 @@ bool booleanProperty(const QVariantMap &properties, const QString &key)
 
 OSTValidationSettings::ValueVisibility valueVisibilityOf(const QVariantMap &properties)
 {
-    const QString textType = ost_stringForKey(properties, u"textType"_s).value_or(QString());
-    if (textType == u"phoneNumberPin"_s)
+    const OSTTextFieldType textType = OSTElementKeys::textType(properties);
+    if (textType == OSTTextFieldTypePhoneNumberPin)
         return OSTValidationSettings::ValueVisibility::Transient;
-    if (textType == u"password"_s || booleanProperty(properties, u"secureTextEntry"_s))
+    if (textType == OSTTextFieldTypePassword
+        || OSTElementKeys::secureTextEntry(properties, OSTElementKeys::FlagSpelling::String))
         return OSTValidationSettings::ValueVisibility::Secret;
-    if (textType == u"phoneNumberValidated"_s)
+    if (textType == OSTTextFieldTypePhoneNumberValidated)
         return OSTValidationSettings::ValueVisibility::PhoneNumberToVerify;
     return OSTValidationSettings::ValueVisibility::Plain;
 }
