@@ -35,6 +35,9 @@ TEST(FontResolver, FontsAreSetInPixelsAndUnknownNamesFallBackToTheSystemFont)
     EXPECT_EQ(drawn.styleName(), u"Bold Italic"_s);
     EXPECT_TRUE(drawn.italic());
     EXPECT_EQ(QFontInfo(OSTFontResolver::fontNamed(u"OstrelTestSerif-Regular"_s, 12)).styleName(), u"Regular"_s);
+    const QFont byFamily = OSTFontResolver::fontNamed(u"Ostrel Test Serif"_s, 15);
+    EXPECT_EQ(byFamily.family(), u"Ostrel Test Serif"_s);
+    EXPECT_EQ(byFamily.pixelSize(), 15) << "a family name keeps the size asked for";
 
     for (const char *json : {R"({"font": "Avenir"})", R"({"size": "0"})", R"({"size": "-4"})", R"({"size": 18})"})
         EXPECT_FALSE(OSTFontResolver::fontWithProperties(jsonObject(json))) << json;

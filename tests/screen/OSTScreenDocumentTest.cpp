@@ -238,6 +238,13 @@ TEST(ScreenDocument, ButtonStatesAreLaidOverTheNormalLookWhichIsLaidOverTheButto
     EXPECT_EQ(states.pressed->background->box().fillColor, QColor(0x22, 0x22, 0x22)) << "inherited";
     EXPECT_EQ(states.pressed->background->source().candidateURLs({}).size(), 1);
     EXPECT_FALSE(states.disabled) << "a state that is no object is absent";
+
+    const auto unaligned = only<OSTButtonDescription>(
+        documentOf(R"({"buttons": {"b": {"states": {"normal": {"text": "Go"}, "pressed": {"alignment": "right"}}}}})"),
+        u"buttons"_s);
+    ASSERT_TRUE(unaligned && unaligned->states() && unaligned->states()->pressed);
+    EXPECT_EQ(unaligned->states()->pressed->textLook.alignment, NSTextAlignmentCenter)
+        << "a pressed alignment is dropped even when the normal state names none";
 }
 
 TEST(ScreenDocument, ButtonTypesChooseTheDescription)
