@@ -25,20 +25,22 @@ std::optional<QString> alignmentWordOf(const QVariantMap &properties)
     return OSTElementKeys::alignment(properties);
 }
 
-// The invalid state laid over the field, the state winning; the field itself without one.
-QVariantMap invalidStateProperties(const QVariantMap &properties)
-{
-    const QVariantMap states = ost_dictionaryForKey(properties, u"states"_s).value_or(QVariantMap());
-    const std::optional<QVariantMap> invalid = ost_dictionaryForKey(states, u"invalid"_s);
-    return invalid ? ost_mergeIntoDictionary(*invalid, properties) : properties;
-}
-
 OSTTextFieldDescription::StateLook stateLook(const QVariantMap &state)
 {
     const QVariantMap text = OSTElementKeys::inputText(state);
     const auto insets = ost_contentInsetsOf(text);
     return {OSTBoxLook::fromProperties(state), ost_objectShadowWithProperties(state), OSTTextLook::fromProperties(text),
             alignmentWordOf(text), insets ? insets : ost_contentInsetsOf(state)};
+}
+
+// The invalid state laid over the field, the state winning; the normal look without one (most
+// fields have none, and reading the same properties twice would only cost time).
+OSTTextFieldDescription::StateLook invalidLookOf(const QVariantMap &properties,
+                                                 const OSTTextFieldDescription::StateLook &normalLook)
+{
+    const QVariantMap states = ost_dictionaryForKey(properties, u"states"_s).value_or(QVariantMap());
+    const std::optional<QVariantMap> invalid = ost_dictionaryForKey(states, u"invalid"_s);
+    return invalid ? stateLook(ost_mergeIntoDictionary(*invalid, properties)) : normalLook;
 }
 
 std::optional<UIControlContentHorizontalAlignment> contentHorizontalAlignmentOf(const QVariantMap &properties)
@@ -54,7 +56,7 @@ std::optional<UIControlContentHorizontalAlignment> contentHorizontalAlignmentOf(
 OSTTextFieldDescription::OSTTextFieldDescription(const QString &key, const QVariantMap &properties)
     : OSTElementDescription(OSTElementKind::TextField, key, properties),
       m_normalLook(stateLook(properties)),
-      m_invalidLook(stateLook(invalidStateProperties(properties))),
+      m_invalidLook(invalidLookOf(properties, m_normalLook)),
       m_fieldAlpha(OSTElementKeys::alpha(properties, OSTElementKeys::NumberSpelling::NumberOrNumericString)),
       m_textType(OSTElementKeys::textType(properties)),
       m_secureTextEntry(OSTElementKeys::secureTextEntry(properties, OSTElementKeys::FlagSpelling::StringOrBoolean)),
