@@ -170,20 +170,26 @@ void OSTScreenDocument::adoptMembers(const QString &groupKey)
 void OSTScreenDocument::readErrorMessage(const QVariantMap &layout)
 {
     const QString &key = OSTScreenVocabulary::errorMessageKey;
-    const QVariantMap labels = ost_dictionaryForKey(layout, u"labels"_s).value_or(QVariantMap());
-    const std::optional<QVariantMap> properties = ost_dictionaryForKey(labels, key);
-    if (!properties)
+    for (const auto &label : m_categories.value(u"labels"_s)) {
+        if (label->key() == key)
+            m_errorMessage = std::static_pointer_cast<const OSTLabelDescription>(label);
+    }
+    if (!m_errorMessage)
         return;
-    m_errorMessage = std::make_shared<const OSTLabelDescription>(key, *properties);
     const QVariantMap animations =
         ost_dictionaryForKey(layout, OSTScreenVocabulary::animationsKey).value_or(QVariantMap());
     const QVariantMap targets = ost_dictionaryForKey(ost_dictionaryForKey(animations, u"error"_s).value_or(QVariantMap()),
                                                      u"targets"_s)
                                     .value_or(QVariantMap());
     const QVariantMap alternative = ost_dictionaryForKey(targets, key).value_or(QVariantMap());
-    m_errorMessageWhileShowing = alternative.isEmpty()
-        ? m_errorMessage
-        : std::make_shared<const OSTLabelDescription>(key, ost_mergeIntoDictionary(alternative, *properties));
+    if (alternative.isEmpty()) {
+        m_errorMessageWhileShowing = m_errorMessage;
+        return;
+    }
+    // The label's own object is read again only to lay the alternative over it.
+    const QVariantMap properties = layout.value(u"labels"_s).toMap().value(key).toMap();
+    m_errorMessageWhileShowing =
+        std::make_shared<const OSTLabelDescription>(key, ost_mergeIntoDictionary(alternative, properties));
 }
 
 } // namespace ostrel

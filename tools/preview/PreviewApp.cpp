@@ -5,10 +5,11 @@
 
 #include "experience/OSTExperienceManager.h"
 #include "experience/OSTScreen.h"
-#include "widgets/OSTButton.h"
 #include "platform/OSTBundle.h"
-#include "widgets/OSTScreenView.h"
+#include "screen/OSTScreenVocabulary.h"
+#include "widgets/OSTButton.h"
 #include "widgets/OSTImageView.h"
+#include "widgets/OSTScreenView.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -72,13 +73,13 @@ int PreviewApp::checkFile() const
         return Unusable;
     }
     printProblems(source, false);
-    const ScreenChecker checker(ScreenChecker::vocabularySchema(), QSizeF(m_options.size));
+    const ScreenChecker checker(ostrel::OSTScreenVocabulary::schema(), QSizeF(m_options.size));
     return checker.check(source.screenText).isEmpty() ? Success : ProblemsFound;
 }
 
 void PreviewApp::printProblems(const ScreenSource &source, bool asWarnings) const
 {
-    const ScreenChecker checker(ScreenChecker::vocabularySchema(), QSizeF(m_options.size));
+    const ScreenChecker checker(ostrel::OSTScreenVocabulary::schema(), QSizeF(m_options.size));
     const JsonLocator fileLocator(source.fileText);
     for (const ScreenChecker::Problem &problem : checker.check(source.screenText)) {
         // Parse errors of an experience's screen are errors of the file itself.

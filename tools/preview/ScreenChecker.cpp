@@ -62,11 +62,6 @@ QString elementPointer(const QString &category, const QString &key)
 
 ScreenChecker::ScreenChecker(const QJsonObject &schema, QSizeF area) : m_schema(schema), m_area(area) {}
 
-QJsonObject ScreenChecker::vocabularySchema()
-{
-    return OSTScreenVocabulary::schema();
-}
-
 QList<ScreenChecker::Problem> ScreenChecker::check(const QByteArray &text) const
 {
     QList<Problem> problems;

@@ -24,9 +24,6 @@ public:
     // Every problem of `text`, in document order within each kind of check.
     QList<Problem> check(const QByteArray &text) const;
 
-    // The screen vocabulary's schema, which docs/screen.schema.json holds too.
-    static QJsonObject vocabularySchema();
-
 private:
     void checkAgainstSchema(const QJsonValue &value, const QJsonObject &schema, const QString &pointer,
                             QList<Problem> &problems, int depth) const;
