@@ -5,12 +5,12 @@
 // the images to their views.
 
 #include "OSTWidgetBenchmarkMain.h"
-#include "widgets/OSTButton.h"
-#include "widgets/OSTSwitch.h"
-#include "widgets/OSTImageView.h"
-#include "widgets/OSTLabel.h"
 #include "screen/OSTButtonDescription.h"
 #include "screen/OSTSwitchDescription.h"
+#include "widgets/OSTButton.h"
+#include "widgets/OSTImageView.h"
+#include "widgets/OSTLabel.h"
+#include "widgets/OSTSwitch.h"
 
 #include <QImage>
 

@@ -13,8 +13,8 @@
 #include "layout/OSTLayoutElement.h"
 #include "layout/OSTLayoutExpression.h"
 #include "layout/OSTLayoutManager.h"
-#include "layout/OSTLayoutResolver.h"
 #include "layout/OSTLayoutNumbers.h"
+#include "layout/OSTLayoutResolver.h"
 
 #include <QHash>
 #include <QString>

@@ -12,12 +12,12 @@
 
 #include "core/OSTLogging.h"
 #include "experience/OSTScreen.h"
+#include "layout/OSTLayoutManager.h"
 #include "platform/OSTClock.h"
 #include "platform/OSTManualClock.h"
-#include "widgets/OSTScreenView.h"
-#include "layout/OSTLayoutManager.h"
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
+#include "widgets/OSTScreenView.h"
 
 #include "OSTScreenDocumentLayoutCheck.h"
 

@@ -1,5 +1,6 @@
 #include "launch/OSTStartup.h"
 
+#include "core/OSTDateFormatter.h"
 #include "core/OSTLogging.h"
 #include "events/OSTEventHook.h"
 #include "events/OSTEventManager.h"
@@ -8,19 +9,18 @@
 #include "experience/OSTExperienceManager.h"
 #include "experience/OSTFlowManager.h"
 #include "launch/OSTMigration.h"
-#include "model/OSTPhoneNumberManager.h"
 #include "launch/OSTServiceManager.h"
+#include "model/OSTPhoneNumberManager.h"
 #include "network/OSTNetworkStatistics.h"
 #include "network/OSTRequestManager.h"
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
 #include "platform/OSTMainQueue.h"
 #include "platform/OSTURLOpener.h"
-#include "widgets/OSTRootPresenter.h"
-#include "core/OSTDateFormatter.h"
 #include "users/OSTAttributionManager.h"
 #include "users/OSTFacebookManager.h"
 #include "users/OSTUserManager.h"
+#include "widgets/OSTRootPresenter.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

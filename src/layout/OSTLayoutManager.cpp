@@ -1,9 +1,9 @@
 #include "layout/OSTLayoutManager.h"
 
 #include "core/OSTLogging.h"
-#include "platform/OSTDeviceScreen.h"
 #include "layout/OSTLayoutNumbers.h"
 #include "layout/OSTLayoutPassScheduler.h"
+#include "platform/OSTDeviceScreen.h"
 #include "screen/OSTScreenDocument.h"
 
 #include <algorithm>

@@ -9,12 +9,12 @@
 #include "experience/OSTFlow.h"
 #include "experience/OSTFlowManager.h"
 #include "experience/OSTScreen.h"
+#include "model/OSTExperienceView.h"
 #include "model/OSTPhoneNumberFormatter.h"
 #include "model/OSTPhoneNumberManager.h"
+#include "model/OSTScreenModel.h"
 #include "model/OSTValidationItemModel.h"
 #include "model/OSTValidationManager.h"
-#include "model/OSTExperienceView.h"
-#include "model/OSTScreenModel.h"
 #include "users/OSTUserManager.h"
 
 #include <algorithm>

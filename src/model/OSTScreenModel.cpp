@@ -6,10 +6,10 @@
 #include "experience/OSTAction.h"
 #include "experience/OSTFlow.h"
 #include "experience/OSTScreen.h"
-#include "model/OSTValidationGroupModel.h"
-#include "model/OSTValidationManager.h"
 #include "model/OSTScreenModelDelegate.h"
 #include "model/OSTScreenModelView.h"
+#include "model/OSTValidationGroupModel.h"
+#include "model/OSTValidationManager.h"
 
 #include <QPointer>
 

@@ -1,7 +1,7 @@
 #include "widgets/OSTBackgroundView.h"
 
-#include "widgets/OSTRoundedClipEffect.h"
 #include "screen/OSTColorHelpers.h"
+#include "widgets/OSTRoundedClipEffect.h"
 
 #include <QChildEvent>
 #include <QLinearGradient>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/OSTValidationItem.h"
-#include "widgets/OSTTextAttributes.h"
 #include "screen/OSTButtonDescription.h"
+#include "widgets/OSTTextAttributes.h"
 
 #include <QAbstractButton>
 

@@ -2,9 +2,9 @@
 
 #include "core/OSTLogging.h"
 #include "network/OSTImageManager.h"
+#include "users/OSTUserManager.h"
 #include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTImageDisplay.h"
-#include "users/OSTUserManager.h"
 
 #include <ostrel/OSTUser.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "widgets/OSTView.h"
 #include "screen/OSTImageDescription.h"
+#include "widgets/OSTView.h"
 
 #include <QImage>
 #include <QList>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "widgets/OSTView.h"
 #include "screen/OSTLabelDescription.h"
+#include "widgets/OSTView.h"
 
 namespace ostrel {
 

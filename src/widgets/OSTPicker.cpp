@@ -3,12 +3,12 @@
 #include "core/OSTDateFormatter.h"
 #include "core/OSTLogging.h"
 #include "model/OSTCountryTable.h"
-#include "widgets/OSTToolbar.h"
 #include "model/OSTValidationItemModel.h"
 #include "platform/OSTClock.h"
 #include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTImageView.h"
 #include "widgets/OSTLabel.h"
+#include "widgets/OSTToolbar.h"
 #include "widgets/OSTViewEffect.h"
 
 #include <ostrel/OSTPropertyConversions.h>

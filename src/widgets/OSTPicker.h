@@ -1,9 +1,9 @@
 #pragma once
 
-#include "widgets/OSTInput.h"
 #include "model/OSTValidationItem.h"
-#include "widgets/OSTView.h"
 #include "screen/OSTPickerDescription.h"
+#include "widgets/OSTInput.h"
+#include "widgets/OSTView.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 

@@ -6,8 +6,8 @@
 #include "platform/OSTDeviceScreen.h"
 #include "platform/OSTNotificationCenter.h"
 #include "widgets/OSTFadingPicture.h"
-#include "widgets/OSTModalPresenter.h"
 #include "widgets/OSTLaunchController.h"
+#include "widgets/OSTModalPresenter.h"
 
 #include <ostrel/Ostrel.h>
 

@@ -1,11 +1,11 @@
 #include "widgets/OSTRootPresentation.h"
 
-#include "widgets/OSTModalPresenter.h"
 #include "model/OSTExperienceModel.h"
 #include "widgets/OSTExperienceController.h"
 #include "widgets/OSTLaunchController.h"
-#include "widgets/OSTRootController.h"
 #include "widgets/OSTLoadingOverlay.h"
+#include "widgets/OSTModalPresenter.h"
+#include "widgets/OSTRootController.h"
 
 #include <QAbstractAnimation>
 

@@ -1,11 +1,11 @@
 #include "widgets/OSTScreenController.h"
 
 #include "experience/OSTAction.h"
+#include "network/OSTImageManager.h"
+#include "screen/OSTScreenDocument.h"
 #include "widgets/OSTButton.h"
 #include "widgets/OSTImagePickerButton.h"
-#include "network/OSTImageManager.h"
 #include "widgets/OSTLoadingOverlay.h"
-#include "screen/OSTScreenDocument.h"
 
 #include <QGuiApplication>
 #include <QInputMethod>

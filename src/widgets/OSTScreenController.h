@@ -2,9 +2,9 @@
 
 #include "model/OSTScreenModel.h"
 #include "model/OSTScreenModelView.h"
-#include "widgets/OSTViewController.h"
 #include "widgets/OSTScreenView.h"
 #include "widgets/OSTScreenViewDelegate.h"
+#include "widgets/OSTViewController.h"
 
 #include <QMetaObject>
 #include <QPointer>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "widgets/OSTSelectionGroup.h"
 #include "platform/OSTClock.h"
+#include "widgets/OSTSelectionGroup.h"
 #include "widgets/OSTViewController.h"
 
 #include <QImage>

@@ -1,8 +1,8 @@
 #include "widgets/OSTSelectionGroup.h"
 
 #include "experience/OSTAction.h"
-#include "widgets/OSTButton.h"
 #include "model/OSTValidationItemModel.h"
+#include "widgets/OSTButton.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/OSTValidationItem.h"
-#include "widgets/OSTView.h"
 #include "screen/OSTSwitchDescription.h"
+#include "widgets/OSTView.h"
 
 namespace ostrel {
 

@@ -3,11 +3,11 @@
 #include "core/OSTRegularExpression.h"
 #include "model/OSTPhoneNumberFormatter.h"
 #include "model/OSTPhoneNumberManager.h"
-#include "widgets/OSTToolbar.h"
 #include "model/OSTValidationItemModel.h"
 #include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTLabel.h"
 #include "widgets/OSTTextAttributes.h"
+#include "widgets/OSTToolbar.h"
 #include "widgets/OSTView.h"
 #include "widgets/OSTViewEffect.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "widgets/OSTInput.h"
-#include "widgets/OSTPicker.h"
 #include "model/OSTValidationItem.h"
 #include "screen/OSTTextFieldDescription.h"
+#include "widgets/OSTInput.h"
+#include "widgets/OSTPicker.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 

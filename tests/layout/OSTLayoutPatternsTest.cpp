@@ -4,8 +4,8 @@
 #include "OSTLayoutTestSupport.h"
 
 #include "layout/OSTLayoutManager.h"
-#include "screen/OSTScreenDocument.h"
 #include "layout/OSTLayoutPatterns.h"
+#include "screen/OSTScreenDocument.h"
 
 #include <gtest/gtest.h>
 

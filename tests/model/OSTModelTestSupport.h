@@ -3,11 +3,11 @@
 // The presentation model's views, scripted: no widgets, every call recorded.
 
 #include "experience/OSTScreen.h"
-#include "model/OSTValidationItem.h"
-#include "model/OSTValidationItemModel.h"
 #include "model/OSTExperienceView.h"
 #include "model/OSTScreenModel.h"
 #include "model/OSTScreenModelView.h"
+#include "model/OSTValidationItem.h"
+#include "model/OSTValidationItemModel.h"
 #include "screen/OSTScreenDocument.h"
 
 #include <QStringList>

@@ -6,10 +6,10 @@
 #include "OSTModelTestSupport.h"
 
 #include "experience/OSTAction.h"
-#include "model/OSTValidationManager.h"
 #include "experience/OSTExperienceManager.h"
 #include "model/OSTScreenEnvironment.h"
 #include "model/OSTScreenModelDelegate.h"
+#include "model/OSTValidationManager.h"
 #include "support/OSTEventRecorder.h"
 #include "support/OSTTestSupport.h"
 #include "users/OSTUserManager.h"

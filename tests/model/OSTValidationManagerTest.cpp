@@ -1,7 +1,7 @@
 #include "model/OSTValidationManager.h"
 
-#include "OSTValidationTestFakes.h"
 #include "core/OSTLogging.h"
+#include "OSTValidationTestFakes.h"
 #include "screen/OSTScreenDocument.h"
 #include "support/OSTTestSupport.h"
 

@@ -2,19 +2,19 @@
 // use as backgrounds, loaded from the development service.
 
 #include "experience/OSTAction.h"
-#include "widgets/OSTButton.h"
-#include "widgets/OSTImagePickerButton.h"
-#include "widgets/OSTPicker.h"
-#include "widgets/OSTTextField.h"
 #include "model/OSTValidationItemModel.h"
 #include "platform/OSTBundle.h"
-#include "widgets/OSTImageDisplay.h"
-#include "widgets/OSTImageView.h"
 #include "support/OSTDevServerProcess.h"
 #include "users/OSTUserManager.h"
+#include "widgets/OSTButton.h"
+#include "widgets/OSTImageDisplay.h"
+#include "widgets/OSTImagePickerButton.h"
+#include "widgets/OSTImageView.h"
+#include "widgets/OSTPicker.h"
+#include "widgets/OSTTextField.h"
 
-#include "OSTInputTestSupport.h"
 #include "../model/OSTValidationTestFakes.h"
+#include "OSTInputTestSupport.h"
 #include "OSTPixelTestSupport.h"
 
 #include <QAccessible>

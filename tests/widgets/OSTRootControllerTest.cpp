@@ -4,10 +4,10 @@
 #include "platform/OSTApplication.h"
 #include "platform/OSTBundle.h"
 #include "platform/OSTNotificationCenter.h"
-#include "widgets/OSTFadingPicture.h"
-#include "widgets/OSTModalPresenter.h"
-#include "widgets/OSTLaunchController.h"
 #include "support/OSTTestSupport.h"
+#include "widgets/OSTFadingPicture.h"
+#include "widgets/OSTLaunchController.h"
+#include "widgets/OSTModalPresenter.h"
 
 #include <QAbstractAnimation>
 #include <QCoreApplication>

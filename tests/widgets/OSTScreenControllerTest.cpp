@@ -4,8 +4,8 @@
 
 #include "OSTScreenTestSupport.h"
 
-#include "widgets/OSTScreenController.h"
 #include "support/OSTEventRecorder.h"
+#include "widgets/OSTScreenController.h"
 
 using namespace Qt::StringLiterals;
 

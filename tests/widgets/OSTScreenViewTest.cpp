@@ -3,18 +3,18 @@
 
 #include "OSTScreenTestSupport.h"
 
+#include "layout/OSTLayoutManager.h"
+#include "screen/OSTScreenDocument.h"
+#include "support/OSTEventRecorder.h"
+#include "support/OSTTestSupport.h"
+#include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTInput.h"
+#include "widgets/OSTLabel.h"
 #include "widgets/OSTPicker.h"
 #include "widgets/OSTSelectionGroup.h"
 #include "widgets/OSTSwitchControl.h"
 #include "widgets/OSTTextField.h"
-#include "widgets/OSTLabel.h"
-#include "layout/OSTLayoutManager.h"
 #include "widgets/OSTView.h"
-#include "widgets/OSTBackgroundView.h"
-#include "screen/OSTScreenDocument.h"
-#include "support/OSTEventRecorder.h"
-#include "support/OSTTestSupport.h"
 
 #include "OSTPixelTestSupport.h"
 

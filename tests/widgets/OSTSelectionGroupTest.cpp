@@ -2,12 +2,12 @@
 // action passed on once enough is selected, the value and its restoration, and validity.
 
 #include "experience/OSTAction.h"
+#include "model/OSTValidationItemModel.h"
 #include "widgets/OSTButton.h"
 #include "widgets/OSTSelectionGroup.h"
-#include "model/OSTValidationItemModel.h"
 
-#include "OSTInputTestSupport.h"
 #include "../model/OSTValidationTestFakes.h"
+#include "OSTInputTestSupport.h"
 #include "OSTPixelTestSupport.h"
 
 #include <QTest>

@@ -6,17 +6,17 @@
 #include "events/OSTInternalEvent.h"
 #include "events/OSTTrackedItem.h"
 #include "model/OSTPhoneNumberManager.h"
+#include "model/OSTValidationItemModel.h"
+#include "platform/OSTApplication.h"
+#include "support/OSTDevServerProcess.h"
+#include "support/OSTTestSupport.h"
+#include "widgets/OSTLabel.h"
 #include "widgets/OSTPicker.h"
 #include "widgets/OSTTextField.h"
 #include "widgets/OSTToolbar.h"
-#include "model/OSTValidationItemModel.h"
-#include "platform/OSTApplication.h"
-#include "widgets/OSTLabel.h"
-#include "support/OSTDevServerProcess.h"
-#include "support/OSTTestSupport.h"
 
-#include "OSTInputTestSupport.h"
 #include "../model/OSTValidationTestFakes.h"
+#include "OSTInputTestSupport.h"
 #include "OSTPixelTestSupport.h"
 
 #include <ostrel/Ostrel.h>
