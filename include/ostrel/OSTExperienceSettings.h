@@ -3,7 +3,10 @@
 #include <ostrel/OSTExport.h>
 
 #include <QPointer>
-#include <QWidget>
+#include <QWindow>
+
+// Named only: a Qt Quick host includes no Qt Widgets header.
+class QWidget;
 
 namespace ostrel {
 
@@ -31,9 +34,12 @@ public:
     OSTExperienceType experienceType = OSTExperienceTypeAutomatic;
     bool shouldPresentAnimated = true;
     bool shouldDismissAnimated = true;
-    // The window to present over; none means the host's front-most window. Held weakly: a window
-    // closed meanwhile counts as none.
+    // The widget whose window to present over (Qt Widgets hosts); none means the host's front-most
+    // window. Held weakly: a window closed meanwhile counts as none.
     QPointer<QWidget> presentingViewController;
+    // The same for a Qt Quick host: the QQuickWindow to present over, when it is not the front-most
+    // window. Ignored when presentingViewController is set.
+    QPointer<QWindow> presentingWindow;
 };
 
 } // namespace ostrel

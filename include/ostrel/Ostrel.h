@@ -12,12 +12,14 @@
 
 #include <QString>
 #include <QUrl>
-#include <QWidget>
 #include <QVariantMap>
 
 #include <functional>
 #include <memory>
 #include <optional>
+
+// Named only: a Qt Quick host includes no Qt Widgets header.
+class QWidget;
 
 namespace ostrel {
 

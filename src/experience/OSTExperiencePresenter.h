@@ -6,14 +6,15 @@
 #include <memory>
 
 class QWidget;
+class QWindow;
 
 namespace ostrel {
 
 class OSTScreen;
 
-// Where the experience manager's present, dismiss and load requests go: the presentation layer
-// above implements it (a root controller per presentation) and start-up sets it on the manager.
-// GUI thread.
+// Where the experience manager's present, dismiss and load requests go: each toolkit above (Qt
+// Widgets, Qt Quick) implements it and adds itself to OSTExperienceToolkits, which start-up sets on
+// the manager. GUI thread.
 class OSTExperiencePresenter {
 public:
     using Completion = std::function<void(bool success)>;
@@ -38,9 +39,14 @@ public:
 
     virtual ~OSTExperiencePresenter() = default;
 
+    // Whether this toolkit draws an experience presented with `settings` over `window`, the window
+    // to cover (null when the host shows none).
+    virtual bool drawsOver(const OSTExperienceSettings &settings, const QWindow *window) const = 0;
+
     // A presentation of the experience `settings` describe, not yet shown.
     virtual std::shared_ptr<Presentation> presentationWithSettings(const OSTExperienceSettings &settings) = 0;
-    // A presentation of experience `type` with default settings, for loading.
+    // A presentation of experience `type` with default settings, for loading as a widget; null
+    // when this toolkit draws no widgets.
     virtual std::shared_ptr<Presentation> presentationWithType(int type) = 0;
 };
 

@@ -7,7 +7,9 @@
 #include "events/OSTEventSources.h"
 #include "events/OSTStatisticalEvent.h"
 #include "experience/OSTExperienceManager.h"
+#include "experience/OSTExperienceToolkits.h"
 #include "experience/OSTFlowManager.h"
+#include "experience/OSTLinkedToolkits.h"
 #include "launch/OSTMigration.h"
 #include "launch/OSTServiceManager.h"
 #include "model/OSTPhoneNumberManager.h"
@@ -20,7 +22,6 @@
 #include "users/OSTAttributionManager.h"
 #include "users/OSTFacebookManager.h"
 #include "users/OSTUserManager.h"
-#include "widgets/OSTRootPresenter.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -115,7 +116,8 @@ void OSTStartup::connectExperienceManager()
         .isLaunchedLifetime = [&service] { return service.launchedLifetime(); },
     });
     connectUserToExperience();
-    experience.setPresenter(std::make_shared<OSTRootPresenter>());
+    OSTLinkedToolkits::install();
+    experience.setPresenter(OSTExperienceToolkits::shared());
     OSTFlowManager &flows = OSTFlowManager::sharedManager();
     service.launchParameterSources().cachedVersions = [&flows] { return flows.cachedVersions(); };
     service.connectLaunchResponseReceiver(

@@ -11,7 +11,7 @@
 
 #include <ostrel/Ostrel.h>
 
-#include <QApplication>
+#include <QGuiApplication>
 #include <QGraphicsOpacityEffect>
 #include <QGridLayout>
 #include <QLabel>
@@ -65,17 +65,6 @@ void callCompletion(const OSTRootController::Completion &completion, bool succes
 {
     if (completion)
         completion(success);
-}
-
-// Experiences are drawn with Qt Widgets, which abort a process without a QApplication. A Qt Quick
-// host (a QGuiApplication) is told NO instead, until experiences can be drawn there too.
-bool canDrawWidgets()
-{
-    if (qobject_cast<QApplication *>(QCoreApplication::instance()))
-        return true;
-    OSTLogging::logWarning(QStringLiteral("Experiences are drawn with Qt Widgets, which need a QApplication; this "
-                                          "application has none, so the experience is not shown."));
-    return false;
 }
 
 } // namespace
@@ -146,10 +135,6 @@ OSTStatusBarStyle OSTRootController::preferredStatusBarStyle() const
 
 void OSTRootController::load(Completion completion)
 {
-    if (!canDrawWidgets()) {
-        callCompletion(completion, false);
-        return;
-    }
     waitForLaunch([this, completion = std::move(completion)](bool started) {
         if (!started) {
             callCompletion(completion, false);
@@ -234,10 +219,6 @@ void OSTRootController::present(Completion completion)
     }
     if (m_state != State::Idle) {
         OSTLogging::logWarning(QStringLiteral("The experience is already presented"));
-        callCompletion(completion, false);
-        return;
-    }
-    if (!canDrawWidgets()) {
         callCompletion(completion, false);
         return;
     }

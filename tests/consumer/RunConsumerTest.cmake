@@ -13,8 +13,11 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${OSTREL_BUILD_DIR} --prefix ${prefix})
 if(CHECK_EXPORTS AND EXISTS ${prefix}/lib/libostrel.so)
-  file(GLOB libraries ${prefix}/lib/libostrel.so.*.*.*)
-  run(${CHECK_EXPORTS} ${libraries})
+  # Every flavour: libostrel, libostrel-core, libostrel-quick.
+  file(GLOB libraries ${prefix}/lib/libostrel*.so.*.*.*)
+  foreach(library ${libraries})
+    run(${CHECK_EXPORTS} ${library})
+  endforeach()
 endif()
 run(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${build} -G ${GENERATOR}
     -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_BUILD_TYPE=Debug -DCMAKE_INSTALL_RPATH=${prefix}/lib

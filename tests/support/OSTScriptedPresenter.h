@@ -29,6 +29,7 @@ public:
         std::shared_ptr<const OSTScreen> screen;
     };
 
+    bool drawsOver(const OSTExperienceSettings &, const QWindow *) const override { return true; }
     std::shared_ptr<OSTExperiencePresenter::Presentation>
     presentationWithSettings(const OSTExperienceSettings &settings) override
     {

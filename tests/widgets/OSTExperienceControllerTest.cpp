@@ -91,6 +91,10 @@ public:
 // The production presenter, remembering its last presentation so the test can end animations.
 class WatchedPresenter final : public OSTExperiencePresenter {
 public:
+    bool drawsOver(const OSTExperienceSettings &settings, const QWindow *window) const override
+    {
+        return m_presenter.drawsOver(settings, window);
+    }
     std::shared_ptr<Presentation> presentationWithSettings(const OSTExperienceSettings &settings) override
     {
         auto presentation = std::make_shared<OSTRootPresentation>(settings);
