@@ -28,8 +28,9 @@ clean:
 	rm -rf build
 
 # The showcase: builds the demo host and the development service, then runs scripts/run-demo.
-# `make demo DEMO=--autoplay` (or a machine without a display) walks the install flow by itself.
+# `make demo DEMO=--autoplay` (or a machine without a display) walks the install flow by itself;
+# `make demo DEMO=--quick` runs the Qt Quick host instead (`DEMO="--quick --autoplay"` walks it).
 .PHONY: demo
 demo: configure
-	cmake --build --preset $(PRESET) --target ostrel-demo ostrel-devserver -j $(JOBS)
+	cmake --build --preset $(PRESET) --target ostrel-demo ostrel-demo-quick ostrel-devserver -j $(JOBS)
 	./scripts/run-demo --build build/$(PRESET) $(DEMO)

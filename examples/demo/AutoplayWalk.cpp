@@ -4,12 +4,8 @@
 #include <ostrel/OSTEventEmitter.h>
 #include <ostrel/Ostrel.h>
 
-#include <QApplication>
 #include <QDir>
-#include <QListWidget>
-#include <QTest>
 #include <QTextStream>
-#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -40,9 +36,9 @@ void say(const QString &line)
 
 } // namespace
 
-AutoplayWalk::AutoplayWalk(QWidget *window, Settings settings, QObject *parent)
+AutoplayWalk::AutoplayWalk(std::unique_ptr<AutoplayToolkit> toolkit, Settings settings, QObject *parent)
     : QObject(parent),
-      m_window(window),
+      m_toolkit(std::move(toolkit)),
       m_settings(std::move(settings)),
       m_pinReader(m_settings.serviceOutputPath),
       m_eventLog(m_settings.serviceDatabasePath),
@@ -67,7 +63,7 @@ AutoplayWalk::AutoplayWalk(QWidget *window, Settings settings, QObject *parent)
 void AutoplayWalk::start()
 {
     QDir().mkpath(m_settings.screensFolder);
-    m_window->activateWindow();
+    m_toolkit->activateWindow();
     m_watchdog.start();
     m_ticker.start();
 }
@@ -84,8 +80,8 @@ void AutoplayWalk::addSteps()
     addStep(u"type the password"_s, [this] { return type(u"password"_s, walkPassword); });
     addStep(u"open the country picker"_s, [this] { return tap(u"country"_s); });
     for (const QString &country : {u"Canada"_s, u"the United Kingdom"_s, u"France"_s})
-        addStep(u"arrow down to "_s + country, [this] { return pressKeyInWheel(u"country"_s, Qt::Key_Down); });
-    addStep(u"choose it with Return"_s, [this] { return pressKeyInWheel(u"country"_s, Qt::Key_Return); });
+        addStep(u"arrow down to "_s + country, [this] { return pressKeyInPicker(u"country"_s, Qt::Key_Down); });
+    addStep(u"choose it with Return"_s, [this] { return pressKeyInPicker(u"country"_s, Qt::Key_Return); });
     addStep(u"type the phone number"_s, [this] { return type(u"phone"_s, walkPhone); });
     addStep(u"picture of signup"_s, [this] { return saveScreen(u"signup"_s); });
     addStep(u"tap Continue on the sign-up screen"_s, [this] { return tap(u"signupContinue"_s); });
@@ -154,41 +150,23 @@ AutoplayWalk::Progress AutoplayWalk::waitForScreen(const QString &screenKey)
 
 AutoplayWalk::Progress AutoplayWalk::tap(const QString &elementKey)
 {
-    QWidget *element = visibleElement(elementKey);
-    if (!element)
+    if (!m_toolkit->tap(elementKey))
         return Progress::Waiting;
-    // Through the window, so the press reaches whatever lies at that point, as a real click does.
-    const QPoint centre = element->mapTo(m_window, element->rect().center());
-    QTest::mouseClick(m_window->windowHandle(), Qt::LeftButton, {}, centre);
     m_sinceLastInput.start();
     return Progress::Done;
 }
 
 AutoplayWalk::Progress AutoplayWalk::type(const QString &elementKey, const QString &text)
 {
-    QWidget *field = visibleElement(elementKey);
-    if (!field)
+    if (!m_toolkit->typeInto(elementKey, text))
         return Progress::Waiting;
-    if (!field->hasFocus()) {
-        // A tap gives it the focus; the typing follows on the next tick.
-        tap(elementKey);
-        return Progress::Waiting;
-    }
-    // Replaces what the field holds, as a person selecting it all and typing over it.
-    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(field, text);
     m_sinceLastInput.start();
     return Progress::Done;
 }
 
-AutoplayWalk::Progress AutoplayWalk::pressKeyInWheel(const QString &pickerKey, Qt::Key key)
+AutoplayWalk::Progress AutoplayWalk::pressKeyInPicker(const QString &pickerKey, Qt::Key key)
 {
-    QWidget *picker = visibleElement(pickerKey);
-    auto *wheel = picker ? picker->findChild<QListWidget *>() : nullptr;
-    if (!wheel || !wheel->isVisible())
-        return Progress::Waiting;
-    QTest::keyClick(wheel, key);
-    return Progress::Done;
+    return m_toolkit->pressKeyInPicker(pickerKey, key) ? Progress::Done : Progress::Waiting;
 }
 
 AutoplayWalk::Progress AutoplayWalk::pause(qint64 milliseconds) const
@@ -203,7 +181,7 @@ AutoplayWalk::Progress AutoplayWalk::saveScreen(const QString &screenKey)
     ++m_savedScreens;
     const QString path =
         QDir(m_settings.screensFolder).filePath(u"%1-%2.png"_s.arg(m_savedScreens, 2, 10, QChar(u'0')).arg(screenKey));
-    if (!m_window->grab().save(path)) {
+    if (!m_toolkit->grabScreen().save(path)) {
         finish(2, u"cannot write %1"_s.arg(path));
         return Progress::Waiting;
     }
@@ -255,16 +233,6 @@ AutoplayWalk::Progress AutoplayWalk::checkStoredEvents()
     printStoredEvents(*events);
     finish(1, u"the service did not receive the expected events: "_s + difference);
     return Progress::Waiting;
-}
-
-QWidget *AutoplayWalk::visibleElement(const QString &elementKey) const
-{
-    const QList<QWidget *> candidates = m_window->findChildren<QWidget *>(elementKey);
-    for (auto candidate = candidates.crbegin(); candidate != candidates.crend(); ++candidate) {
-        if ((*candidate)->isVisible())
-            return *candidate;
-    }
-    return nullptr;
 }
 
 void AutoplayWalk::printStoredEvents(const QList<StoredEvent> &events) const

@@ -1,19 +1,19 @@
 #pragma once
 
+#include "AutoplayToolkit.h"
 #include "ExpectedEvents.h"
 #include "ServiceEventLog.h"
 #include "VerificationPINReader.h"
 
 #include <QElapsedTimer>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QTimer>
 #include <QVariantMap>
-#include <QWidget>
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace ostrel::demo {
@@ -29,7 +29,10 @@ namespace ostrel::demo {
 // dismissal, the service) is tried again on the next tick. A watchdog ends the walk with a
 // message naming the step it was stuck on. Ends by emitting finished() once.
 //
-// Lives on the GUI thread; `window` is the host window the experience covers.
+// What it does on screen goes through an AutoplayToolkit, so the same walk drives a Qt Widgets host
+// and a Qt Quick host.
+//
+// Lives on the GUI thread; owns the toolkit, which acts on the host window the experience covers.
 class AutoplayWalk : public QObject {
     Q_OBJECT
 
@@ -43,7 +46,7 @@ public:
         std::chrono::milliseconds eventWait{10000};
     };
 
-    AutoplayWalk(QWidget *window, Settings settings, QObject *parent = nullptr);
+    AutoplayWalk(std::unique_ptr<AutoplayToolkit> toolkit, Settings settings, QObject *parent = nullptr);
 
     void start();
 
@@ -66,7 +69,7 @@ private:
     Progress waitForScreen(const QString &screenKey);
     Progress tap(const QString &elementKey);
     Progress type(const QString &elementKey, const QString &text);
-    Progress pressKeyInWheel(const QString &pickerKey, Qt::Key key);
+    Progress pressKeyInPicker(const QString &pickerKey, Qt::Key key);
     // Waits until `milliseconds` have passed since the last tap or typing.
     Progress pause(qint64 milliseconds) const;
     Progress saveScreen(const QString &screenKey);
@@ -74,11 +77,10 @@ private:
     Progress waitForDismissal();
     Progress checkStoredEvents();
 
-    QWidget *visibleElement(const QString &elementKey) const;
     void printStoredEvents(const QList<StoredEvent> &events) const;
     void finish(int exitCode, const QString &message);
 
-    QPointer<QWidget> m_window;
+    const std::unique_ptr<AutoplayToolkit> m_toolkit;
     const Settings m_settings;
     const VerificationPINReader m_pinReader;
     const ServiceEventLog m_eventLog;

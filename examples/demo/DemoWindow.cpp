@@ -1,29 +1,17 @@
 #include "DemoWindow.h"
 
+#include "HostReport.h"
+
 #include <ostrel/Ostrel.h>
 
-#include <QJsonDocument>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTime>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
 namespace ostrel::demo {
-
-namespace {
-
-// The host logs what it received, but never a password in clear.
-QVariantMap withSecretsHidden(QVariantMap fields)
-{
-    if (fields.contains(u"password"_s))
-        fields.insert(u"password"_s, u"••••••••"_s);
-    return fields;
-}
-
-} // namespace
 
 DemoWindow::DemoWindow(QWidget *parent)
     : QWidget(parent), m_userLabel(new QLabel(this)), m_handOverLog(new QPlainTextEdit(this))
@@ -54,21 +42,13 @@ DemoWindow::DemoWindow(QWidget *parent)
 
 void DemoWindow::showHandOver(const QString &callback, const QVariantMap &fields, const QString &outcome)
 {
-    const QByteArray json = QJsonDocument::fromVariant(withSecretsHidden(fields)).toJson(QJsonDocument::Indented);
-    m_handOverLog->appendPlainText(u"%1  %2 → %3\n%4"_s.arg(QTime::currentTime().toString(u"HH:mm:ss"_s), callback,
-                                                           outcome, QString::fromUtf8(json).trimmed()));
+    m_handOverLog->appendPlainText(HostReport::handOverEntry(callback, fields, outcome));
     refreshUser();
 }
 
 void DemoWindow::refreshUser()
 {
-    const OSTUser user = Ostrel::currentUser();
-    if (!user.userID() || user.userID()->isEmpty()) {
-        m_userLabel->setText(u"Nobody is signed in."_s);
-        return;
-    }
-    m_userLabel->setText(u"Signed in as <b>%1</b> (%2)"_s.arg(user.properties().value(u"name"_s).toString().toHtmlEscaped(),
-                                                              user.userID()->toHtmlEscaped()));
+    m_userLabel->setText(HostReport::signedInUser());
 }
 
 void DemoWindow::presentExperience(OSTExperienceType experienceType)
@@ -78,7 +58,7 @@ void DemoWindow::presentExperience(OSTExperienceType experienceType)
     settings.presentingViewController = this;
     Ostrel::presentExperienceWithSettings(settings, [this](bool presented) {
         if (!presented)
-            m_handOverLog->appendPlainText(u"Nothing to show for that experience now."_s);
+            m_handOverLog->appendPlainText(HostReport::nothingToShow());
         refreshUser();
     });
 }

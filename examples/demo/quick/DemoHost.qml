@@ -1,0 +1,154 @@
+// The Qt Quick demo host's window, the size of a phone screen, with the same content as the Qt
+// Widgets demo's: who is signed in, what the experience handed over to the host, and buttons that
+// show the experiences again (their object names let the autoplay walk find them). Beside it, a
+// second window lists the SDK's events as they fire.
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+
+Window {
+    id: hostWindow
+
+    required property QtObject host
+    required property var events
+
+    title: "Brightday"
+    width: 375
+    height: 667
+    minimumWidth: width
+    maximumWidth: width
+    minimumHeight: height
+    maximumHeight: height
+    visible: true
+    color: palette.window
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 16
+
+        Label {
+            Layout.fillWidth: true
+            text: "<h2>Brightday</h2>A host application with Ostrel " + hostWindow.host.ostrelVersion
+            textFormat: Text.StyledText
+            wrapMode: Text.Wrap
+        }
+        Label {
+            Layout.fillWidth: true
+            text: hostWindow.host.signedInUser
+            textFormat: Text.StyledText
+            wrapMode: Text.Wrap
+        }
+        Label {
+            text: "Handed over to the host:"
+        }
+        ScrollView {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            TextArea {
+                readOnly: true
+                wrapMode: TextEdit.Wrap
+                text: hostWindow.host.handOverLog
+                placeholderText: "What the experience hands over to the host appears here."
+                onTextChanged: cursorPosition = length
+                background: Rectangle {
+                    color: palette.base
+                    border.color: palette.mid
+                }
+            }
+        }
+        Button {
+            objectName: "showAutomatic"
+            Layout.fillWidth: true
+            text: "Show the automatic experience"
+            onClicked: hostWindow.host.showAutomaticExperience()
+        }
+        Button {
+            objectName: "showSignUp"
+            Layout.fillWidth: true
+            text: "Sign up"
+            onClicked: hostWindow.host.showSignUp()
+        }
+        Button {
+            objectName: "showLogIn"
+            Layout.fillWidth: true
+            text: "Log in"
+            onClicked: hostWindow.host.showLogIn()
+        }
+        Button {
+            objectName: "logOut"
+            Layout.fillWidth: true
+            text: "Log out"
+            onClicked: hostWindow.host.logOut()
+        }
+    }
+
+    Window {
+        title: "Ostrel events"
+        x: hostWindow.x + hostWindow.width + 16
+        y: hostWindow.y
+        width: 640
+        height: 667
+        visible: true
+        color: palette.base
+
+        ListView {
+            id: eventList
+
+            readonly property var columnWidths: [96, 150, 130]
+
+            anchors.fill: parent
+            clip: true
+            model: hostWindow.events
+            headerPositioning: ListView.OverlayHeader
+            onCountChanged: positionViewAtEnd()
+
+            header: Rectangle {
+                width: eventList.width
+                height: headerRow.implicitHeight + 8
+                z: 2
+                color: palette.button
+
+                Row {
+                    id: headerRow
+                    x: 4
+                    anchors.verticalCenter: parent.verticalCenter
+                    spacing: 8
+
+                    Repeater {
+                        model: ["Time", "Event", "Type", "Details"]
+
+                        Label {
+                            width: eventList.columnWidths[index] ?? implicitWidth
+                            text: modelData
+                            font.bold: true
+                        }
+                    }
+                }
+            }
+            delegate: Rectangle {
+                required property int index
+                required property string time
+                required property string name
+                required property string type
+                required property string details
+
+                width: eventList.width
+                height: row.implicitHeight + 4
+                color: index % 2 ? palette.alternateBase : palette.base
+
+                Row {
+                    id: row
+                    x: 4
+                    anchors.verticalCenter: parent.verticalCenter
+                    spacing: 8
+
+                    Label { width: eventList.columnWidths[0]; text: time; elide: Text.ElideRight }
+                    Label { width: eventList.columnWidths[1]; text: name; elide: Text.ElideRight }
+                    Label { width: eventList.columnWidths[2]; text: type; elide: Text.ElideRight }
+                    Label { text: details }
+                }
+            }
+        }
+    }
+}
