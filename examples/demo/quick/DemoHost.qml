@@ -1,7 +1,6 @@
 // The Qt Quick demo host's window, the size of a phone screen, with the same content as the Qt
 // Widgets demo's: who is signed in, what the experience handed over to the host, and buttons that
-// show the experiences again (their object names let the autoplay walk find them). Beside it, a
-// second window lists the SDK's events as they fire.
+// show the experiences again (their object names let the autoplay walk find them).
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -10,7 +9,6 @@ Window {
     id: hostWindow
 
     required property QtObject host
-    required property var events
 
     title: "Brightday"
     width: 375
@@ -80,75 +78,6 @@ Window {
             Layout.fillWidth: true
             text: "Log out"
             onClicked: hostWindow.host.logOut()
-        }
-    }
-
-    Window {
-        title: "Ostrel events"
-        x: hostWindow.x + hostWindow.width + 16
-        y: hostWindow.y
-        width: 640
-        height: 667
-        visible: true
-        color: palette.base
-
-        ListView {
-            id: eventList
-
-            readonly property var columnWidths: [96, 150, 130]
-
-            anchors.fill: parent
-            clip: true
-            model: hostWindow.events
-            headerPositioning: ListView.OverlayHeader
-            onCountChanged: positionViewAtEnd()
-
-            header: Rectangle {
-                width: eventList.width
-                height: headerRow.implicitHeight + 8
-                z: 2
-                color: palette.button
-
-                Row {
-                    id: headerRow
-                    x: 4
-                    anchors.verticalCenter: parent.verticalCenter
-                    spacing: 8
-
-                    Repeater {
-                        model: ["Time", "Event", "Type", "Details"]
-
-                        Label {
-                            width: eventList.columnWidths[index] ?? implicitWidth
-                            text: modelData
-                            font.bold: true
-                        }
-                    }
-                }
-            }
-            delegate: Rectangle {
-                required property int index
-                required property string time
-                required property string name
-                required property string type
-                required property string details
-
-                width: eventList.width
-                height: row.implicitHeight + 4
-                color: index % 2 ? palette.alternateBase : palette.base
-
-                Row {
-                    id: row
-                    x: 4
-                    anchors.verticalCenter: parent.verticalCenter
-                    spacing: 8
-
-                    Label { width: eventList.columnWidths[0]; text: time; elide: Text.ElideRight }
-                    Label { width: eventList.columnWidths[1]; text: name; elide: Text.ElideRight }
-                    Label { width: eventList.columnWidths[2]; text: type; elide: Text.ElideRight }
-                    Label { text: details }
-                }
-            }
         }
     }
 }

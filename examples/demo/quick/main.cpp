@@ -29,6 +29,19 @@ void useSoftwareRendererOffscreen()
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
 
+// The window the QML file makes, with its required properties; null (after a message) when it fails.
+QQuickWindow *loadWindow(QQmlApplicationEngine &engine, const QString &file, const QVariantMap &properties)
+{
+    engine.setInitialProperties(properties);
+    const qsizetype loaded = engine.rootObjects().size();
+    engine.load(QUrl(u"qrc:/ostrel-demo/"_s + file));
+    const QList<QObject *> roots = engine.rootObjects();
+    auto *window = roots.size() > loaded ? qobject_cast<QQuickWindow *>(roots.constLast()) : nullptr;
+    if (!window)
+        QTextStream(stderr) << "ostrel-demo-quick: " << file << " made no window" << Qt::endl;
+    return window;
+}
+
 bool refuseMeasurement(const DemoOptions &options)
 {
     if (!options.measure && !options.withoutSDK)
@@ -59,14 +72,13 @@ int main(int argc, char **argv)
     host.refreshUser();
 
     QQmlApplicationEngine engine;
-    engine.setInitialProperties({{u"host"_s, QVariant::fromValue(&host)}, {u"events"_s, QVariant::fromValue(&events)}});
-    engine.load(QUrl(u"qrc:/ostrel-demo/DemoHost.qml"_s));
-    auto *window = engine.rootObjects().isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-    if (!window) {
-        QTextStream(stderr) << "ostrel-demo-quick: the QML window did not load" << Qt::endl;
+    QQuickWindow *eventWindow = loadWindow(engine, u"EventList.qml"_s, {{u"events"_s, QVariant::fromValue(&events)}});
+    QQuickWindow *window = loadWindow(engine, u"DemoHost.qml"_s, {{u"host"_s, QVariant::fromValue(&host)}});
+    if (!eventWindow || !window)
         return 1;
-    }
+    eventWindow->setPosition(window->frameGeometry().topRight() + QPoint(16, 0));
     host.setWindow(window);
+    // Whichever window the platform activated last, key presses must reach the host's.
     window->requestActivate();
 
     OSTExperienceSettings settings = OSTExperienceSettings::settings();
