@@ -2,7 +2,7 @@
 
 #include "model/OSTValidationItem.h"
 #include "screen/OSTButtonDescription.h"
-#include "widgets/OSTTextAttributes.h"
+#include "paint/OSTTextAttributes.h"
 
 #include <QAbstractButton>
 

@@ -1,6 +1,6 @@
 #include "widgets/OSTImageDisplay.h"
 
-#include "widgets/OSTPaintedLayerCache.h"
+#include "paint/OSTPaintedLayerCache.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

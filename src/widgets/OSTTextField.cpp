@@ -6,7 +6,7 @@
 #include "model/OSTValidationItemModel.h"
 #include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTLabel.h"
-#include "widgets/OSTTextAttributes.h"
+#include "paint/OSTTextAttributes.h"
 #include "widgets/OSTToolbar.h"
 #include "widgets/OSTView.h"
 #include "widgets/OSTViewEffect.h"

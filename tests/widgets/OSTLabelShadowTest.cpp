@@ -1,8 +1,8 @@
 // A text shadow far beyond any screen, as a label paints it.
 
-#include "widgets/OSTAlphaBlur.h"
+#include "paint/OSTAlphaBlur.h"
 #include "widgets/OSTLabel.h"
-#include "widgets/OSTPaintedLayerCache.h"
+#include "paint/OSTPaintedLayerCache.h"
 
 #include "support/OSTTestSupport.h"
 

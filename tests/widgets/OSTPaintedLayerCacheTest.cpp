@@ -3,7 +3,7 @@
 
 #include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTImageDisplay.h"
-#include "widgets/OSTPaintedLayerCache.h"
+#include "paint/OSTPaintedLayerCache.h"
 #include "widgets/OSTSwitchControl.h"
 #include "widgets/OSTView.h"
 
