@@ -17,6 +17,8 @@ constexpr int shrinkSteps = 8;
 } // namespace
 
 OSTTextPainter::OSTTextPainter() = default;
+OSTTextPainter::OSTTextPainter(OSTTextPainter &&) noexcept = default;
+OSTTextPainter &OSTTextPainter::operator=(OSTTextPainter &&) noexcept = default;
 OSTTextPainter::~OSTTextPainter() = default;
 
 void OSTTextPainter::setAttributes(const OSTTextAttributes &attributes)

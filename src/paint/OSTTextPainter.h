@@ -25,6 +25,8 @@ namespace ostrel {
 class OSTTextPainter {
 public:
     OSTTextPainter();
+    OSTTextPainter(OSTTextPainter &&) noexcept;
+    OSTTextPainter &operator=(OSTTextPainter &&) noexcept;
     ~OSTTextPainter();
 
     void setAttributes(const OSTTextAttributes &attributes);
