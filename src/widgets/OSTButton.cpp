@@ -9,7 +9,6 @@
 #include <QKeyEvent>
 #include <QPainter>
 
-
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
