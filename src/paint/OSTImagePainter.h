@@ -19,9 +19,10 @@ namespace ostrel {
 // corners keep their size. Nothing is drawn outside the box. The picture is drawn once per size
 // and device pixel ratio and kept (OSTPaintedLayerCache).
 //
-// Coordinates are the box's own: it fills (0, 0, size). A value type; paints on the thread that
-// owns the painter, which must be the GUI thread (the kept layers are the process's and the
-// nine-patch goes through a QPixmap).
+// Coordinates are the box's own: it fills (0, 0, size). A value type; paints where the kept layers
+// may be used (OSTPaintedLayerCache: the GUI thread, or a thread painting while it waits), and
+// the nine-patch goes through a QPixmap, which off the GUI thread needs a platform with threaded
+// pixmaps.
 class OSTImagePainter {
 public:
     const QImage &image() const { return m_image; }

@@ -21,7 +21,8 @@ namespace ostrel {
 // Coordinates are the painter's; the box is given in them. Keeps the last layout and reuses it
 // while the text, the box's size and the fallback font stay the same, so the painting calls are
 // not const. Owned by the view or item that shows the text; lays out and paints on whichever
-// thread owns the painter and that owner (the GUI thread for widgets).
+// thread owns the painter and that owner (the GUI thread for widgets). A shadow's blur is kept
+// in OSTPaintedLayerCache, which has its own thread rule.
 class OSTTextPainter {
 public:
     OSTTextPainter();
