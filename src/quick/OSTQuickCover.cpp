@@ -82,6 +82,17 @@ void OSTQuickCover::coverWindow(QQuickWindow &window)
 {
     m_window = &window;
     m_focusBeforePresenting = window.activeFocusItem();
+    // A second presentation replaces the first, and gives the focus back where the first would have.
+    for (QQuickItem *child : window.contentItem()->childItems()) {
+        auto *earlier = qobject_cast<OSTQuickCover *>(child);
+        if (!earlier || earlier == this)
+            continue;
+        m_focusBeforePresenting = earlier->m_focusBeforePresenting;
+        earlier->m_focusBeforePresenting.clear();
+        earlier->leaveAtOnce();
+    }
+    // Owned by the scene: a window that goes away takes the experience with it.
+    setParent(window.contentItem());
     setParentItem(window.contentItem());
     followContentSize();
     connect(window.contentItem(), &QQuickItem::widthChanged, this, &OSTQuickCover::followContentSize);
@@ -133,6 +144,7 @@ void OSTQuickCover::presentExperience(Completion completion)
 void OSTQuickCover::showExperience(OSTQuickExperienceItem *experience, Completion completion)
 {
     m_experience = experience;
+    experience->setParent(this);
     experience->setParentItem(this);
     experience->setSize(size());
     experience->forceActiveFocus();
@@ -178,6 +190,15 @@ void OSTQuickCover::dismiss(Completion completion)
         leaveWindow();
         callCompletion(completion, true);
     });
+}
+
+void OSTQuickCover::leaveAtOnce()
+{
+    m_state = State::Dismissed;
+    finishRunningFade();
+    if (m_experience)
+        m_experience->experienceDidDisappear();
+    leaveWindow();
 }
 
 void OSTQuickCover::leaveWindow()

@@ -69,6 +69,8 @@ private:
     void showExperience(OSTQuickExperienceItem *experience, Completion completion);
     void fail(const Completion &completion);
     void fadeOpacity(QQuickItem *item, qreal from, qreal to, int milliseconds, std::function<void()> then);
+    // Replaced by a later presentation: leaves without a fade.
+    void leaveAtOnce();
     void leaveWindow();
     void finishRunningFade();
 

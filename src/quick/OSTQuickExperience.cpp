@@ -67,6 +67,7 @@ void OSTQuickExperience::show(OSTQuickExperienceItem *experience)
     delete m_experience.data();
     m_experience = experience;
     if (experience) {
+        experience->setParent(this);
         experience->setParentItem(this);
         experience->setSize(size());
         connect(experience, &OSTQuickExperienceItem::closeRequested, this, &OSTQuickExperience::closed);

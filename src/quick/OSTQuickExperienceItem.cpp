@@ -117,6 +117,7 @@ OSTScreenModel *OSTQuickExperienceItem::makeScreen(const std::shared_ptr<const O
     OSTQuickScreen *made = OSTQuickScreen::screenWithScreen(screen, environment);
     if (!made)
         return nullptr;
+    made->setParent(this);
     made->setParentItem(this);
     made->setVisible(false);
     m_offStage.append(made);
@@ -195,6 +196,7 @@ OSTQuickScreen *OSTQuickExperienceItem::top() const
 
 void OSTQuickExperienceItem::placeOnStage(OSTQuickScreen &screen)
 {
+    screen.setParent(this);
     screen.setParentItem(this);
     screen.setPosition({0, 0});
     screen.setSize(size());

@@ -1,0 +1,177 @@
+// Experiences drawn by Qt Quick, through the public API and against the development service: the
+// cover over a host's QQuickWindow (its size, its focus, a second presentation, a window that goes
+// away) and the QML type a host places itself.
+
+#include <ostrel/Ostrel.h>
+
+#include "experience/OSTExperienceManager.h"
+#include "experience/OSTScreen.h"
+#include "model/OSTExperienceModel.h"
+#include "platform/OSTApplication.h"
+#include "quick/OSTQuickCover.h"
+#include "quick/OSTQuickExperience.h"
+#include "quick/OSTQuickExperienceItem.h"
+#include "quick/OSTQuickScreen.h"
+#include "support/OSTDevServerProcess.h"
+#include "support/OSTTestSupport.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace ostrel;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QColor hostColor(0x20, 0x40, 0x60);
+
+QVariantMap sampleExperience()
+{
+    QFile file(QStringLiteral(QT_TESTCASE_SOURCEDIR "/widgets/samples/experience/experience.json"));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return QJsonDocument::fromJson(file.readAll()).toVariant().toMap();
+}
+
+QList<OSTQuickCover *> coversIn(const QQuickWindow &window)
+{
+    QList<OSTQuickCover *> covers;
+    for (QQuickItem *child : window.contentItem()->childItems()) {
+        if (auto *cover = qobject_cast<OSTQuickCover *>(child))
+            covers << cover;
+    }
+    return covers;
+}
+
+class QuickExperience : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); }
+
+    void SetUp() override
+    {
+        if (!test::OSTDevServerProcess::isAvailable())
+            GTEST_SKIP() << "ostrel-devserver is not built";
+        m_server.writeExperience(sampleExperience());
+        ASSERT_TRUE(m_server.start());
+        m_server.installMainBundle(m_bundle.path(), {{u"OstrelToken"_s, u"test-token"_s}});
+        m_window = std::make_unique<QQuickWindow>();
+        m_window->setColor(hostColor);
+        m_window->resize(375, 667);
+        m_hostItem = new QQuickItem(m_window->contentItem());
+        m_window->show();
+        m_window->requestActivate();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
+        m_hostItem->forceActiveFocus();
+        OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
+        Ostrel::start();
+        Ostrel::applicationDidChangeState(OSTApplicationState::Active);
+        std::optional<bool> launched;
+        Ostrel::executeAfterLaunch([&](bool success) { launched = success; });
+        Ostrel::applicationDidFinishLaunching();
+        ASSERT_TRUE(test::waitUntil([&] { return launched.has_value(); }, 30000));
+    }
+
+    // Ends every running fade and slide.
+    void settle() const
+    {
+        for (int round = 0; round < 4; ++round) {
+            QCoreApplication::processEvents();
+            for (OSTQuickCover *cover : coversIn(*m_window)) {
+                if (QAbstractAnimation *fade = cover->runningFade())
+                    fade->setCurrentTime(fade->totalDuration());
+                if (OSTQuickExperienceItem *experience = cover->experience(); experience && experience->runningSlide())
+                    experience->runningSlide()->setCurrentTime(experience->runningSlide()->totalDuration());
+            }
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
+
+    std::optional<bool> present()
+    {
+        std::optional<bool> presented;
+        Ostrel::presentExperienceWithCompletion([&](bool shown) { presented = shown; });
+        test::waitUntil([&] { return presented.has_value(); });
+        settle();
+        return presented;
+    }
+
+    QString currentScreenKey() const
+    {
+        const auto screen = OSTExperienceManager::sharedManager().currentScreen();
+        return screen ? screen->key() : QString();
+    }
+
+    test::OSTDevServerProcess m_server;
+    QTemporaryDir m_bundle;
+    std::unique_ptr<QQuickWindow> m_window;
+    QQuickItem *m_hostItem = nullptr; // child item of the window's content
+};
+
+} // namespace
+
+TEST_F(QuickExperience, TheCoverFillsTheQuickWindowFollowsItAndGivesItsFocusBack)
+{
+    EXPECT_EQ(present(), true);
+    ASSERT_EQ(coversIn(*m_window).size(), 1);
+    OSTQuickCover *cover = coversIn(*m_window).front();
+    EXPECT_EQ(cover->size(), QSizeF(375, 667));
+    EXPECT_EQ(currentScreenKey(), u"welcome"_s);
+    EXPECT_TRUE(cover->isAncestorOf(m_window->activeFocusItem())) << "the experience takes the keyboard";
+    const QImage grab = m_window->grabWindow();
+    EXPECT_NE(grab.pixelColor(grab.width() / 2, grab.height() / 2), hostColor) << "the experience covers the host";
+
+    m_window->resize(500, 700);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(cover->size(), QSizeF(500, 700));
+    ASSERT_NE(cover->experience(), nullptr);
+    EXPECT_EQ(cover->experience()->stack().front()->size(), QSizeF(500, 700));
+
+    EXPECT_EQ(present(), true);
+    EXPECT_EQ(coversIn(*m_window).size(), 1) << "a second presentation replaces the first";
+
+    std::optional<bool> dismissed;
+    Ostrel::dismissExperienceWithCompletion([&](bool done) { dismissed = done; });
+    settle();
+    EXPECT_EQ(dismissed, true);
+    EXPECT_TRUE(coversIn(*m_window).isEmpty());
+    EXPECT_FALSE(Ostrel::isPresentingExperience());
+    EXPECT_EQ(m_window->activeFocusItem(), m_hostItem) << "the host's item has the keyboard again";
+}
+
+TEST_F(QuickExperience, AWindowThatGoesAwayTakesTheExperienceWithItAndNothingHangs)
+{
+    EXPECT_EQ(present(), true);
+    m_window.reset();
+    settle();
+    std::optional<bool> dismissed;
+    Ostrel::dismissExperienceWithCompletion([&](bool done) { dismissed = done; });
+    settle();
+    EXPECT_EQ(dismissed, false) << "nothing was left to dismiss";
+    EXPECT_FALSE(Ostrel::isPresentingExperience());
+}
+
+TEST_F(QuickExperience, TheQmlTypeShowsAnExperienceWhereTheHostPlacesIt)
+{
+    QQmlEngine engine;
+    QQmlComponent component(&engine);
+    component.setData("import QtQuick\nimport Ostrel\nOstrelExperience { width: 320; height: 480; experienceType: 1 }",
+                      QUrl(u"qrc:/host.qml"_s));
+    ASSERT_TRUE(component.isReady()) << component.errorString().toStdString();
+    std::unique_ptr<QObject> object(component.create());
+    auto *placed = qobject_cast<OSTQuickExperience *>(object.get());
+    ASSERT_NE(placed, nullptr);
+    placed->setParentItem(m_window->contentItem());
+    ASSERT_TRUE(test::waitUntil([&] { return placed->isLoaded(); }));
+    ASSERT_EQ(placed->experience()->stack().size(), 1);
+    EXPECT_EQ(placed->experience()->stack().front()->screen()->key(), u"welcome"_s);
+    EXPECT_EQ(placed->experience()->size(), QSizeF(320, 480));
+
+    placed->setExperienceType(3000);
+    ASSERT_TRUE(test::waitUntil([&] { return !placed->isLoaded(); })) << "a type that names no experience shows none";
+}
