@@ -169,7 +169,7 @@ void OSTQuickExperienceItem::showLoadingOverlay()
 {
     if (!m_loadingOverlay)
         m_loadingOverlay = new OSTQuickLoadingOverlay(this);
-    m_loadingOverlay->presentOnItem(this);
+    m_loadingOverlay->present();
     m_waitsForCheck = true;
     forceActiveFocus();
 }

@@ -1,11 +1,15 @@
 #pragma once
 
 #include <QImage>
+#include <QList>
+#include <QUrl>
 #include <QSize>
 #include <QString>
 
 #include <functional>
 #include <memory>
+
+class QObject;
 
 namespace ostrel {
 class OSTScreen;
@@ -32,4 +36,11 @@ public:
 
     // Images come from files or the service; a preview gives them this long to arrive.
     static constexpr int imageWaitMilliseconds = 10000;
+
+protected:
+    // Turns the event loop while `pending` holds, at most imageWaitMilliseconds.
+    static void waitWhile(const std::function<bool()> &pending);
+    // Prints that the image of the element owning `image` (its nearest named ancestor) did not load
+    // from any of `addresses`.
+    static void warnImageFailed(const QObject &image, const QList<QUrl> &addresses);
 };

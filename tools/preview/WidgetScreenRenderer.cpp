@@ -3,13 +3,10 @@
 #include "widgets/OSTImageView.h"
 #include "widgets/OSTScreenView.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QWidget>
 
-#include <cstdio>
+#include <algorithm>
 
-using namespace Qt::StringLiterals;
 using ostrel::OSTImageView;
 using ostrel::OSTScreenView;
 
@@ -44,32 +41,17 @@ bool WidgetScreenRenderer::build(const std::shared_ptr<const ostrel::OSTScreen> 
 
 void WidgetScreenRenderer::waitForImages()
 {
-    OSTScreenView &view = *m_view;
-    const QDeadlineTimer deadline(imageWaitMilliseconds);
-    const auto pending = [&view] {
-        for (const OSTImageView *image : imageViewsOf(view)) {
-            if (!image->candidateURLs().isEmpty() && image->image().isNull() && image->isLoadingRequiredImage())
-                return true;
-        }
-        return !view.isFullyLoaded();
-    };
-    // Named images and failures arrive on the next turns of the event loop; downloads later.
-    for (int turn = 0; turn < 3; ++turn)
-        QCoreApplication::processEvents();
-    while (pending() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-
+    const OSTScreenView &view = *m_view;
+    waitWhile([&view] {
+        const QList<OSTImageView *> images = imageViewsOf(view);
+        const bool loading = std::any_of(images.begin(), images.end(), [](const OSTImageView *image) {
+            return !image->candidateURLs().isEmpty() && image->image().isNull() && image->isLoadingRequiredImage();
+        });
+        return loading || !view.isFullyLoaded();
+    });
     for (const OSTImageView *image : imageViewsOf(view)) {
-        if (image->candidateURLs().isEmpty() || !image->image().isNull())
-            continue;
-        QStringList addresses;
-        for (const QUrl &url : image->candidateURLs())
-            addresses << url.toString();
-        QString owner;
-        for (const QObject *object = image; object && owner.isEmpty(); object = object->parent())
-            owner = object->objectName();
-        std::fprintf(stderr, "%s\n",
-                     qPrintable(u"warning: image of \"%1\" failed to load: %2"_s.arg(owner, addresses.join(u", "_s))));
+        if (!image->candidateURLs().isEmpty() && image->image().isNull())
+            warnImageFailed(*image, image->candidateURLs());
     }
 }
 
