@@ -1,0 +1,206 @@
+#include "quick/OSTQuickButton.h"
+
+#include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickImage.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace ostrel {
+
+OSTQuickButton::OSTQuickButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
+                               QQuickItem *parent)
+    : QQuickPaintedItem(parent), m_description(std::move(description)), m_checkable(m_description->isToggle())
+{
+    setObjectName(name());
+    setAntialiasing(true);
+    setFrame(frame);
+    setAcceptedMouseButtons(Qt::LeftButton);
+    setActiveFocusOnTab(true);
+    setOpacity(m_description->buttonAlpha());
+    const OSTButtonDescription::States &states = *m_description->states();
+    m_normalBackground = addBackground(*states.normal.background);
+    if (states.pressed)
+        m_highlightedBackground = addBackground(*states.pressed->background);
+    if (states.disabled)
+        m_disabledBackground = addBackground(*states.disabled->background);
+    updateBackgrounds();
+}
+
+OSTQuickButton::~OSTQuickButton() = default;
+
+OSTQuickImage *OSTQuickButton::addBackground(const OSTImageDescription &background)
+{
+    // Beneath the button's own painting, the title.
+    auto *image = new OSTQuickImage(QRect(QPoint(), frame().size()), background, this);
+    image->setZ(-1);
+    return image;
+}
+
+void OSTQuickButton::setFrame(const QRect &frame)
+{
+    setPosition(frame.topLeft());
+    setSize(frame.size());
+}
+
+QRect OSTQuickButton::frame() const
+{
+    return QRectF(position(), size()).toAlignedRect();
+}
+
+bool OSTQuickButton::showsPressed() const
+{
+    return (m_down || m_checked) && m_highlightedBackground;
+}
+
+void OSTQuickButton::updateBackgrounds()
+{
+    const bool disabled = !isEnabled();
+    const bool pressed = showsPressed();
+    if (m_normalBackground)
+        m_normalBackground->setVisible(!pressed && !(m_disabledBackground && disabled));
+    if (m_highlightedBackground)
+        m_highlightedBackground->setVisible(!disabled && pressed);
+    if (m_disabledBackground)
+        m_disabledBackground->setVisible(disabled);
+    update();
+}
+
+const OSTButtonDescription::StateLook &OSTQuickButton::currentLook() const
+{
+    const OSTButtonDescription::States &states = *m_description->states();
+    if (!isEnabled() && states.disabled)
+        return *states.disabled;
+    if ((m_down || m_checked) && states.pressed)
+        return *states.pressed;
+    return states.normal;
+}
+
+QString OSTQuickButton::currentTitle() const
+{
+    return currentLook().title;
+}
+
+void OSTQuickButton::setCheckable(bool checkable)
+{
+    m_checkable = checkable;
+    if (!checkable)
+        setChecked(false);
+}
+
+void OSTQuickButton::setChecked(bool checked)
+{
+    if (!m_checkable || checked == m_checked)
+        return;
+    m_checked = checked;
+    updateBackgrounds();
+}
+
+void OSTQuickButton::setDown(bool down)
+{
+    if (down == m_down)
+        return;
+    m_down = down;
+    updateBackgrounds();
+}
+
+void OSTQuickButton::click()
+{
+    if (!isEnabled())
+        return;
+    if (m_checkable)
+        setChecked(!m_checked);
+    clicked();
+}
+
+void OSTQuickButton::clicked()
+{
+    if (isToggle()) {
+        updateToggleValidity();
+        if (const auto itemModel = model())
+            itemModel->valueChanged();
+    }
+    emit tapped(this);
+}
+
+void OSTQuickButton::updateToggleValidity()
+{
+    if (const auto itemModel = model())
+        itemModel->setValid(itemModel->isOptional() || m_checked);
+}
+
+void OSTQuickButton::modelDidChange()
+{
+    if (isToggle())
+        updateToggleValidity();
+}
+
+QVariant OSTQuickButton::value() const
+{
+    return isToggle() ? QVariant(m_checked) : QVariant();
+}
+
+void OSTQuickButton::setValue(const QVariant &value)
+{
+    if (!value.canConvert<bool>() || !value.isValid())
+        return;
+    setChecked(value.toBool());
+    if (const auto itemModel = model())
+        itemModel->valueChanged();
+}
+
+void OSTQuickButton::paint(QPainter *)
+{
+}
+
+void OSTQuickButton::mousePressEvent(QMouseEvent *event)
+{
+    setDown(true);
+    event->accept();
+}
+
+void OSTQuickButton::mouseReleaseEvent(QMouseEvent *event)
+{
+    const bool inside = contains(event->position());
+    const bool wasDown = m_down;
+    setDown(false);
+    if (wasDown && inside)
+        click();
+}
+
+void OSTQuickButton::mouseUngrabEvent()
+{
+    setDown(false);
+}
+
+void OSTQuickButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Space && event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QQuickPaintedItem::keyPressEvent(event);
+        return;
+    }
+    click();
+}
+
+void OSTQuickButton::itemChange(ItemChange change, const ItemChangeData &value)
+{
+    QQuickPaintedItem::itemChange(change, value);
+    if (change == ItemEnabledHasChanged) {
+        if (!isEnabled())
+            setDown(false);
+        updateBackgrounds();
+    }
+    else if (change == ItemActiveFocusHasChanged)
+        update();
+}
+
+void OSTQuickButton::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    for (OSTQuickImage *background : {m_normalBackground, m_highlightedBackground, m_disabledBackground})
+        if (background)
+            background->setSize(newGeometry.size());
+}
+
+} // namespace ostrel

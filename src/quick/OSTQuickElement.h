@@ -1,0 +1,56 @@
+#pragma once
+
+#include "screen/OSTBoxLook.h"
+#include "screen/OSTShadow.h"
+
+#include <QPointer>
+#include <QQuickPaintedItem>
+
+#include <optional>
+
+namespace ostrel {
+
+class OSTElementDescription;
+class OSTQuickShadow;
+
+// The base of every Qt Quick element item, and the item of shapes, groups and a screen's backdrop:
+// it paints its element box, takes the element's opacity as the item's and casts the element's
+// object shadow through a child item beneath it (OSTQuickShadow), since a painted item cannot
+// draw outside its bounds. A group's members are placed in container(), which clips them to the
+// box when the box has a border or rounded corners.
+//
+// Lives on the GUI thread; owned by its parent item.
+class OSTQuickElement : public QQuickPaintedItem {
+    Q_OBJECT
+
+public:
+    OSTQuickElement(const QRect &frame, const OSTElementDescription &description, QQuickItem *parent);
+    ~OSTQuickElement() override;
+
+    // Restyles the item; the description replaces the whole earlier look.
+    void customize(const OSTElementDescription &description);
+    void setFrame(const QRect &frame);
+    QRect frame() const;
+
+    const OSTBoxLook &boxLook() const { return m_boxLook; }
+    // The item members are placed in, made on first use.
+    QQuickItem *container();
+    const std::optional<OSTShadow> &objectShadow() const { return m_objectShadow; }
+
+    void paint(QPainter *painter) override;
+
+protected:
+    // What a subclass draws above the box.
+    virtual void paintContent(QPainter &painter);
+    void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
+
+private:
+    void updateContainer();
+
+    OSTBoxLook m_boxLook;
+    std::optional<OSTShadow> m_objectShadow;
+    QPointer<OSTQuickShadow> m_shadow; // child item, present while the element casts a shadow
+    QPointer<QQuickItem> m_container;  // child item
+};
+
+} // namespace ostrel

@@ -1,0 +1,49 @@
+#include "quick/OSTQuickImage.h"
+
+#include "model/OSTRemoteImage.h"
+#include "screen/OSTImageDescription.h"
+
+namespace ostrel {
+
+OSTQuickImage::OSTQuickImage(const QRect &frame, const OSTImageDescription &description, QQuickItem *parent)
+    : OSTQuickElement(frame, description, parent), m_remoteImage(new OSTRemoteImage(description.source(), this)),
+      m_contentMode(description.source().contentMode), m_capInsets(description.source().capInsets)
+{
+    connect(m_remoteImage, &OSTRemoteImage::finished, this, &OSTQuickImage::finishLoadingWithImage);
+    m_remoteImage->load();
+}
+
+void OSTQuickImage::setImage(const QImage &image)
+{
+    m_image = image;
+    update();
+}
+
+bool OSTQuickImage::isImageRequired() const
+{
+    return m_remoteImage->isRequired();
+}
+
+bool OSTQuickImage::isLoadingRequiredImage() const
+{
+    return isImageRequired() && m_remoteImage->isLoading();
+}
+
+const QList<QUrl> &OSTQuickImage::candidateURLs() const
+{
+    return m_remoteImage->candidateURLs();
+}
+
+void OSTQuickImage::finishLoadingWithImage(const QImage &image)
+{
+    setImage(image);
+    if (isImageRequired())
+        emit requiredImageFinished();
+}
+
+void OSTQuickImage::paintContent(QPainter &painter)
+{
+    OSTQuickElement::paintContent(painter);
+}
+
+} // namespace ostrel

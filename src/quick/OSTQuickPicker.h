@@ -1,0 +1,141 @@
+#pragma once
+
+#include "model/OSTValidationItem.h"
+#include "quick/OSTQuickInput.h"
+#include "screen/OSTPickerDescription.h"
+
+#include <ostrel/OSTPropertyConversions.h>
+
+#include <QDateTime>
+#include <QMarginsF>
+#include <QPointer>
+#include <QQuickPaintedItem>
+#include <QStringList>
+
+#include <memory>
+
+namespace ostrel {
+
+class OSTQuickPicker;
+class OSTQuickPickerWheel;
+class OSTQuickToolbar;
+
+// Told of each country chosen in a Qt Quick country picker. A phone text field adopts it to
+// format the number under the chosen calling code. Adopted by QObjects only (Q_INTERFACES).
+class OSTQuickPickerDelegate {
+public:
+    virtual ~OSTQuickPickerDelegate() = default;
+    virtual void pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code) = 0;
+};
+
+} // namespace ostrel
+
+Q_DECLARE_INTERFACE(ostrel::OSTQuickPickerDelegate, "com.ostrelhq.Ostrel.OSTQuickPickerDelegate")
+
+namespace ostrel {
+
+// A picker input drawn by Qt Quick: shows its current choice over the element's background and,
+// when opened, a painted wheel (OSTQuickPickerWheel) below it with the optional toolbar above the
+// wheel. From its description (OSTPickerDescription) it takes the background, the label of the
+// choice, its insets (default 0, 10, 0, 16), the toolbar (cancel closes the wheel, done moves to
+// the next input), the input order, the accessibility name and the wheel's rows:
+//
+//   country  one row per entry of the country table, "+44     \tUnited Kingdom"
+//   date     one row per day between the bounds (per minute of the day for the time modes),
+//            starting at the start date, else now within the bounds
+//   custom   the custom entries; none leave the picker disabled, reporting ""
+//
+// Keyboard: Space, Alt+Down or F4 open the wheel; in it, Up and Down choose (live, as a wheel
+// does), Return or Enter choose and move to the next input, Escape closes it. Return on the
+// closed picker moves to the next input; Tab and Shift+Tab follow the input chain. A click
+// opens the wheel; a click on a row chooses it and closes the wheel.
+//
+// Wiring a country picker to a phone field: picker->setDelegate(field); the field at once
+// formats under the picker's current code and again after each choice. The picker keeps the
+// delegate weakly (QPointer). A picker always holds a valid choice: attaching a model marks it
+// valid.
+//
+// Lives on the GUI thread; owned by its parent item. The toolbar and wheel are its QObject
+// children, shown in the window's content item (above the screen) while open.
+class OSTQuickPicker final : public QQuickPaintedItem, public OSTValidationItem, public OSTQuickInput {
+    Q_OBJECT
+
+public:
+    enum class Formatting { Plain, Formatted };
+
+    OSTQuickPicker(const QRectF &frame, std::shared_ptr<const OSTPickerDescription> description,
+                   QQuickItem *parent = nullptr);
+    ~OSTQuickPicker() override;
+
+    const QString &name() const { return m_description->key(); }
+    OSTPickerType type() const { return m_description->wheel().type; }
+    QMarginsF contentInsets() const { return m_contentInsets; }
+    // The text the picker shows: its current choice.
+    const QString &choiceText() const { return m_choiceText; }
+    // The toolbar above the wheel; null without "toolbar".
+    OSTQuickToolbar *toolbar() const { return m_toolbar; }
+    // Null when the picker has no rows.
+    OSTQuickPickerWheel *wheel() const { return m_wheel; }
+    const QString &country() const { return m_country; }
+    const QString &countryCode() const { return m_countryCode; }
+
+    // Keeps the delegate (a QObject adopting OSTQuickPickerDelegate; anything else clears it)
+    // and, for a country picker, tells it the current choice at once.
+    void setDelegate(QObject *delegate);
+
+    qsizetype rowCount() const;
+    // A row's title: formatted for the wheel, plain for the picker's own text ("+44 United
+    // Kingdom"); "" for a row out of range.
+    QString titleAtRow(qsizetype row, Formatting formatting) const;
+    // Chooses a row as the user does on the wheel.
+    void selectRow(qsizetype row);
+
+    bool isWheelShown() const;
+    void showWheel();
+    void hideWheel();
+
+    QVariant value() const override;
+    // A date for the date kind; a string from the list for the others (unknown ones are ignored).
+    void setValue(const QVariant &value) override;
+    bool shouldShowErrorMessage() const override { return false; }
+
+    void paint(QPainter *painter) override;
+
+protected:
+    void modelDidChange() override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    void buildRows();
+    void buildWheel();
+    void buildToolbar();
+    void readDateBounds();
+    qsizetype rowOfDate(const QDateTime &date) const;
+    QDateTime dateAtRow(qsizetype row) const;
+    void chooseRow(qsizetype row);
+    void showDate(const QDateTime &date);
+    void finishWithDone();
+    void showChoice(const QString &text);
+    void tellDelegateOfCountry();
+    void reportValueChanged();
+    void placePopup();
+
+    const std::shared_ptr<const OSTPickerDescription> m_description;
+    QMarginsF m_contentInsets;
+    QString m_choiceText;
+    QString m_country;
+    QString m_countryCode;
+    // The date kind: the bounds, whether a row is a day or a minute of the current day, and the
+    // date the wheel stands at.
+    QDateTime m_minimumDate;
+    QDateTime m_maximumDate;
+    bool m_dateRowsAreMinutes = false;
+    QDateTime m_date;
+    OSTQuickToolbar *m_toolbar = nullptr; // QObject children, null when absent
+    OSTQuickPickerWheel *m_wheel = nullptr;
+    QPointer<QObject> m_delegate;
+};
+
+} // namespace ostrel

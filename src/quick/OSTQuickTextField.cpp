@@ -1,0 +1,623 @@
+#include "quick/OSTQuickTextField.h"
+
+#include "core/OSTRegularExpression.h"
+#include "model/OSTPhoneNumberFormatter.h"
+#include "model/OSTPhoneNumberManager.h"
+#include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickToolbar.h"
+
+#include <QClipboard>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPalette>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+constexpr qreal defaultLeftInset = 10;
+constexpr qreal clearButtonRightInset = 16;
+constexpr qreal caretWidth = 1;
+// What a secure field shows for each character.
+constexpr QChar maskCharacter(0x25CF);
+
+bool isPhoneType(OSTTextFieldType type)
+{
+    return type == OSTTextFieldTypePhoneNumber || type == OSTTextFieldTypePhoneNumberValidated;
+}
+
+Qt::InputMethodHints keyboardHintsOf(UIKeyboardType keyboard)
+{
+    switch (keyboard) {
+    case UIKeyboardTypeNumberPad:
+        return Qt::ImhDigitsOnly;
+    case UIKeyboardTypePhonePad:
+    case UIKeyboardTypeNamePhonePad:
+        return Qt::ImhDialableCharactersOnly;
+    case UIKeyboardTypeDecimalPad:
+        return Qt::ImhFormattedNumbersOnly;
+    case UIKeyboardTypeEmailAddress:
+        return Qt::ImhEmailCharactersOnly;
+    case UIKeyboardTypeURL:
+    case UIKeyboardTypeWebSearch:
+        return Qt::ImhUrlCharactersOnly;
+    case UIKeyboardTypeASCIICapable:
+        return Qt::ImhLatinOnly;
+    default:
+        break;
+    }
+    return Qt::ImhNone;
+}
+
+// `font` scaled by `factor`, in the unit it was sized in.
+QFont scaledFont(QFont font, qreal factor, qreal minimumPixelSize)
+{
+    if (font.pixelSize() > 0)
+        font.setPixelSize(int(std::max(minimumPixelSize, std::floor(font.pixelSize() * factor))));
+    else
+        font.setPointSizeF(std::max(minimumPixelSize, font.pointSizeF() * factor));
+    return font;
+}
+
+bool isTypedText(const QKeyEvent &event)
+{
+    if (event.text().isEmpty() || event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::MetaModifier))
+        return false;
+    return std::all_of(event.text().cbegin(), event.text().cend(), [](QChar character) { return character.isPrint(); });
+}
+
+} // namespace
+
+OSTQuickTextField::OSTQuickTextField(const QRectF &frame, std::shared_ptr<const OSTTextFieldDescription> description,
+                                     QQuickItem *parent)
+    : QQuickPaintedItem(parent),
+      OSTQuickInput(*this, description->inputOrder()),
+      m_description(std::move(description))
+{
+    setPosition(frame.topLeft());
+    setSize(frame.size());
+    setAcceptedMouseButtons(Qt::LeftButton);
+    setFlag(ItemAcceptsInputMethod);
+    setActiveFocusOnTab(true);
+    setOpacity(m_description->fieldAlpha());
+    buildToolbar();
+    updateView();
+    replaceText(m_description->initialText());
+}
+
+OSTQuickTextField::~OSTQuickTextField() = default;
+
+void OSTQuickTextField::buildToolbar()
+{
+    const std::optional<OSTToolbarSettings> &toolbar = m_description->toolbar();
+    if (!toolbar)
+        return;
+    m_toolbar = new OSTQuickToolbar(*toolbar, this);
+    m_toolbar->setVisible(false);
+    m_toolbar->setCancelBlock([this] { setFocus(false); });
+    m_toolbar->setDoneBlock([this] { textFieldShouldReturn(); });
+}
+
+bool OSTQuickTextField::isSecure() const
+{
+    return m_description->isSecureTextEntry() || type() == OSTTextFieldTypePassword;
+}
+
+Qt::InputMethodHints OSTQuickTextField::inputMethodHints() const
+{
+    const OSTTextFieldType fieldType = type();
+    UIKeyboardType keyboard = m_description->keyboardType();
+    if (isPhoneType(fieldType) || fieldType == OSTTextFieldTypePhoneNumberPin)
+        keyboard = UIKeyboardTypePhonePad;
+    Qt::InputMethodHints hints = keyboardHintsOf(keyboard);
+    if (fieldType == OSTTextFieldTypePhoneNumberPin)
+        hints = Qt::ImhDigitsOnly;
+    if (m_description->autocapitalizationType() == UITextAutocapitalizationTypeNone)
+        hints |= Qt::ImhNoAutoUppercase;
+    if (m_description->autocorrectionType() == UITextAutocorrectionTypeNo)
+        hints |= Qt::ImhNoPredictiveText;
+    if (isSecure())
+        hints |= Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText;
+    return hints;
+}
+
+bool OSTQuickTextField::showsInvalidLook() const
+{
+    const std::shared_ptr<OSTValidationItemModel> itemModel = model();
+    return m_shouldShowInvalidState && itemModel && !itemModel->isValid();
+}
+
+bool OSTQuickTextField::isPlaceholderShown() const
+{
+    return m_description->placeholder() && m_text.isEmpty() && m_preedit.isEmpty();
+}
+
+QColor OSTQuickTextField::textColor() const
+{
+    const OSTTextLook &look = (showsInvalidLook() ? m_description->invalidLook() : m_description->normalLook()).textLook;
+    return look.hasTextColor ? look.textColor : QGuiApplication::palette().color(QPalette::Text);
+}
+
+void OSTQuickTextField::updateView()
+{
+    const OSTTextFieldDescription::StateLook &state =
+        showsInvalidLook() ? m_description->invalidLook() : m_description->normalLook();
+    const bool hasClearButton = m_description->clearButtonMode() != UITextFieldViewModeNever;
+    const QMarginsF defaultInsets(defaultLeftInset, 0, hasClearButton ? clearButtonRightInset : 0, 0);
+    m_contentInsets = state.contentInsets ? QMarginsF(*state.contentInsets) : defaultInsets;
+    // Built fresh from the state each time: a font of the invalid look must not stay once the
+    // field is valid again.
+    m_textFont = state.textLook.font.value_or(QGuiApplication::font());
+    m_textFont.setUnderline(state.textLook.underlined);
+    fitTextToWidth();
+    update();
+}
+
+void OSTQuickTextField::fitTextToWidth()
+{
+    m_fittedFont = m_textFont;
+    if (m_description->adjustsFontSizeToFitWidth()) {
+        const qreal available = textRect().width();
+        const qreal natural = QFontMetricsF(m_textFont).horizontalAdvance(displayText());
+        if (natural > available && available > 0)
+            m_fittedFont = scaledFont(m_textFont, available / natural, std::max<qreal>(m_description->minimumFontSize(), 1));
+    }
+    scrollCaretIntoView();
+}
+
+QString OSTQuickTextField::displayText() const
+{
+    return isSecure() ? QString(m_text.size(), maskCharacter) : m_text;
+}
+
+void OSTQuickTextField::setCursorPosition(qsizetype position, CaretMove move)
+{
+    m_cursor = caretOutOfPrefix(std::clamp<qsizetype>(position, 0, m_text.size()));
+    if (move == CaretMove::Move)
+        m_anchor = m_cursor;
+    scrollCaretIntoView();
+    updateInputMethod(Qt::ImCursorPosition | Qt::ImAnchorPosition | Qt::ImCursorRectangle | Qt::ImCurrentSelection);
+    update();
+}
+
+qsizetype OSTQuickTextField::caretOutOfPrefix(qsizetype position) const
+{
+    if (m_beginningCaretOffset > 0 && position < m_beginningCaretOffset && m_text.size() >= m_beginningCaretOffset)
+        return m_beginningCaretOffset;
+    return position;
+}
+
+QString OSTQuickTextField::selectedText() const
+{
+    const qsizetype start = std::min(m_anchor, m_cursor);
+    return m_text.mid(start, std::abs(m_cursor - m_anchor));
+}
+
+void OSTQuickTextField::selectAll()
+{
+    m_anchor = 0;
+    setCursorPosition(m_text.size(), CaretMove::Select);
+}
+
+void OSTQuickTextField::replaceText(const QString &text)
+{
+    const QString old = m_text;
+    m_text = text.isNull() ? QString() : finalizedTextFromText(text);
+    m_cursor = m_anchor = m_text.size();
+    if (m_text != old)
+        textFieldDidChange();
+    updateInputMethod(Qt::ImQueryAll);
+    update();
+}
+
+QString OSTQuickTextField::finalizedTextFromText(const QString &text) const
+{
+    if (m_formattingBlock)
+        return m_formattingBlock(text, FormattingMode::Formatted);
+    return maxLength() >= 1 ? text.left(maxLength()) : text;
+}
+
+void OSTQuickTextField::setFormattingBlock(FormattingBlock block)
+{
+    QString raw = m_text;
+    if (m_formattingBlock && !raw.isEmpty())
+        raw = m_formattingBlock(raw, FormattingMode::Raw);
+    m_formattingBlock = std::move(block);
+    replaceText(raw);
+}
+
+void OSTQuickTextField::insert(const QString &text)
+{
+    const qsizetype start = std::min(m_anchor, m_cursor);
+    userEdited(start, std::abs(m_cursor - m_anchor), text);
+}
+
+void OSTQuickTextField::userEdited(qsizetype start, qsizetype length, const QString &replacement)
+{
+    const QString proposed = QString(m_text).replace(start, length, replacement);
+    const qsizetype caret = start + replacement.size();
+    if (m_formattingBlock) {
+        const bool caretWasAtEnd = caret == proposed.size();
+        m_text = finalizedTextFromText(proposed);
+        m_cursor = m_anchor = m_text.size();
+        if (!caretWasAtEnd)
+            placeCaretAfterFormatting(start, length, replacement);
+    } else {
+        m_text = maxLength() >= 1 ? proposed.left(maxLength()) : proposed;
+        m_cursor = m_anchor = std::min(caret, m_text.size());
+    }
+    setCursorPosition(m_cursor);
+    textFieldDidChange();
+    updateInputMethod(Qt::ImSurroundingText);
+}
+
+void OSTQuickTextField::placeCaretAfterFormatting(qsizetype start, qsizetype replacedLength, const QString &replacement)
+{
+    const qsizetype base = replacement.size() >= replacedLength ? start + replacement.size() : start;
+    qsizetype skip = 0;
+    for (qsizetype index = 0; index < replacement.size(); ++index) {
+        while (start + index + skip < m_text.size() && m_text.at(start + index + skip) != replacement.at(index))
+            ++skip;
+    }
+    m_cursor = m_anchor = std::min(base + skip, m_text.size());
+}
+
+void OSTQuickTextField::removeSelection()
+{
+    insert(QString());
+}
+
+void OSTQuickTextField::removeBackward()
+{
+    if (hasSelection())
+        removeSelection();
+    else if (m_cursor > 0)
+        userEdited(m_cursor - 1, 1, QString());
+}
+
+void OSTQuickTextField::removeForward()
+{
+    if (hasSelection())
+        removeSelection();
+    else if (m_cursor < m_text.size())
+        userEdited(m_cursor, 1, QString());
+}
+
+void OSTQuickTextField::copy() const
+{
+    // A secure text never leaves the field.
+    if (!isSecure() && hasSelection())
+        QGuiApplication::clipboard()->setText(selectedText());
+}
+
+void OSTQuickTextField::cut()
+{
+    if (isSecure() || !hasSelection())
+        return;
+    copy();
+    removeSelection();
+}
+
+void OSTQuickTextField::paste()
+{
+    // One line: a pasted line break would end the text where the user cannot see it.
+    QString pasted = QGuiApplication::clipboard()->text();
+    pasted.replace(u"\r\n"_s, u" "_s).replace(u'\n', u' ').replace(u'\r', u' ');
+    if (!pasted.isEmpty())
+        insert(pasted);
+}
+
+void OSTQuickTextField::textFieldDidChange()
+{
+    fitTextToWidth();
+    validate();
+    if (const std::shared_ptr<OSTValidationItemModel> itemModel = model())
+        itemModel->valueChanged();
+    update();
+}
+
+void OSTQuickTextField::validate()
+{
+    const std::shared_ptr<OSTValidationItemModel> itemModel = model();
+    if (!itemModel)
+        return;
+    if (type() == OSTTextFieldTypePhoneNumberPin) {
+        itemModel->setValid(OSTPhoneNumberManager::sharedManager().validatePIN(m_text));
+        return;
+    }
+    const bool hasContent = itemModel->isOptional() || !m_text.isEmpty();
+    // Compared as unsigned: a negative minimum can never be reached.
+    const bool lengthOK = !hasContent || quint64(m_text.size()) >= quint64(qint64(m_description->minLength()));
+    bool valid = false;
+    if (hasContent && lengthOK)
+        valid = m_description->validationPattern().isEmpty()
+            || OSTRegularExpression(m_description->validationPattern()).numberOfMatches(m_text) == 1;
+    itemModel->setValid(valid);
+}
+
+QVariant OSTQuickTextField::value() const
+{
+    if (m_text.isEmpty())
+        return {};
+    return isPhoneType(type()) ? OSTPhoneNumberFormatter::normalizedPhoneNumber(m_text) : m_text;
+}
+
+void OSTQuickTextField::setValue(const QVariant &value)
+{
+    if (value.metaType() != QMetaType::fromType<QString>())
+        return;
+    m_text = finalizedTextFromText(value.toString());
+    m_cursor = m_anchor = m_text.size();
+    m_shouldShowInvalidState = true;
+    updateView();
+    updateInputMethod(Qt::ImQueryAll);
+}
+
+void OSTQuickTextField::validityChanged()
+{
+    updateView();
+    const std::shared_ptr<OSTValidationItemModel> itemModel = model();
+    if (m_description->autoSubmits() && itemModel && itemModel->isValid())
+        textFieldShouldReturn();
+}
+
+void OSTQuickTextField::pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code)
+{
+    if (picker.type() != OSTPickerTypeCountryCode || !isPhoneType(type()))
+        return;
+    m_beginningCaretOffset = code.size() + 1;
+    setFormattingBlock([code, country](const QString &text, FormattingMode mode) {
+        return OSTPhoneNumberFormatter::liveFormattedPhoneNumber(
+            text, code, country, mode == FormattingMode::Raw ? OSTPhoneNumberFormatter::Mode::Raw
+                                                             : OSTPhoneNumberFormatter::Mode::Formatted);
+    });
+}
+
+void OSTQuickTextField::textFieldShouldReturn()
+{
+    handOnFocus();
+}
+
+QRectF OSTQuickTextField::textRect() const
+{
+    return boundingRect().marginsRemoved(m_contentInsets);
+}
+
+qreal OSTQuickTextField::textOriginX() const
+{
+    const QRectF box = textRect();
+    const qreal textWidth = QFontMetricsF(m_fittedFont).horizontalAdvance(displayText() + m_preedit);
+    if (textWidth > box.width())
+        return box.left() - m_scroll;
+    const Qt::Alignment alignment = Qt::AlignLeft; // replaced by the description's alignment below
+    if (alignment & Qt::AlignRight)
+        return box.right() - textWidth;
+    if (alignment & Qt::AlignHCenter)
+        return box.left() + (box.width() - textWidth) / 2;
+    return box.left();
+}
+
+qreal OSTQuickTextField::caretX(qsizetype position) const
+{
+    return textOriginX() + QFontMetricsF(m_fittedFont).horizontalAdvance(displayText().left(position));
+}
+
+qsizetype OSTQuickTextField::positionAt(qreal x) const
+{
+    const QString shown = displayText();
+    const QFontMetricsF metrics(m_fittedFont);
+    const qreal origin = textOriginX();
+    for (qsizetype position = 0; position < shown.size(); ++position) {
+        const qreal middle = origin + (metrics.horizontalAdvance(shown.left(position))
+                                       + metrics.horizontalAdvance(shown.left(position + 1))) / 2;
+        if (x < middle)
+            return position;
+    }
+    return shown.size();
+}
+
+void OSTQuickTextField::scrollCaretIntoView()
+{
+    const QRectF box = textRect();
+    const QFontMetricsF metrics(m_fittedFont);
+    const qreal textWidth = metrics.horizontalAdvance(displayText() + m_preedit);
+    if (textWidth <= box.width()) {
+        m_scroll = 0;
+        return;
+    }
+    const qreal caretOffset = metrics.horizontalAdvance(displayText().left(m_cursor) + m_preedit);
+    if (caretOffset - m_scroll > box.width())
+        m_scroll = caretOffset - box.width();
+    else if (caretOffset < m_scroll)
+        m_scroll = caretOffset;
+    m_scroll = std::clamp<qreal>(m_scroll, 0, textWidth - box.width());
+}
+
+void OSTQuickTextField::updateInputMethod(Qt::InputMethodQueries queries) const
+{
+    if (hasActiveFocus())
+        QGuiApplication::inputMethod()->update(queries);
+}
+
+QVariant OSTQuickTextField::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    switch (query) {
+    case Qt::ImEnabled:
+        return isEnabled();
+    case Qt::ImHints:
+        return int(inputMethodHints());
+    case Qt::ImFont:
+        return m_fittedFont;
+    case Qt::ImCursorRectangle: {
+        const QRectF box = textRect();
+        return QRectF(caretX(m_cursor), box.top(), caretWidth, box.height());
+    }
+    case Qt::ImAnchorRectangle: {
+        const QRectF box = textRect();
+        return QRectF(caretX(m_anchor), box.top(), caretWidth, box.height());
+    }
+    case Qt::ImCursorPosition:
+        return int(m_cursor);
+    case Qt::ImAnchorPosition:
+        return int(m_anchor);
+    case Qt::ImSurroundingText:
+        return isSecure() ? QString() : m_text;
+    case Qt::ImCurrentSelection:
+        return isSecure() ? QString() : selectedText();
+    case Qt::ImMaximumTextLength:
+        return maxLength() >= 1 && !m_formattingBlock ? QVariant(maxLength()) : QVariant();
+    case Qt::ImEnterKeyType:
+        return nextInput() ? Qt::EnterKeyNext : Qt::EnterKeyDone;
+    default:
+        break;
+    }
+    return QQuickPaintedItem::inputMethodQuery(query);
+}
+
+void OSTQuickTextField::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (event->replacementLength() > 0 || !event->commitString().isEmpty()) {
+        if (event->replacementLength() > 0) {
+            const qsizetype start = std::clamp<qsizetype>(m_cursor + event->replacementStart(), 0, m_text.size());
+            m_anchor = start;
+            m_cursor = std::min(start + event->replacementLength(), m_text.size());
+        }
+        m_preedit.clear();
+        insert(event->commitString());
+    }
+    m_preedit = event->preeditString();
+    scrollCaretIntoView();
+    update();
+    event->accept();
+}
+
+bool OSTQuickTextField::handleEditingKey(const QKeyEvent &event)
+{
+    const CaretMove select = event.modifiers().testFlag(Qt::ShiftModifier) ? CaretMove::Select : CaretMove::Move;
+    if (event.matches(QKeySequence::Copy))
+        copy();
+    else if (event.matches(QKeySequence::Cut))
+        cut();
+    else if (event.matches(QKeySequence::Paste))
+        paste();
+    else if (event.matches(QKeySequence::SelectAll))
+        selectAll();
+    else if (event.key() == Qt::Key_Backspace)
+        removeBackward();
+    else if (event.key() == Qt::Key_Delete)
+        removeForward();
+    else if (event.key() == Qt::Key_Left)
+        setCursorPosition(!hasSelection() || select == CaretMove::Select ? m_cursor - 1 : std::min(m_cursor, m_anchor), select);
+    else if (event.key() == Qt::Key_Right)
+        setCursorPosition(!hasSelection() || select == CaretMove::Select ? m_cursor + 1 : std::max(m_cursor, m_anchor), select);
+    else if (event.key() == Qt::Key_Home)
+        setCursorPosition(0, select);
+    else if (event.key() == Qt::Key_End)
+        setCursorPosition(m_text.size(), select);
+    else if (isTypedText(event))
+        insert(event.text());
+    else
+        return false;
+    return true;
+}
+
+void OSTQuickTextField::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!(m_description->enablesReturnKeyAutomatically() && m_text.isEmpty()))
+            m_toolbar ? m_toolbar->doneTapped() : textFieldShouldReturn();
+        return;
+    case Qt::Key_Escape:
+        if (m_toolbar) {
+            m_toolbar->cancelTapped();
+            return;
+        }
+        break;
+    default:
+        break;
+    }
+    if (handleChainKey(*event) || handleEditingKey(*event))
+        return;
+    QQuickPaintedItem::keyPressEvent(event);
+}
+
+void OSTQuickTextField::focusInEvent(QFocusEvent *event)
+{
+    m_shouldShowInvalidState = false;
+    if (m_description->clearsOnBeginEditing())
+        replaceText(QString());
+    updateView();
+    QQuickPaintedItem::focusInEvent(event);
+}
+
+void OSTQuickTextField::focusOutEvent(QFocusEvent *event)
+{
+    QQuickPaintedItem::focusOutEvent(event);
+    m_preedit.clear();
+    m_anchor = m_cursor;
+    m_shouldShowInvalidState = true;
+    updateView();
+    validate();
+    if (const std::shared_ptr<OSTValidationItemModel> itemModel = model())
+        itemModel->valueChanged();
+}
+
+void OSTQuickTextField::mousePressEvent(QMouseEvent *event)
+{
+    forceActiveFocus(Qt::MouseFocusReason);
+    const bool extend = event->modifiers().testFlag(Qt::ShiftModifier);
+    setCursorPosition(positionAt(event->position().x()), extend ? CaretMove::Select : CaretMove::Move);
+    event->accept();
+}
+
+void OSTQuickTextField::mouseMoveEvent(QMouseEvent *event)
+{
+    setCursorPosition(positionAt(event->position().x()), CaretMove::Select);
+}
+
+void OSTQuickTextField::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    fitTextToWidth();
+}
+
+void OSTQuickTextField::paint(QPainter *painter)
+{
+    const QRectF box = textRect();
+    painter->save();
+    painter->setClipRect(box);
+    if (isPlaceholderShown()) {
+        painter->setFont(m_fittedFont);
+        painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter, m_description->placeholder()->text());
+    }
+    painter->setFont(m_fittedFont);
+    const QFontMetricsF metrics(m_fittedFont);
+    const qreal baseline = box.top() + (box.height() - metrics.height()) / 2 + metrics.ascent();
+    const QString shown = displayText();
+    if (hasSelection()) {
+        const qreal left = caretX(std::min(m_anchor, m_cursor));
+        const qreal right = caretX(std::max(m_anchor, m_cursor));
+        painter->fillRect(QRectF(left, box.top(), right - left, box.height()),
+                          QGuiApplication::palette().color(QPalette::Highlight));
+    }
+    painter->setPen(textColor());
+    painter->drawText(QPointF(textOriginX(), baseline), shown.left(m_cursor) + m_preedit + shown.mid(m_cursor));
+    if (hasActiveFocus()) {
+        const qreal x = caretX(m_cursor) + metrics.horizontalAdvance(m_preedit);
+        painter->fillRect(QRectF(x, box.top() + (box.height() - metrics.height()) / 2, caretWidth, metrics.height()), textColor());
+    }
+    painter->restore();
+}
+
+} // namespace ostrel
