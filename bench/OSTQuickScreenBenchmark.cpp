@@ -8,6 +8,7 @@
 #include "OSTBenchmarkRunner.h"
 #include "OSTBenchmarkScreen.h"
 #include "quick/OSTQuickScreen.h"
+#include "quick/OSTQuickLoadingOverlay.h"
 
 #include <QGuiApplication>
 #include <QQuickWindow>

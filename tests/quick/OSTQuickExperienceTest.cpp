@@ -9,6 +9,7 @@
 #include "model/OSTExperienceModel.h"
 #include "platform/OSTApplication.h"
 #include "quick/OSTQuickCover.h"
+#include "quick/OSTQuickLoadingOverlay.h"
 #include "quick/OSTQuickExperience.h"
 #include "quick/OSTQuickExperienceItem.h"
 #include "quick/OSTQuickScreen.h"
@@ -82,7 +83,7 @@ protected:
     {
         for (int round = 0; round < 4; ++round) {
             QCoreApplication::processEvents();
-            for (OSTQuickCover *cover : coversIn(*m_window)) {
+            for (OSTQuickCover *cover : m_window ? coversIn(*m_window) : QList<OSTQuickCover *>()) {
                 if (QAbstractAnimation *fade = cover->runningFade())
                     fade->setCurrentTime(fade->totalDuration());
                 if (OSTQuickExperienceItem *experience = cover->experience(); experience && experience->runningSlide())
@@ -123,8 +124,13 @@ TEST_F(QuickExperience, TheCoverFillsTheQuickWindowFollowsItAndGivesItsFocusBack
     EXPECT_EQ(cover->size(), QSizeF(375, 667));
     EXPECT_EQ(currentScreenKey(), u"welcome"_s);
     EXPECT_TRUE(cover->isAncestorOf(m_window->activeFocusItem())) << "the experience takes the keyboard";
-    const QImage grab = m_window->grabWindow();
-    EXPECT_NE(grab.pixelColor(grab.width() / 2, grab.height() / 2), hostColor) << "the experience covers the host";
+    const QImage grab = m_window->grabWindow().convertToFormat(QImage::Format_RGB32);
+    const QImage hostOnly = [&] {
+        QImage plain(grab.size(), QImage::Format_RGB32);
+        plain.fill(hostColor);
+        return plain;
+    }();
+    EXPECT_NE(grab, hostOnly) << "a grab of the window shows the experience";
 
     m_window->resize(500, 700);
     QCoreApplication::processEvents();

@@ -1,6 +1,7 @@
 #include "QuickScreenRenderer.h"
 
 #include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickLoadingOverlay.h"
 #include "quick/OSTQuickScreen.h"
 
 #include <QQuickWindow>
