@@ -10,7 +10,7 @@
 #include "OSTBenchmarkScreen.h"
 #include "OSTWidgetBenchmarkMain.h"
 #include "widgets/OSTScreenView.h"
-#include "widgets/OSTPaintedLayerCache.h"
+#include "paint/OSTPaintedLayerCache.h"
 
 #include <QImage>
 
