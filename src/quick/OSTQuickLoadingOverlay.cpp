@@ -106,7 +106,9 @@ void OSTQuickLoadingOverlay::wheelEvent(QWheelEvent *event)
 
 void OSTQuickLoadingOverlay::keyPressEvent(QKeyEvent *event)
 {
-    event->accept(); // Tab and return stay here while the screen is covered
+    // Tab and return stay here while the screen is covered; Escape goes on to the experience, which
+    // closes while it waits.
+    event->setAccepted(event->key() != Qt::Key_Escape);
 }
 
 } // namespace ostrel
