@@ -11,13 +11,17 @@
 #include "quick/OSTQuickImage.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickLoadingOverlay.h"
+#include "quick/OSTQuickPicker.h"
 #include "quick/OSTQuickSwitch.h"
+#include "quick/OSTQuickTextField.h"
 #include "screen/OSTButtonDescription.h"
 #include "screen/OSTImageDescription.h"
 #include "screen/OSTLabelDescription.h"
+#include "screen/OSTPickerDescription.h"
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 #include "screen/OSTSwitchDescription.h"
+#include "screen/OSTTextFieldDescription.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -36,6 +40,7 @@ namespace ostrel {
 namespace {
 
 const QString &errorMessageKey = OSTScreenVocabulary::errorMessageKey;
+const QString inputsCategory = u"inputs"_s;
 constexpr int errorAnimationMilliseconds = 250;
 const QString errorAnimationName = u"errorLayoutMove"_s;
 // Points a wheel notch scrolls: three lines of twenty.
@@ -105,6 +110,7 @@ bool OSTQuickScreen::loadScreen(UnresolvedLayout unresolved)
     setSize(m_page->layoutSize());
     buildPage();
     m_page->build([] {}, [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+    connectInputs();
     stackPage();
     fillGroups();
     m_page->finishBuilding();
@@ -163,7 +169,9 @@ QQuickItem *OSTQuickScreen::buildItem(const std::shared_ptr<const OSTElementDesc
     case OSTElementKind::Switch:
         return buildSwitch(element, frame);
     case OSTElementKind::TextField:
+        return buildTextField(element, frame);
     case OSTElementKind::Picker:
+        return buildPicker(element, frame);
     case OSTElementKind::Shape:
     case OSTElementKind::Group:
         break;
@@ -220,6 +228,52 @@ QQuickItem *OSTQuickScreen::buildSwitch(const std::shared_ptr<const OSTElementDe
     connect(toggle, &OSTQuickSwitch::tapped, this, &OSTQuickScreen::switchTapped);
     m_validationItems.insert(element->key(), toggle);
     return toggle;
+}
+
+QQuickItem *OSTQuickScreen::buildTextField(const std::shared_ptr<const OSTElementDescription> &element,
+                                           const QRect &frame)
+{
+    auto *field = new OSTQuickTextField(QRectF(frame), std::static_pointer_cast<const OSTTextFieldDescription>(element),
+                                        m_content);
+    m_validationItems.insert(element->key(), field);
+    return field;
+}
+
+QQuickItem *OSTQuickScreen::buildPicker(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
+{
+    auto *picker = new OSTQuickPicker(QRectF(frame), std::static_pointer_cast<const OSTPickerDescription>(element),
+                                      m_content);
+    m_validationItems.insert(element->key(), picker);
+    return picker;
+}
+
+// The inputs in input order: each returns to the screen and hands on to the next; the last
+// country picker fills in the calling code of the last phone-number field.
+void OSTQuickScreen::connectInputs()
+{
+    QList<OSTQuickInput *> inputs;
+    OSTQuickPicker *countryPicker = nullptr;
+    OSTQuickTextField *phoneField = nullptr;
+    for (const auto &element : screenDocument().elements(inputsCategory)) {
+        QQuickItem *item = m_items.value(element->key());
+        OSTQuickInput *input = nullptr;
+        if (auto *picker = qobject_cast<OSTQuickPicker *>(item)) {
+            if (picker->type() == OSTPickerTypeCountryCode)
+                countryPicker = picker;
+            input = picker;
+        } else if (auto *field = qobject_cast<OSTQuickTextField *>(item)) {
+            if (field->type() == OSTTextFieldTypePhoneNumber || field->type() == OSTTextFieldTypePhoneNumberValidated)
+                phoneField = field;
+            input = field;
+        }
+        if (!input)
+            continue;
+        input->setReturnHandler([this](OSTQuickInput &returned) { inputDidTapReturn(returned); });
+        inputs.append(input);
+    }
+    OSTQuickInput::chainInputs(inputs);
+    if (countryPicker && phoneField)
+        countryPicker->setDelegate(phoneField);
 }
 
 void OSTQuickScreen::stackPage()
@@ -296,6 +350,27 @@ void OSTQuickScreen::buttonTapped(OSTQuickButton *button)
 void OSTQuickScreen::switchTapped()
 {
     OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*screen()));
+}
+
+void OSTQuickScreen::inputDidTapReturn(OSTQuickInput &input)
+{
+    const auto *field = qobject_cast<const OSTQuickTextField *>(&input.inputItem());
+    if (!field)
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForPickerReturn(*screen()));
+    else if (field->type() == OSTTextFieldTypePhoneNumberPin && autoSubmits(*field))
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldPINMatch(*screen()));
+    else
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldReturn(*screen()));
+    m_model->goToNextScreen();
+}
+
+bool OSTQuickScreen::autoSubmits(const OSTQuickTextField &field) const
+{
+    for (const auto &element : screenDocument().elements(inputsCategory)) {
+        if (element->key() == field.name() && element->kind() == OSTElementKind::TextField)
+            return static_cast<const OSTTextFieldDescription &>(*element).autoSubmits();
+    }
+    return false;
 }
 
 void OSTQuickScreen::tapRecognized()

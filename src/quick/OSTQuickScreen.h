@@ -19,8 +19,10 @@ class OSTElementDescription;
 class OSTQuickButton;
 class OSTQuickElement;
 class OSTQuickImage;
+class OSTQuickInput;
 class OSTQuickLabel;
 class OSTQuickLoadingOverlay;
+class OSTQuickTextField;
 
 // One screen of a flow drawn by Qt Quick, the counterpart of the widget screen controller and
 // screen view: an item per element of its page (OSTScreenPage: the document, the layout and where
@@ -61,7 +63,6 @@ public:
     const QMap<QString, QQuickItem *> &items() const { return m_items; }
     // The item the page's elements lie on; it moves up as the screen scrolls.
     QQuickItem *contentItem() const { return m_content; }
-    OSTQuickLoadingOverlay *loadingOverlay() const { return m_loadingOverlay; }
 
     // The experience shows the screen (after its slide) or took it away.
     void screenDidAppear();
@@ -93,6 +94,9 @@ private:
     QQuickItem *buildLabel(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
     QQuickItem *buildButton(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
     QQuickItem *buildSwitch(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    QQuickItem *buildTextField(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    QQuickItem *buildPicker(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    void connectInputs();
     void hideReplacedItem(const QString &key);
     void stackPage();
     void fillGroups();
@@ -102,6 +106,9 @@ private:
     void requiredImageFinished();
     void buttonTapped(OSTQuickButton *button);
     void switchTapped();
+    void inputDidTapReturn(OSTQuickInput &input);
+    // Whether a PIN field sends a complete PIN on its own.
+    bool autoSubmits(const OSTQuickTextField &field) const;
     void tapRecognized();
 
     QRect geometryForKey(const QString &key) const;
