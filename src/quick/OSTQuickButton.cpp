@@ -130,6 +130,17 @@ void OSTQuickButton::updateToggleValidity()
         itemModel->setValid(itemModel->isOptional() || m_checked);
 }
 
+void OSTQuickButton::joinGroup(QObject &group, std::function<void()> tapped)
+{
+    disconnect(this, &OSTQuickButton::tapped, nullptr, nullptr);
+    setCheckable(true);
+    connect(this, &OSTQuickButton::tapped, &group, [this, tapped = std::move(tapped)] {
+        // The click has already changed the selection; the group decides instead.
+        setChecked(!isChecked());
+        tapped();
+    });
+}
+
 void OSTQuickButton::modelDidChange()
 {
     if (isToggle())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTSelectionGroupMember.h"
 #include "model/OSTValidationItem.h"
 #include "screen/OSTButtonDescription.h"
 
@@ -24,7 +25,7 @@ class OSTQuickImage;
 // behind the title by overriding updateBackgrounds().
 //
 // Lives on the GUI thread; owned by its parent item. Its state backgrounds are child items.
-class OSTQuickButton : public QQuickPaintedItem, public OSTValidationItem {
+class OSTQuickButton : public QQuickPaintedItem, public OSTValidationItem, public OSTSelectionGroupMember {
     Q_OBJECT
 
 public:
@@ -59,6 +60,13 @@ public:
     QVariant value() const override;
     void setValue(const QVariant &value) override;
     bool shouldShowErrorMessage() const override { return true; }
+
+    // OSTSelectionGroupMember
+    const QString &memberKey() const override { return name(); }
+    bool isMemberSelected() const override { return isChecked(); }
+    void setMemberSelected(bool selected) override { setChecked(selected); }
+    QObject &memberObject() override { return *this; }
+    void joinGroup(QObject &group, std::function<void()> tapped) override;
 
     void paint(QPainter *painter) override;
 

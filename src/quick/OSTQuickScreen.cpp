@@ -106,10 +106,10 @@ bool OSTQuickScreen::loadScreen(UnresolvedLayout unresolved)
         fireCompletion(false);
         return false;
     }
-    m_page->setRelayoutHandler(this, [this] { reframeItems(false); });
+    m_page->setRelayoutHandler(this, [this] { reframeItems(Move::Immediate); });
     setSize(m_page->layoutSize());
     buildPage();
-    m_page->build([] {}, [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+    m_page->build([this] { loadSelectionGroups(); }, [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
     connectInputs();
     stackPage();
     fillGroups();
@@ -247,6 +247,24 @@ QQuickItem *OSTQuickScreen::buildPicker(const std::shared_ptr<const OSTElementDe
     return picker;
 }
 
+void OSTQuickScreen::loadSelectionGroups()
+{
+    for (const auto &description : screenDocument().selectionGroups()) {
+        auto *group = new OSTSelectionGroup(description, this);
+        group->setDelegate(this);
+        // Member buttons answer to their group, not on their own.
+        QList<OSTSelectionGroupMember *> members;
+        for (const QString &memberKey : group->elementKeys()) {
+            if (auto *button = qobject_cast<OSTQuickButton *>(m_items.value(memberKey))) {
+                members.append(button);
+                m_validationItems.remove(memberKey);
+            }
+        }
+        group->setElements(members);
+        m_validationItems.insert(description->key(), group);
+    }
+}
+
 // The inputs in input order: each returns to the screen and hands on to the next; the last
 // country picker fills in the calling code of the last phone-number field.
 void OSTQuickScreen::connectInputs()
@@ -350,6 +368,21 @@ void OSTQuickScreen::buttonTapped(OSTQuickButton *button)
 void OSTQuickScreen::switchTapped()
 {
     OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*screen()));
+}
+
+void OSTQuickScreen::selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
+                                                const std::shared_ptr<const OSTAction> &action)
+{
+    const OSTInternalEvent::SelectionGroupTap tap{group.name(), buttonName,
+                                                  group.valueForElementWithKey(buttonName).toString(),
+                                                  action ? action->name() : QString()};
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSelectionGroup(tap, *screen()));
+}
+
+bool OSTQuickScreen::selectionGroupShouldHandleAction(OSTSelectionGroup &, const std::shared_ptr<const OSTAction> &action)
+{
+    m_model->handleAction(action);
+    return true;
 }
 
 void OSTQuickScreen::inputDidTapReturn(OSTQuickInput &input)
@@ -456,26 +489,26 @@ QRect OSTQuickScreen::geometryForKey(const QString &key) const
     return geometry;
 }
 
-void OSTQuickScreen::reframeItems(bool animated)
+void OSTQuickScreen::reframeItems(Move move)
 {
     for (auto item = m_items.cbegin(); item != m_items.cend(); ++item) {
         // A move still running towards an older layout would otherwise finish after this one.
         stopMoving(*item.value());
         const QRect geometry = geometryForKey(item.key());
-        if (!animated || frameOf(*item.value()) == geometry) {
+        if (move == Move::Immediate || frameOf(*item.value()) == geometry) {
             place(*item.value(), geometry);
             continue;
         }
         QQuickItem *target = item.value();
-        auto *move = new QVariantAnimation(target);
-        move->setObjectName(errorAnimationName);
-        move->setDuration(errorAnimationMilliseconds);
-        move->setEasingCurve(QEasingCurve::OutCubic);
-        move->setStartValue(frameOf(*target));
-        move->setEndValue(geometry);
-        connect(move, &QVariantAnimation::valueChanged, target,
+        auto *animation = new QVariantAnimation(target);
+        animation->setObjectName(errorAnimationName);
+        animation->setDuration(errorAnimationMilliseconds);
+        animation->setEasingCurve(QEasingCurve::OutCubic);
+        animation->setStartValue(frameOf(*target));
+        animation->setEndValue(geometry);
+        connect(animation, &QVariantAnimation::valueChanged, target,
                 [target](const QVariant &frame) { place(*target, frame.toRect()); });
-        move->start(QAbstractAnimation::DeleteWhenStopped);
+        animation->start(QAbstractAnimation::DeleteWhenStopped);
     }
     resizeContent();
 }
@@ -535,7 +568,7 @@ void OSTQuickScreen::showErrorMessage(const QString &message)
     const OSTScreenDocument &document = screenDocument();
     m_errorLabel->customize(m_page->showsError() ? *document.errorMessageWhileShowing() : *document.errorMessage());
     m_errorLabel->setText(message);
-    reframeItems(true);
+    reframeItems(Move::Animated);
 }
 
 void OSTQuickScreen::showLoadingOverlay()

@@ -3,6 +3,7 @@
 #include "model/OSTScreenModel.h"
 #include "model/OSTScreenModelView.h"
 #include "model/OSTScreenPage.h"
+#include "model/OSTSelectionGroup.h"
 
 #include <QMap>
 #include <QPointF>
@@ -15,6 +16,7 @@
 
 namespace ostrel {
 
+class OSTAction;
 class OSTElementDescription;
 class OSTQuickButton;
 class OSTQuickElement;
@@ -37,8 +39,9 @@ class OSTQuickTextField;
 // Lives on the GUI thread; owns its screen model and page. A screen made with a completion
 // belongs to the completion's receiver once it succeeded; on failure it deletes itself after
 // calling the completion with null. Element items are its descendants.
-class OSTQuickScreen final : public QQuickItem, private OSTScreenModelView {
+class OSTQuickScreen final : public QQuickItem, public OSTSelectionGroupDelegate, private OSTScreenModelView {
     Q_OBJECT
+    Q_INTERFACES(ostrel::OSTSelectionGroupDelegate)
 
 public:
     using Environment = OSTScreenModel::Environment;
@@ -73,6 +76,12 @@ public:
     void scrollTo(int offset);
     int contentHeight() const;
 
+    // OSTSelectionGroupDelegate
+    void selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
+                                    const std::shared_ptr<const OSTAction> &action) override;
+    bool selectionGroupShouldHandleAction(OSTSelectionGroup &group,
+                                          const std::shared_ptr<const OSTAction> &action) override;
+
 protected:
     void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -97,6 +106,7 @@ private:
     QQuickItem *buildTextField(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
     QQuickItem *buildPicker(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
     void connectInputs();
+    void loadSelectionGroups();
     void hideReplacedItem(const QString &key);
     void stackPage();
     void fillGroups();
@@ -111,8 +121,9 @@ private:
     bool autoSubmits(const OSTQuickTextField &field) const;
     void tapRecognized();
 
+    enum class Move { Immediate, Animated };
     QRect geometryForKey(const QString &key) const;
-    void reframeItems(bool animated);
+    void reframeItems(Move move);
     void resizeContent();
 
     // OSTScreenModelView

@@ -108,7 +108,10 @@ const char *const validatedScreen = R"({
                "states": {"normal": {"text": "Go", "backgroundColor": "#0000FF"}}},
         "agree": {"x": "0", "y": "500", "width": "100", "height": "40", "buttonType": "toggle",
                   "errorMessage": "Please agree", "states": {"normal": {"text": "I agree"}}},
-        "broken": {"x": "0", "y": "600", "width": "60", "height": "40"}}})";
+        "broken": {"x": "0", "y": "600", "width": "60", "height": "40"},
+        "free": {"x": "0", "y": "200", "width": "60", "height": "40", "states": {"normal": {"text": "Free"}}},
+        "plus": {"x": "100", "y": "200", "width": "60", "height": "40", "states": {"normal": {"text": "Plus"}}}},
+    "selectionGroups": {"plan": {"elements": {"free": "F", "plus": "P"}, "maximumSelection": "1", "isOptional": "true"}}})";
 
 TEST(QuickScreen, TapsAndButtonsReachTheModelAndTheErrorMessageFollowsTheScreensValidity)
 {
@@ -151,10 +154,21 @@ TEST(QuickScreen, TapsAndButtonsReachTheModelAndTheErrorMessageFollowsTheScreens
     window.click(*go, {50, 20});
     window.click(*screen->items().value(u"card"_s), {10, 10});
     EXPECT_EQ(delegate.calls, QStringList{u"next"_s});
-    const auto taps = events.parametersOf(u"OST Welcome Action Tapped"_s);
+    auto taps = events.parametersOf(u"OST Welcome Action Tapped"_s);
     ASSERT_EQ(taps.size(), 2u) << "the toggle, then the next button";
     EXPECT_EQ(taps.back().value(u"button_id"_s), u"go"_s);
     EXPECT_EQ(taps.back().value(u"action_id"_s), u"next"_s);
+
+    // The buttons of a selection group answer to it: one choice replaces the other.
+    auto *plus = qobject_cast<OSTQuickButton *>(screen->items().value(u"plus"_s));
+    window.click(*screen->items().value(u"free"_s), {30, 20});
+    window.click(*plus, {30, 20});
+    EXPECT_TRUE(plus->isChecked());
+    EXPECT_FALSE(qobject_cast<OSTQuickButton *>(screen->items().value(u"free"_s))->isChecked());
+    taps = events.parametersOf(u"OST Welcome Action Tapped"_s);
+    ASSERT_EQ(taps.size(), 4u);
+    EXPECT_EQ(taps.back().value(u"button_id"_s), u"plus"_s);
+    EXPECT_EQ(delegate.calls, QStringList{u"next"_s}) << "a plain button tap in a group is no next";
 }
 
 TEST(QuickScreen, ACompletionWaitsForTheRequiredImagesOnly)
