@@ -1,6 +1,7 @@
 #include "quick/OSTQuickButton.h"
 
 #include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickImage.h"
 
 #include <QKeyEvent>
@@ -26,6 +27,9 @@ OSTQuickButton::OSTQuickButton(const QRect &frame, std::shared_ptr<const OSTButt
     if (states.disabled)
         m_disabledBackground = addBackground(*states.disabled->background);
     updateBackgrounds();
+    // The title doubles as the name; the element key names a button without one.
+    const QString &title = states.normal.title;
+    OSTQuickAccessibility::describe(*this, QAccessible::Button, title.isEmpty() ? name() : title);
 }
 
 OSTQuickButton::~OSTQuickButton() = default;

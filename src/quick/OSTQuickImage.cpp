@@ -1,6 +1,7 @@
 #include "quick/OSTQuickImage.h"
 
 #include "model/OSTRemoteImage.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "screen/OSTImageDescription.h"
 
 namespace ostrel {
@@ -9,6 +10,8 @@ OSTQuickImage::OSTQuickImage(const QRect &frame, const OSTImageDescription &desc
     : OSTQuickElement(frame, description, parent), m_remoteImage(new OSTRemoteImage(description.source(), this)),
       m_contentMode(description.source().contentMode), m_capInsets(description.source().capInsets)
 {
+    if (const auto &name = description.accessibilityLabel())
+        OSTQuickAccessibility::describe(*this, QAccessible::Graphic, *name);
     connect(m_remoteImage, &OSTRemoteImage::finished, this, &OSTQuickImage::finishLoadingWithImage);
     m_remoteImage->load();
 }

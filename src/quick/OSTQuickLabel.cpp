@@ -1,5 +1,6 @@
 #include "quick/OSTQuickLabel.h"
 
+#include "quick/OSTQuickAccessibility.h"
 #include "screen/OSTLabelDescription.h"
 
 namespace ostrel {
@@ -21,6 +22,7 @@ void OSTQuickLabel::customize(const OSTLabelDescription &description)
 void OSTQuickLabel::setText(const QString &text)
 {
     m_text = text;
+    OSTQuickAccessibility::describe(*this, QAccessible::StaticText, text);
     update();
 }
 

@@ -1,5 +1,7 @@
 #include "quick/OSTQuickLoadingOverlay.h"
 
+#include "quick/OSTQuickAccessibility.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -35,6 +37,7 @@ OSTQuickLoadingOverlay::OSTQuickLoadingOverlay(QQuickItem *screen)
         m_spinnerAngle = angle.toReal();
         update();
     });
+    OSTQuickAccessibility::describe(*this, QAccessible::Animation, tr("Loading"));
     followScreenSize();
     connect(screen, &QQuickItem::widthChanged, this, &OSTQuickLoadingOverlay::followScreenSize);
     connect(screen, &QQuickItem::heightChanged, this, &OSTQuickLoadingOverlay::followScreenSize);

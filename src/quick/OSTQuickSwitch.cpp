@@ -1,6 +1,7 @@
 #include "quick/OSTQuickSwitch.h"
 
 #include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "screen/OSTSwitchDescription.h"
 
 #include <QKeyEvent>
@@ -29,6 +30,7 @@ OSTQuickSwitch::OSTQuickSwitch(const QRect &frame, const OSTSwitchDescription &d
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
     setOn(description.isInitiallyOn(), Animation::Immediate);
+    OSTQuickAccessibility::describe(*this, QAccessible::CheckBox, description.accessibilityLabel().value_or(description.key()));
 }
 
 QRect OSTQuickSwitch::frameInBox(const QRect &box)

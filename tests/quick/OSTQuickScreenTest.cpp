@@ -13,6 +13,7 @@
 #include "../widgets/OSTScreenTestSupport.h"
 #include "OSTQuickTestWindow.h"
 
+#include <QAccessible>
 #include <QFile>
 #include <QVariantAnimation>
 #include <QWheelEvent>
@@ -131,6 +132,13 @@ TEST(QuickScreen, TapsAndButtonsReachTheModelAndTheErrorMessageFollowsTheScreens
     auto *label = qobject_cast<OSTQuickLabel *>(screen->items().value(u"errorMessage"_s));
     const QQuickItem *title = screen->items().value(u"title"_s);
     ASSERT_TRUE(go && agree && label);
+    for (const auto &[item, role, name] : {std::tuple{static_cast<QQuickItem *>(go), QAccessible::Button, u"Go"_s},
+                                           std::tuple{static_cast<QQuickItem *>(label), QAccessible::StaticText, u"Please agree"_s}}) {
+        QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(item);
+        ASSERT_TRUE(accessible);
+        EXPECT_EQ(accessible->role(), role);
+        EXPECT_EQ(accessible->text(QAccessible::Name), name);
+    }
     EXPECT_FALSE(go->isEnabled()) << "an unticked required toggle keeps the screen invalid";
     EXPECT_EQ(label->text(), u"Please agree"_s);
     EXPECT_EQ(title->y(), 100) << "the error layout is animated in";
