@@ -16,7 +16,8 @@ OSTQuickButton::OSTQuickButton(const QRect &frame, std::shared_ptr<const OSTButt
 {
     setObjectName(name());
     setAntialiasing(true);
-    setFrame(frame);
+    setPosition(frame.topLeft());
+    setSize(frame.size());
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
     setOpacity(m_description->buttonAlpha());
@@ -37,20 +38,9 @@ OSTQuickButton::~OSTQuickButton() = default;
 OSTQuickImage *OSTQuickButton::addBackground(const OSTImageDescription &background)
 {
     // Beneath the button's own painting, the title.
-    auto *image = new OSTQuickImage(QRect(QPoint(), frame().size()), background, this);
+    auto *image = new OSTQuickImage(QRect(QPoint(), size().toSize()), background, this);
     image->setZ(-1);
     return image;
-}
-
-void OSTQuickButton::setFrame(const QRect &frame)
-{
-    setPosition(frame.topLeft());
-    setSize(frame.size());
-}
-
-QRect OSTQuickButton::frame() const
-{
-    return QRectF(position(), size()).toAlignedRect();
 }
 
 bool OSTQuickButton::showsPressed() const

@@ -39,9 +39,6 @@ public:
     const std::shared_ptr<const OSTAction> &action() const { return m_description->action(); }
     bool isToggle() const { return m_description->isToggle(); }
 
-    void setFrame(const QRect &frame);
-    QRect frame() const;
-
     OSTQuickImage *normalBackground() const { return m_normalBackground; }
     OSTQuickImage *highlightedBackground() const { return m_highlightedBackground; }
     OSTQuickImage *disabledBackground() const { return m_disabledBackground; }

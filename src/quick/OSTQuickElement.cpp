@@ -11,7 +11,8 @@ OSTQuickElement::OSTQuickElement(const QRect &frame, const OSTElementDescription
 {
     setObjectName(description.key());
     setAntialiasing(true);
-    setFrame(frame);
+    setPosition(frame.topLeft());
+    setSize(frame.size());
     customize(description);
 }
 
@@ -24,17 +25,6 @@ void OSTQuickElement::customize(const OSTElementDescription &description)
     m_objectShadow = description.objectShadow();
     updateContainer();
     update();
-}
-
-void OSTQuickElement::setFrame(const QRect &frame)
-{
-    setPosition(frame.topLeft());
-    setSize(frame.size());
-}
-
-QRect OSTQuickElement::frame() const
-{
-    return QRectF(position(), size()).toAlignedRect();
 }
 
 QQuickItem *OSTQuickElement::container()

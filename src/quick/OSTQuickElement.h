@@ -29,8 +29,6 @@ public:
 
     // Restyles the item; the description replaces the whole earlier look.
     void customize(const OSTElementDescription &description);
-    void setFrame(const QRect &frame);
-    QRect frame() const;
 
     const OSTBoxLook &boxLook() const { return m_boxLook; }
     // The item members are placed in, made on first use.
