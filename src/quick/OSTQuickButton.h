@@ -2,6 +2,7 @@
 
 #include "model/OSTSelectionGroupMember.h"
 #include "model/OSTValidationItem.h"
+#include "paint/OSTButtonPainter.h"
 #include "screen/OSTButtonDescription.h"
 
 #include <QQuickPaintedItem>
@@ -12,9 +13,12 @@ namespace ostrel {
 
 class OSTAction;
 class OSTQuickImage;
+class OSTQuickShadow;
 
 // The "buttons" element drawn by Qt Quick: a title and a background image per state, its opacity,
-// drop shadow and action, all from its description (OSTButtonDescription). A toggle takes part in
+// drop shadow and action, all from its description (OSTButtonDescription). The backgrounds are
+// image items beneath the button's own painting, the title and the focus frame (OSTButtonPainter);
+// the shadow is cast by a child item beneath them (OSTQuickShadow). A toggle takes part in
 // validation: a required toggle is valid while selected, an optional one always.
 //
 // A press shows the pressed state; a checkable button (a toggle, or a member of a selection
@@ -88,8 +92,9 @@ protected:
 
 private:
     OSTQuickImage *addBackground(const OSTImageDescription &background);
-    const OSTButtonDescription::StateLook &currentLook() const;
+    OSTButtonPainter::State shownState() const;
     bool showsPressed() const;
+    qreal shownBackgroundCornerRadius() const;
     void setDown(bool down);
     void updateToggleValidity();
 
@@ -97,6 +102,8 @@ private:
     OSTQuickImage *m_normalBackground = nullptr; // child items; null when the state is absent
     OSTQuickImage *m_highlightedBackground = nullptr;
     OSTQuickImage *m_disabledBackground = nullptr;
+    OSTQuickShadow *m_shadow = nullptr; // child item; null without a shadow
+    OSTButtonPainter m_buttonPainter;
     bool m_down = false;
     bool m_checkable = false;
     bool m_checked = false;

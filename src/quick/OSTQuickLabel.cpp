@@ -3,6 +3,8 @@
 #include "quick/OSTQuickAccessibility.h"
 #include "screen/OSTLabelDescription.h"
 
+#include <QGuiApplication>
+
 namespace ostrel {
 
 OSTQuickLabel::OSTQuickLabel(const QRect &frame, const OSTLabelDescription &description, QQuickItem *parent)
@@ -14,8 +16,8 @@ OSTQuickLabel::OSTQuickLabel(const QRect &frame, const OSTLabelDescription &desc
 void OSTQuickLabel::customize(const OSTLabelDescription &description)
 {
     OSTQuickElement::customize(description);
-    m_textLook = description.textLook();
-    m_minimumScaleFactor = description.minimumScaleFactor();
+    m_textPainter.setAttributes(OSTTextAttributes(description.textLook()));
+    m_textPainter.setMinimumScaleFactor(description.minimumScaleFactor());
     setText(description.text());
 }
 
@@ -28,7 +30,7 @@ void OSTQuickLabel::setText(const QString &text)
 
 void OSTQuickLabel::paintContent(QPainter &painter)
 {
-    OSTQuickElement::paintContent(painter);
+    m_textPainter.paint(painter, m_text, boundingRect(), QGuiApplication::font());
 }
 
 } // namespace ostrel

@@ -4,6 +4,7 @@
 
 #include "model/OSTScreenModelDelegate.h"
 #include "model/OSTValidationManager.h"
+#include "platform/OSTBundle.h"
 #include "quick/OSTQuickButton.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickScreen.h"
@@ -15,6 +16,7 @@
 
 #include <QAccessible>
 #include <QFile>
+#include <QPainter>
 #include <QVariantAnimation>
 #include <QWheelEvent>
 
@@ -67,12 +69,36 @@ public:
     QStringList calls;
 };
 
+const QString samplesFolder = QStringLiteral(QT_TESTCASE_SOURCEDIR "/widgets/samples");
+
+std::shared_ptr<const OSTScreen> sample(const QString &name)
+{
+    QFile file(samplesFolder + u"/%1.json"_s.arg(name));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return screenWithJson(QString::fromUtf8(file.readAll()), name);
+}
+
+// The share of pixels that differ by more than 32 in some channel.
+double differingShare(const QImage &first, const QImage &second)
+{
+    if (first.size() != second.size())
+        return 1;
+    qsizetype differing = 0;
+    for (int y = 0; y < first.height(); ++y) {
+        for (int x = 0; x < first.width(); ++x) {
+            const QColor a = first.pixelColor(x, y);
+            const QColor b = second.pixelColor(x, y);
+            differing += std::abs(a.red() - b.red()) > 32 || std::abs(a.green() - b.green()) > 32
+                || std::abs(a.blue() - b.blue()) > 32;
+        }
+    }
+    return double(differing) / double(first.width() * first.height());
+}
+
 TEST(QuickScreen, EverySampleElementGetsAnItemAtTheWidgetScreensGeometry)
 {
     for (const QString &name : {u"signup"_s, u"welcome"_s}) {
-        QFile file(QStringLiteral(QT_TESTCASE_SOURCEDIR "/widgets/samples/%1.json").arg(name));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const auto screen = screenWithJson(QString::fromUtf8(file.readAll()), name);
+        const auto screen = sample(name);
         const auto environment = environmentIn({375, 667});
         std::unique_ptr<OSTScreenView> view(OSTScreenView::create(screen, environment.area, environment.substitution));
         std::unique_ptr<OSTQuickScreen> item(OSTQuickScreen::screenWithScreen(screen, environment));
@@ -230,6 +256,26 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
     time.advance(OSTScreenPage::relayoutInterval);
     EXPECT_EQ(screen->scrollOffset(), 0);
     EXPECT_EQ(screen->page().layoutSize(), QSize(375, 1200));
+}
+
+TEST(QuickScreen, TheWindowShowsTheSamplesAsTheWidgetScreenDrawsThem)
+{
+    OSTBundle::setMainBundlePath(samplesFolder); // where named images lie
+    test::QuickTestWindow window;
+    window.resize(375, 667);
+    for (const QString &name : {u"signup"_s, u"welcome"_s}) {
+        const auto environment = environmentIn({375, 667});
+        std::unique_ptr<OSTScreenView> view(OSTScreenView::create(sample(name), environment.area, environment.substitution));
+        std::unique_ptr<OSTQuickScreen> item(OSTQuickScreen::screenWithScreen(
+            sample(name), environment, OSTQuickScreen::UnresolvedLayout::Fail, window.root()));
+        ASSERT_TRUE(view && item);
+        ASSERT_TRUE(test::waitUntil([&] { return view->isFullyLoaded() && item->page().isFullyLoaded(); }));
+        QImage drawn(375, 667, QImage::Format_ARGB32);
+        drawn.fill(Qt::white); // the window's own colour beneath the screen
+        QPainter(&drawn).drawImage(0, 0, view->renderImage(1));
+        const QImage grabbed = window.grabWindow().convertToFormat(QImage::Format_ARGB32);
+        EXPECT_LE(differingShare(grabbed, drawn), 0.03) << name.toStdString();
+    }
 }
 
 } // namespace
