@@ -1,0 +1,490 @@
+#include "quick/OSTQuickScreen.h"
+
+#include "core/OSTLogging.h"
+#include "events/OSTEventHook.h"
+#include "events/OSTInternalEvent.h"
+#include "experience/OSTAction.h"
+#include "experience/OSTScreen.h"
+#include "network/OSTImageManager.h"
+#include "quick/OSTQuickButton.h"
+#include "quick/OSTQuickElement.h"
+#include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickLabel.h"
+#include "quick/OSTQuickLoadingOverlay.h"
+#include "quick/OSTQuickSwitch.h"
+#include "screen/OSTButtonDescription.h"
+#include "screen/OSTImageDescription.h"
+#include "screen/OSTLabelDescription.h"
+#include "screen/OSTScreenDocument.h"
+#include "screen/OSTScreenVocabulary.h"
+#include "screen/OSTSwitchDescription.h"
+
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QQuickWindow>
+#include <QStyleHints>
+#include <QVariantAnimation>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace ostrel {
+
+namespace {
+
+const QString &errorMessageKey = OSTScreenVocabulary::errorMessageKey;
+constexpr int errorAnimationMilliseconds = 250;
+const QString errorAnimationName = u"errorLayoutMove"_s;
+// Points a wheel notch scrolls: three lines of twenty.
+constexpr int wheelNotchPoints = 60;
+
+void place(QQuickItem &item, const QRect &frame)
+{
+    item.setPosition(frame.topLeft());
+    item.setSize(frame.size());
+}
+
+QRect frameOf(const QQuickItem &item)
+{
+    return QRectF(item.position(), item.size()).toAlignedRect();
+}
+
+void stopMoving(QQuickItem &item)
+{
+    const auto moves = item.findChildren<QVariantAnimation *>(errorAnimationName, Qt::FindDirectChildrenOnly);
+    for (QVariantAnimation *move : moves)
+        move->stop(); // deletes itself when stopped
+}
+
+} // namespace
+
+OSTQuickScreen *OSTQuickScreen::screenWithScreen(const std::shared_ptr<const OSTScreen> &screen,
+                                                 const Environment &environment, UnresolvedLayout unresolved,
+                                                 QQuickItem *parent)
+{
+    auto *item = new OSTQuickScreen(screen, environment, {}, parent);
+    if (item->loadScreen(unresolved))
+        return item;
+    delete item;
+    return nullptr;
+}
+
+void OSTQuickScreen::screenWithScreen(const std::shared_ptr<const OSTScreen> &screen, const Environment &environment,
+                                      Completion completion)
+{
+    auto *item = new OSTQuickScreen(screen, environment, std::move(completion), nullptr);
+    item->loadScreen(UnresolvedLayout::Fail);
+}
+
+OSTQuickScreen::OSTQuickScreen(const std::shared_ptr<const OSTScreen> &screen, const Environment &environment,
+                               Completion completion, QQuickItem *parent)
+    : QQuickItem(parent), m_model(std::make_unique<OSTScreenModel>(screen, environment)),
+      m_completion(std::move(completion))
+{
+    setClip(true);
+    setAcceptedMouseButtons(Qt::LeftButton);
+    setFlag(ItemIsFocusScope);
+}
+
+OSTQuickScreen::~OSTQuickScreen() = default;
+
+bool OSTQuickScreen::loadScreen(UnresolvedLayout unresolved)
+{
+    m_model->beginLoading();
+    const Environment &environment = m_model->environment();
+    m_page = OSTScreenPage::create(m_model->screen(), environment.area, environment.substitution, unresolved);
+    if (!m_page) {
+        m_model->failLoading();
+        fireCompletion(false);
+        return false;
+    }
+    m_page->setRelayoutHandler(this, [this] { reframeItems(false); });
+    setSize(m_page->layoutSize());
+    buildPage();
+    m_page->build([] {}, [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+    stackPage();
+    fillGroups();
+    m_page->finishBuilding();
+    resizeContent();
+    m_model->setView(*this);
+    m_model->waitForRequiredImages(m_completion ? OSTScreenModel::Ready([this] { fireCompletion(true); })
+                                                : OSTScreenModel::Ready());
+    return true;
+}
+
+void OSTQuickScreen::fireCompletion(bool success)
+{
+    if (!m_completion)
+        return;
+    const Completion completion = std::exchange(m_completion, nullptr);
+    if (success) {
+        completion(this);
+        return;
+    }
+    OSTImageManager::sharedManager().muteAllDownloads();
+    completion(nullptr);
+    // Nobody took the screen: it goes once the current event is handled.
+    deleteLater();
+}
+
+// --- Building -----------------------------------------------------------------------------------
+
+void OSTQuickScreen::buildPage()
+{
+    const QRect frame(QPoint(), m_page->layoutSize());
+    m_backdrop = new OSTQuickElement(frame, *screenDocument().backdrop(), this);
+    m_content = new QQuickItem(this);
+    place(*m_content, frame);
+}
+
+void OSTQuickScreen::loadElement(const std::shared_ptr<const OSTElementDescription> &element)
+{
+    const QString &key = element->key();
+    if (QQuickItem *item = buildItem(element, geometryForKey(key))) {
+        item->setObjectName(key);
+        hideReplacedItem(key);
+        m_items.insert(key, item);
+    }
+}
+
+QQuickItem *OSTQuickScreen::buildItem(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
+{
+    switch (element->kind()) {
+    case OSTElementKind::Image:
+        return buildImage(element, frame);
+    case OSTElementKind::Label:
+        return buildLabel(element, frame);
+    case OSTElementKind::Button:
+    case OSTElementKind::PictureButton:
+        return buildButton(element, frame);
+    case OSTElementKind::Switch:
+        return buildSwitch(element, frame);
+    case OSTElementKind::TextField:
+    case OSTElementKind::Picker:
+    case OSTElementKind::Shape:
+    case OSTElementKind::Group:
+        break;
+    }
+    return new OSTQuickElement(frame, *element, m_content);
+}
+
+void OSTQuickScreen::hideReplacedItem(const QString &key)
+{
+    // A key in two categories names one element; the item built first is not shown. It stays
+    // alive: its required images still count.
+    if (QQuickItem *replaced = m_items.value(key)) {
+        OSTLogging::logWarning(u"Element %1 appears in two categories; only the later one is shown"_s, key);
+        replaced->setVisible(false);
+    }
+}
+
+QQuickItem *OSTQuickScreen::buildImage(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
+{
+    auto *image = new OSTQuickImage(frame, static_cast<const OSTImageDescription &>(*element), m_content);
+    watchRequiredImages(image);
+    return image;
+}
+
+QQuickItem *OSTQuickScreen::buildLabel(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
+{
+    auto *label = new OSTQuickLabel(frame, static_cast<const OSTLabelDescription &>(*element), m_content);
+    if (element->key() == errorMessageKey)
+        m_errorLabel = label;
+    return label;
+}
+
+QQuickItem *OSTQuickScreen::buildButton(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
+{
+    auto description = std::static_pointer_cast<const OSTButtonDescription>(element);
+    if (!description->states()) {
+        OSTLogging::logWarning(u"Button %1 has no \"states\" object and is left out"_s, description->key());
+        return nullptr;
+    }
+    auto *button = new OSTQuickButton(frame, description, m_content);
+    for (OSTQuickImage *background :
+         {button->normalBackground(), button->highlightedBackground(), button->disabledBackground()}) {
+        if (background)
+            watchRequiredImages(background);
+    }
+    connect(button, &OSTQuickButton::tapped, this, &OSTQuickScreen::buttonTapped);
+    m_validationItems.insert(description->key(), button);
+    return button;
+}
+
+QQuickItem *OSTQuickScreen::buildSwitch(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
+{
+    auto *toggle = new OSTQuickSwitch(frame, static_cast<const OSTSwitchDescription &>(*element), m_content);
+    connect(toggle, &OSTQuickSwitch::tapped, this, &OSTQuickScreen::switchTapped);
+    m_validationItems.insert(element->key(), toggle);
+    return toggle;
+}
+
+void OSTQuickScreen::stackPage()
+{
+    // Items are drawn in the order of their z values, so the page's order becomes theirs.
+    int z = 0;
+    for (const QString &key : m_page->pageStackingOrder()) {
+        if (QQuickItem *item = m_items.value(key))
+            item->setZ(++z);
+    }
+}
+
+void OSTQuickScreen::fillGroups()
+{
+    for (const OSTScreenPage::GroupMembers &group : m_page->groupStackingOrder()) {
+        auto *groupItem = qobject_cast<OSTQuickElement *>(m_items.value(group.group));
+        if (!groupItem)
+            continue;
+        for (const QString &member : group.members)
+            placeInGroup(member, *groupItem);
+    }
+    // A member that could not be placed (its group contains it in turn) would otherwise lie
+    // loose on the page; it is not shown.
+    for (const QString &key : m_page->groupedKeys()) {
+        if (QQuickItem *item = m_items.value(key); item && item->parentItem() == m_content)
+            item->setVisible(false);
+    }
+}
+
+void OSTQuickScreen::placeInGroup(const QString &key, OSTQuickElement &group)
+{
+    QQuickItem *item = m_items.value(key);
+    if (!item)
+        return;
+    QQuickItem *container = group.container();
+    if (item == &group || item->isAncestorOf(container)) {
+        OSTLogging::logWarning(u"Group %1 cannot hold %2, which contains it"_s, group.objectName(), key);
+        return;
+    }
+    // Members are placed lowest first; each goes on top of the ones before.
+    item->setParentItem(container);
+    item->setZ(container->childItems().size());
+    item->setVisible(true);
+}
+
+// --- Images -----------------------------------------------------------------------------------
+
+void OSTQuickScreen::watchRequiredImages(OSTQuickImage *image)
+{
+    if (!image->isLoadingRequiredImage())
+        return;
+    m_page->requiredImageStarted();
+    connect(image, &OSTQuickImage::requiredImageFinished, this, &OSTQuickScreen::requiredImageFinished,
+            Qt::SingleShotConnection);
+}
+
+void OSTQuickScreen::requiredImageFinished()
+{
+    if (m_page->requiredImageFinished())
+        m_model->requiredImagesDidFinishLoading();
+}
+
+// --- What happens on the screen ---------------------------------------------------------------
+
+void OSTQuickScreen::buttonTapped(OSTQuickButton *button)
+{
+    const QString actionName = button->action() ? button->action()->name() : QString();
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForButton(button->name(), actionName, *screen()));
+    // A picture button opens its own chooser instead of carrying out an action.
+    if (button->description()->kind() != OSTElementKind::PictureButton)
+        m_model->handleAction(button->action());
+}
+
+void OSTQuickScreen::switchTapped()
+{
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*screen()));
+}
+
+void OSTQuickScreen::tapRecognized()
+{
+    if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
+        forceActiveFocus();
+    m_model->screenTapped();
+}
+
+void OSTQuickScreen::mousePressEvent(QMouseEvent *event)
+{
+    m_pressPosition = event->position();
+    m_pressOffset = scrollOffset();
+    m_dragging = false;
+    event->accept();
+}
+
+void OSTQuickScreen::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_pressPosition)
+        return;
+    const qreal distance = m_pressPosition->y() - event->position().y();
+    if (!m_dragging && std::abs(distance) < QGuiApplication::styleHints()->startDragDistance())
+        return;
+    m_dragging = true;
+    scrollTo(m_pressOffset + OSTScreenPage::roundedEdge(distance));
+}
+
+void OSTQuickScreen::mouseReleaseEvent(QMouseEvent *)
+{
+    const bool tapped = m_pressPosition && !m_dragging;
+    m_pressPosition.reset();
+    m_dragging = false;
+    if (tapped)
+        tapRecognized();
+}
+
+void OSTQuickScreen::mouseUngrabEvent()
+{
+    m_pressPosition.reset();
+    m_dragging = false;
+}
+
+void OSTQuickScreen::wheelEvent(QWheelEvent *event)
+{
+    const int delta = event->pixelDelta().isNull() ? event->angleDelta().y() * wheelNotchPoints / 120
+                                                   : event->pixelDelta().y();
+    scrollTo(scrollOffset() - delta);
+    event->accept();
+}
+
+// --- Geometry -----------------------------------------------------------------------------------
+
+int OSTQuickScreen::contentHeight() const
+{
+    int lowestEdge = OSTScreenPage::roundedEdge(height());
+    for (auto item = m_items.cbegin(); item != m_items.cend(); ++item) {
+        if (m_page->isScrolling(item.key()) && item.value()->isVisible())
+            lowestEdge = std::max(lowestEdge, frameOf(*item.value()).bottom() + 1);
+    }
+    return lowestEdge;
+}
+
+void OSTQuickScreen::scrollTo(int offset)
+{
+    const int limit = std::max(0, contentHeight() - OSTScreenPage::roundedEdge(height()));
+    const int clamped = std::clamp(offset, 0, limit);
+    if (clamped == scrollOffset())
+        return;
+    m_page->setScrollOffset(clamped);
+    m_content->setY(-clamped);
+    for (const QString &key : m_page->anchoredPageKeys()) {
+        if (QQuickItem *item = m_items.value(key))
+            place(*item, geometryForKey(key));
+    }
+}
+
+QRect OSTQuickScreen::geometryForKey(const QString &key) const
+{
+    const QRect geometry = m_page->geometryForKey(key);
+    if (qobject_cast<const OSTQuickSwitch *>(m_items.value(key)))
+        return OSTQuickSwitch::frameInBox(geometry);
+    return geometry;
+}
+
+void OSTQuickScreen::reframeItems(bool animated)
+{
+    for (auto item = m_items.cbegin(); item != m_items.cend(); ++item) {
+        // A move still running towards an older layout would otherwise finish after this one.
+        stopMoving(*item.value());
+        const QRect geometry = geometryForKey(item.key());
+        if (!animated || frameOf(*item.value()) == geometry) {
+            place(*item.value(), geometry);
+            continue;
+        }
+        QQuickItem *target = item.value();
+        auto *move = new QVariantAnimation(target);
+        move->setObjectName(errorAnimationName);
+        move->setDuration(errorAnimationMilliseconds);
+        move->setEasingCurve(QEasingCurve::OutCubic);
+        move->setStartValue(frameOf(*target));
+        move->setEndValue(geometry);
+        connect(move, &QVariantAnimation::valueChanged, target,
+                [target](const QVariant &frame) { place(*target, frame.toRect()); });
+        move->start(QAbstractAnimation::DeleteWhenStopped);
+    }
+    resizeContent();
+}
+
+void OSTQuickScreen::resizeContent()
+{
+    m_content->setSize(QSizeF(width(), contentHeight()));
+    scrollTo(scrollOffset());
+}
+
+void OSTQuickScreen::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+    if (!m_page || !m_backdrop)
+        return;
+    place(*m_backdrop, QRect(QPoint(), newGeometry.size().toSize()));
+    resizeContent();
+    m_page->resize(OSTScreenPage::roundedSize(newGeometry.size()));
+}
+
+// --- The screen model's view ------------------------------------------------------------------
+
+const OSTScreenDocument &OSTQuickScreen::screenDocument() const
+{
+    return *m_page->document();
+}
+
+OSTScreenModelView::ValidationItems OSTQuickScreen::validationItems() const
+{
+    return m_validationItems;
+}
+
+bool OSTQuickScreen::isFullyLoaded() const
+{
+    return m_page && m_page->isFullyLoaded();
+}
+
+void OSTQuickScreen::setNextButtonsEnabled(bool enabled)
+{
+    for (QQuickItem *item : std::as_const(m_items)) {
+        auto *button = qobject_cast<OSTQuickButton *>(item);
+        if (!button || !button->action() || button->action()->type() != OSTActionTypeNext)
+            continue;
+        // The focus of a disabled button would move on to an input, whose editing would hide the
+        // error the user must see; the screen keeps it instead.
+        if (!enabled && button->hasActiveFocus())
+            forceActiveFocus();
+        button->setEnabled(enabled);
+    }
+}
+
+void OSTQuickScreen::showErrorMessage(const QString &message)
+{
+    if (!m_errorLabel || m_errorLabel->text() == message)
+        return;
+    m_page->setShowsError(!message.isNull());
+    const OSTScreenDocument &document = screenDocument();
+    m_errorLabel->customize(m_page->showsError() ? *document.errorMessageWhileShowing() : *document.errorMessage());
+    m_errorLabel->setText(message);
+    reframeItems(true);
+}
+
+void OSTQuickScreen::showLoadingOverlay()
+{
+    if (!m_loadingOverlay)
+        m_loadingOverlay = new OSTQuickLoadingOverlay(this);
+    m_loadingOverlay->present();
+}
+
+void OSTQuickScreen::hideLoadingOverlay()
+{
+    if (m_loadingOverlay)
+        m_loadingOverlay->dismiss();
+}
+
+void OSTQuickScreen::screenDidAppear()
+{
+    m_model->screenDidAppear();
+}
+
+void OSTQuickScreen::screenDidDisappear()
+{
+    if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
+        focused->setFocus(false);
+}
+
+} // namespace ostrel

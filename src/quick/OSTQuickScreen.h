@@ -1,0 +1,134 @@
+#pragma once
+
+#include "model/OSTScreenModel.h"
+#include "model/OSTScreenModelView.h"
+#include "model/OSTScreenPage.h"
+
+#include <QMap>
+#include <QPointF>
+#include <QPointer>
+#include <QQuickItem>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace ostrel {
+
+class OSTElementDescription;
+class OSTQuickButton;
+class OSTQuickElement;
+class OSTQuickImage;
+class OSTQuickLabel;
+class OSTQuickLoadingOverlay;
+
+// One screen of a flow drawn by Qt Quick, the counterpart of the widget screen controller and
+// screen view: an item per element of its page (OSTScreenPage: the document, the layout and where
+// each element goes), stacked by layer on a content item that scrolls when the screen is taller
+// than the item (mouse wheel and drag); anchored elements stay put. What happens on it goes to the
+// event queue and to its screen model, which decides (the image wait, the load and display events,
+// the actions) and drives it back through OSTScreenModelView.
+//
+// Whoever shows the item sizes it; a change of size lays the screen out again (see
+// OSTScreenPage::resize).
+//
+// Lives on the GUI thread; owns its screen model and page. A screen made with a completion
+// belongs to the completion's receiver once it succeeded; on failure it deletes itself after
+// calling the completion with null. Element items are its descendants.
+class OSTQuickScreen final : public QQuickItem, private OSTScreenModelView {
+    Q_OBJECT
+
+public:
+    using Environment = OSTScreenModel::Environment;
+    using Completion = std::function<void(OSTQuickScreen *screen)>;
+    using UnresolvedLayout = OSTScreenPage::UnresolvedLayout;
+
+    // Built at once, laid out in environment.area; null when the screen cannot be built.
+    static OSTQuickScreen *screenWithScreen(const std::shared_ptr<const OSTScreen> &screen,
+                                            const Environment &environment,
+                                            UnresolvedLayout unresolved = UnresolvedLayout::Fail,
+                                            QQuickItem *parent = nullptr);
+    // Calls `completion` with the screen once its required images are in or the bounded wait ran
+    // out (the screen then shows without them), or with null when it could not be built.
+    static void screenWithScreen(const std::shared_ptr<const OSTScreen> &screen, const Environment &environment,
+                                 Completion completion);
+    ~OSTQuickScreen() override;
+
+    OSTScreenModel &screenModel() { return *m_model; }
+    const std::shared_ptr<const OSTScreen> &screen() const { return m_model->screen(); }
+    const OSTScreenPage &page() const { return *m_page; }
+    // Element key to element item, every category in one map.
+    const QMap<QString, QQuickItem *> &items() const { return m_items; }
+    // The item the page's elements lie on; it moves up as the screen scrolls.
+    QQuickItem *contentItem() const { return m_content; }
+    OSTQuickLoadingOverlay *loadingOverlay() const { return m_loadingOverlay; }
+
+    // The experience shows the screen (after its slide) or took it away.
+    void screenDidAppear();
+    void screenDidDisappear();
+
+    // How far the content is scrolled up, between 0 and the content's height beyond the item's.
+    int scrollOffset() const { return m_page->scrollOffset(); }
+    void scrollTo(int offset);
+    int contentHeight() const;
+
+protected:
+    void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseUngrabEvent() override;
+    void wheelEvent(QWheelEvent *event) override;
+
+private:
+    OSTQuickScreen(const std::shared_ptr<const OSTScreen> &screen, const Environment &environment,
+                   Completion completion, QQuickItem *parent);
+
+    bool loadScreen(UnresolvedLayout unresolved);
+    void fireCompletion(bool success);
+    void buildPage();
+    void loadElement(const std::shared_ptr<const OSTElementDescription> &element);
+    QQuickItem *buildItem(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    QQuickItem *buildImage(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    QQuickItem *buildLabel(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    QQuickItem *buildButton(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    QQuickItem *buildSwitch(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    void hideReplacedItem(const QString &key);
+    void stackPage();
+    void fillGroups();
+    void placeInGroup(const QString &key, OSTQuickElement &group);
+
+    void watchRequiredImages(OSTQuickImage *image);
+    void requiredImageFinished();
+    void buttonTapped(OSTQuickButton *button);
+    void switchTapped();
+    void tapRecognized();
+
+    QRect geometryForKey(const QString &key) const;
+    void reframeItems(bool animated);
+    void resizeContent();
+
+    // OSTScreenModelView
+    const OSTScreenDocument &screenDocument() const override;
+    ValidationItems validationItems() const override;
+    bool isFullyLoaded() const override;
+    void setNextButtonsEnabled(bool enabled) override;
+    void showErrorMessage(const QString &message) override;
+    void showLoadingOverlay() override;
+    void hideLoadingOverlay() override;
+
+    const std::unique_ptr<OSTScreenModel> m_model;
+    std::unique_ptr<OSTScreenPage> m_page; // set once loaded
+    Completion m_completion;
+    OSTQuickElement *m_backdrop = nullptr;               // child item
+    QQuickItem *m_content = nullptr;                     // child item
+    QMap<QString, QQuickItem *> m_items;                 // descendants of the content item
+    QMap<QString, OSTValidationItem *> m_validationItems;
+    OSTQuickLabel *m_errorLabel = nullptr;
+    QPointer<OSTQuickLoadingOverlay> m_loadingOverlay; // child item, made on first use
+    std::optional<QPointF> m_pressPosition;            // a press on the page, in the screen's coordinates
+    int m_pressOffset = 0;                             // the scroll offset when it began
+    bool m_dragging = false;
+};
+
+} // namespace ostrel
