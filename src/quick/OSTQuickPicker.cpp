@@ -4,14 +4,14 @@
 #include "model/OSTCountryTable.h"
 #include "model/OSTValidationItemModel.h"
 #include "platform/OSTClock.h"
+#include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPickerWheel.h"
 #include "quick/OSTQuickToolbar.h"
 
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLocale>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QQuickWindow>
 
 #include <algorithm>
@@ -45,15 +45,18 @@ bool rowsAreMinutes(UIDatePickerMode mode)
 
 OSTQuickPicker::OSTQuickPicker(const QRectF &frame, std::shared_ptr<const OSTPickerDescription> description,
                                QQuickItem *parent)
-    : QQuickPaintedItem(parent),
+    : QQuickItem(parent),
       OSTQuickInput(*this, description->inputOrder()),
       m_description(std::move(description)),
       m_contentInsets(m_description->contentInsets() ? QMarginsF(*m_description->contentInsets())
                                                      : defaultContentInsets),
-      m_choiceText(m_description->text()->text())
+      m_background(new OSTQuickImage(QRect(QPoint(), frame.size().toSize()), *m_description->background(), this)),
+      m_textLabel(new OSTQuickLabel(QRect(QPoint(), frame.size().toSize()), *m_description->text(), this))
 {
+    setObjectName(name());
     setPosition(frame.topLeft());
     setSize(frame.size());
+    layOutLabel();
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
     buildRows();
@@ -244,10 +247,26 @@ void OSTQuickPicker::tellDelegateOfCountry()
         delegate->pickerDidChangeCountry(*this, m_country, m_countryCode);
 }
 
+QString OSTQuickPicker::choiceText() const
+{
+    return m_textLabel->text();
+}
+
 void OSTQuickPicker::showChoice(const QString &text)
 {
-    m_choiceText = text;
-    update();
+    m_textLabel->setText(text);
+}
+
+void OSTQuickPicker::layOutLabel()
+{
+    m_textLabel->setFrame(QRectF(QPointF(), size()).marginsRemoved(m_contentInsets).toRect());
+}
+
+void OSTQuickPicker::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+    m_background->setFrame(QRect(QPoint(), newGeometry.size().toSize()));
+    layOutLabel();
 }
 
 void OSTQuickPicker::reportValueChanged()
@@ -315,7 +334,7 @@ QVariant OSTQuickPicker::value() const
     case OSTPickerTypeCustomData:
         break;
     }
-    return m_choiceText;
+    return choiceText();
 }
 
 void OSTQuickPicker::setValue(const QVariant &value)
@@ -343,12 +362,6 @@ void OSTQuickPicker::modelDidChange()
         itemModel->setValid(true);
         itemModel->valueChanged();
     }
-}
-
-void OSTQuickPicker::paint(QPainter *painter)
-{
-    painter->setFont(QGuiApplication::font());
-    painter->drawText(boundingRect().marginsRemoved(m_contentInsets), Qt::AlignLeft | Qt::AlignVCenter, m_choiceText);
 }
 
 void OSTQuickPicker::mousePressEvent(QMouseEvent *event)
@@ -391,14 +404,14 @@ void OSTQuickPicker::keyPressEvent(QKeyEvent *event)
         handOnFocus();
         return;
     }
-    QQuickPaintedItem::keyPressEvent(event);
+    QQuickItem::keyPressEvent(event);
 }
 
 void OSTQuickPicker::focusOutEvent(QFocusEvent *event)
 {
     // Like a popup, the open wheel closes when the focus goes elsewhere.
     hideWheel();
-    QQuickPaintedItem::focusOutEvent(event);
+    QQuickItem::focusOutEvent(event);
 }
 
 } // namespace ostrel

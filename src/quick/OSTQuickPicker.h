@@ -9,13 +9,15 @@
 #include <QDateTime>
 #include <QMarginsF>
 #include <QPointer>
-#include <QQuickPaintedItem>
+#include <QQuickItem>
 #include <QStringList>
 
 #include <memory>
 
 namespace ostrel {
 
+class OSTQuickImage;
+class OSTQuickLabel;
 class OSTQuickPicker;
 class OSTQuickPickerWheel;
 class OSTQuickToolbar;
@@ -34,7 +36,8 @@ Q_DECLARE_INTERFACE(ostrel::OSTQuickPickerDelegate, "com.ostrelhq.Ostrel.OSTQuic
 
 namespace ostrel {
 
-// A picker input drawn by Qt Quick: shows its current choice over the element's background and,
+// A picker input drawn by Qt Quick: shows its current choice in a label item over the element's
+// background image item and,
 // when opened, a painted wheel (OSTQuickPickerWheel) below it with the optional toolbar above the
 // wheel. From its description (OSTPickerDescription) it takes the background, the label of the
 // choice, its insets (default 0, 10, 0, 16), the toolbar (cancel closes the wheel, done moves to
@@ -55,9 +58,10 @@ namespace ostrel {
 // delegate weakly (QPointer). A picker always holds a valid choice: attaching a model marks it
 // valid.
 //
-// Lives on the GUI thread; owned by its parent item. The toolbar and wheel are its QObject
-// children, shown in the window's content item (above the screen) while open.
-class OSTQuickPicker final : public QQuickPaintedItem, public OSTValidationItem, public OSTQuickInput {
+// Lives on the GUI thread; owned by its parent item. The background and the label are its child
+// items; the toolbar and wheel are its QObject children, shown in the window's content item
+// (above the screen) while open.
+class OSTQuickPicker final : public QQuickItem, public OSTValidationItem, public OSTQuickInput {
     Q_OBJECT
 
 public:
@@ -70,8 +74,11 @@ public:
     const QString &name() const { return m_description->key(); }
     OSTPickerType type() const { return m_description->wheel().type; }
     QMarginsF contentInsets() const { return m_contentInsets; }
+    OSTQuickImage *backgroundItem() const { return m_background; }
+    // The label showing the current choice.
+    OSTQuickLabel *textLabel() const { return m_textLabel; }
     // The text the picker shows: its current choice.
-    const QString &choiceText() const { return m_choiceText; }
+    QString choiceText() const;
     // The toolbar above the wheel; null without "toolbar".
     OSTQuickToolbar *toolbar() const { return m_toolbar; }
     // Null when the picker has no rows.
@@ -99,13 +106,12 @@ public:
     void setValue(const QVariant &value) override;
     bool shouldShowErrorMessage() const override { return false; }
 
-    void paint(QPainter *painter) override;
-
 protected:
     void modelDidChange() override;
     void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
+    void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
 
 private:
     void buildRows();
@@ -121,10 +127,12 @@ private:
     void tellDelegateOfCountry();
     void reportValueChanged();
     void placePopup();
+    void layOutLabel();
 
     const std::shared_ptr<const OSTPickerDescription> m_description;
     QMarginsF m_contentInsets;
-    QString m_choiceText;
+    OSTQuickImage *const m_background; // child items
+    OSTQuickLabel *const m_textLabel;
     QString m_country;
     QString m_countryCode;
     // The date kind: the bounds, whether a row is a day or a minute of the current day, and the
