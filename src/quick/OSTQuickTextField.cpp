@@ -4,6 +4,7 @@
 #include "model/OSTPhoneNumberFormatter.h"
 #include "model/OSTPhoneNumberManager.h"
 #include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickToolbar.h"
 
 #include <QClipboard>
@@ -89,6 +90,7 @@ OSTQuickTextField::OSTQuickTextField(const QRectF &frame, std::shared_ptr<const 
     setFlag(ItemAcceptsInputMethod);
     setActiveFocusOnTab(true);
     setOpacity(m_description->fieldAlpha());
+    buildPlaceholder();
     buildToolbar();
     updateView();
     replaceText(m_description->initialText());
@@ -105,6 +107,20 @@ void OSTQuickTextField::buildToolbar()
     m_toolbar->setVisible(false);
     m_toolbar->setCancelBlock([this] { setFocus(false); });
     m_toolbar->setDoneBlock([this] { textFieldShouldReturn(); });
+}
+
+void OSTQuickTextField::buildPlaceholder()
+{
+    if (const std::shared_ptr<const OSTLabelDescription> &placeholder = m_description->placeholder())
+        m_placeholderLabel = new OSTQuickLabel(QRect(QPoint(), size().toSize()), *placeholder, this);
+}
+
+void OSTQuickTextField::layOutPlaceholder()
+{
+    if (!m_placeholderLabel)
+        return;
+    m_placeholderLabel->setFrame(textRect().toRect());
+    m_placeholderLabel->setVisible(isPlaceholderShown());
 }
 
 bool OSTQuickTextField::isSecure() const
@@ -138,7 +154,7 @@ bool OSTQuickTextField::showsInvalidLook() const
 
 bool OSTQuickTextField::isPlaceholderShown() const
 {
-    return m_description->placeholder() && m_text.isEmpty() && m_preedit.isEmpty();
+    return m_placeholderLabel && m_text.isEmpty() && m_preedit.isEmpty();
 }
 
 QColor OSTQuickTextField::textColor() const
@@ -159,6 +175,7 @@ void OSTQuickTextField::updateView()
     m_textFont = state.textLook.font.value_or(QGuiApplication::font());
     m_textFont.setUnderline(state.textLook.underlined);
     fitTextToWidth();
+    layOutPlaceholder();
     update();
 }
 
@@ -319,6 +336,7 @@ void OSTQuickTextField::paste()
 void OSTQuickTextField::textFieldDidChange()
 {
     fitTextToWidth();
+    layOutPlaceholder();
     validate();
     if (const std::shared_ptr<OSTValidationItemModel> itemModel = model())
         itemModel->valueChanged();
@@ -496,6 +514,7 @@ void OSTQuickTextField::inputMethodEvent(QInputMethodEvent *event)
     }
     m_preedit = event->preeditString();
     scrollCaretIntoView();
+    layOutPlaceholder();
     update();
     event->accept();
 }
@@ -590,6 +609,7 @@ void OSTQuickTextField::geometryChange(const QRectF &newGeometry, const QRectF &
 {
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
     fitTextToWidth();
+    layOutPlaceholder();
 }
 
 void OSTQuickTextField::paint(QPainter *painter)
@@ -597,10 +617,6 @@ void OSTQuickTextField::paint(QPainter *painter)
     const QRectF box = textRect();
     painter->save();
     painter->setClipRect(box);
-    if (isPlaceholderShown()) {
-        painter->setFont(m_fittedFont);
-        painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter, m_description->placeholder()->text());
-    }
     painter->setFont(m_fittedFont);
     const QFontMetricsF metrics(m_fittedFont);
     const qreal baseline = box.top() + (box.height() - metrics.height()) / 2 + metrics.ascent();

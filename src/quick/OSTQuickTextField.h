@@ -14,6 +14,7 @@
 
 namespace ostrel {
 
+class OSTQuickLabel;
 class OSTQuickToolbar;
 
 // The single-line text input of a screen drawn by Qt Quick, behaving as the widget text field
@@ -37,8 +38,8 @@ class OSTQuickToolbar;
 // Live phone formatting: a phone field adopts OSTQuickPickerDelegate; wire it with
 // picker->setDelegate(field).
 //
-// Lives on the GUI thread; owned by its parent item. The toolbar is its child, hidden (a host
-// with an on-screen keyboard may show it).
+// Lives on the GUI thread; owned by its parent item. The placeholder label and the toolbar are
+// its children; the toolbar stays hidden (a host with an on-screen keyboard may show it).
 class OSTQuickTextField final : public QQuickPaintedItem,
                                 public OSTValidationItem,
                                 public OSTQuickInput,
@@ -65,6 +66,8 @@ public:
     // Whether the invalid look is on now.
     bool showsInvalidLook() const;
     bool isPlaceholderShown() const;
+    // The label shown while the field is empty; null without "placeholder".
+    OSTQuickLabel *placeholderLabel() const { return m_placeholderLabel; }
     QMarginsF contentInsets() const { return m_contentInsets; }
     // The font the text is drawn with now (shrunk to fit when the description asks).
     const QFont &textFont() const { return m_fittedFont; }
@@ -116,6 +119,7 @@ protected:
 
 private:
     void buildToolbar();
+    void buildPlaceholder();
     Qt::InputMethodHints inputMethodHints() const;
     bool handleEditingKey(const QKeyEvent &event);
     void removeBackward();
@@ -128,6 +132,7 @@ private:
     void textFieldDidChange();
     void textFieldShouldReturn();
     void updateView();
+    void layOutPlaceholder();
     void fitTextToWidth();
     QRectF textRect() const;
     qreal textOriginX() const;
@@ -148,6 +153,7 @@ private:
     FormattingBlock m_formattingBlock;
     QFont m_textFont;   // the state's font, before any shrinking to fit
     QFont m_fittedFont;
+    OSTQuickLabel *m_placeholderLabel = nullptr; // child; null without "placeholder"
     OSTQuickToolbar *m_toolbar = nullptr; // child; null without "toolbar"
 };
 

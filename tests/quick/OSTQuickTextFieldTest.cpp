@@ -2,6 +2,7 @@
 // the limits, the value it reports, the invalid look, secrecy and restored values.
 
 #include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPicker.h"
 #include "quick/OSTQuickTextField.h"
 
@@ -82,12 +83,15 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     // An input method's composition shows without being text; its commit string is inserted.
     phone->selectAll();
     QTest::keyClick(&window, Qt::Key_Backspace);
-    OSTQuickTextField *name = fieldIn(window, "{}", 150);
+    OSTQuickTextField *name = fieldIn(window, R"({"placeholder": {"text": "Name"}})", 150);
     name->forceActiveFocus();
+    ASSERT_TRUE(name->placeholderLabel());
+    EXPECT_TRUE(name->placeholderLabel()->isVisible());
+    EXPECT_EQ(name->placeholderLabel()->text(), u"Name"_s);
     QInputMethodEvent composing(u"Zo"_s, {});
     QGuiApplication::sendEvent(&window, &composing);
     EXPECT_EQ(name->text(), u""_s);
-    EXPECT_FALSE(name->isPlaceholderShown());
+    EXPECT_FALSE(name->placeholderLabel()->isVisible()) << "the composition hides the placeholder";
     QInputMethodEvent committed;
     committed.setCommitString(u"Zoë"_s);
     QGuiApplication::sendEvent(&window, &committed);
