@@ -1,13 +1,8 @@
 #include "quick/OSTQuickImagePickerButton.h"
 
-#include "core/OSTLogging.h"
 #include "model/OSTValidationItemModel.h"
 #include "quick/OSTQuickImage.h"
 #include "quick/OSTQuickPictureDialog.h"
-
-#include <QImageReader>
-
-using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
@@ -35,76 +30,55 @@ void OSTQuickImagePickerButton::clicked()
 
 void OSTQuickImagePickerButton::handlePickedFile(const QString &path)
 {
-    if (path.isEmpty()) {
-        handlePickedImage(QImage());
-        return;
-    }
-    QImageReader reader(path);
-    reader.setAutoTransform(true); // upright, whatever orientation the camera recorded
-    const QImage image = reader.read();
-    if (image.isNull())
-        OSTLogging::logWarning(u"The picture \"%1\" could not be read: %2"_s, path, reader.errorString());
-    handlePickedImage(image);
+    handlePickedImage(path.isEmpty() ? QImage() : OSTPictureChoice::readFile(path));
 }
 
 void OSTQuickImagePickerButton::handlePickedImage(const QImage &image)
 {
-    m_shouldShowErrorMessage = true;
-    if (!image.isNull()) {
-        setCustomImage(image);
-        if (const auto itemModel = model())
-            itemModel->valueChanged();
-    }
-    validate();
+    if (m_choice.answer(image))
+        pictureChanged();
+    m_choice.judge(model().get());
 }
 
-void OSTQuickImagePickerButton::setCustomImage(const QImage &image)
+void OSTQuickImagePickerButton::pictureChanged()
 {
-    m_customImage = image;
-    if (!image.isNull() && normalBackground())
-        normalBackground()->setImage(image);
+    if (!customImage().isNull() && normalBackground())
+        normalBackground()->setImage(customImage());
     updateBackgrounds();
+    if (const auto itemModel = model())
+        itemModel->valueChanged();
 }
 
 void OSTQuickImagePickerButton::updateBackgrounds()
 {
-    if (m_customImage.isNull()) {
+    if (customImage().isNull()) {
         OSTQuickButton::updateBackgrounds();
         return;
     }
     // The chosen picture replaces every state's background.
-    if (normalBackground())
-        normalBackground()->setVisible(true);
     for (OSTQuickImage *background : {highlightedBackground(), disabledBackground()})
         if (background)
             background->setVisible(false);
-    update();
-}
-
-void OSTQuickImagePickerButton::validate()
-{
-    if (const auto itemModel = model())
-        itemModel->setValid(itemModel->isOptional() || !m_customImage.isNull());
+    if (normalBackground())
+        normalBackground()->setVisible(true);
 }
 
 void OSTQuickImagePickerButton::modelDidChange()
 {
-    validate();
+    m_choice.judge(model().get());
 }
 
 QVariant OSTQuickImagePickerButton::value() const
 {
-    return m_customImage.isNull() ? QVariant() : QVariant(m_customImage);
+    return m_choice.value();
 }
 
 void OSTQuickImagePickerButton::setValue(const QVariant &value)
 {
-    if (value.typeId() != QMetaType::QImage)
+    if (!m_choice.restore(value))
         return;
-    setCustomImage(value.value<QImage>());
-    if (const auto itemModel = model())
-        itemModel->valueChanged();
-    validate();
+    pictureChanged();
+    m_choice.judge(model().get());
 }
 
 } // namespace ostrel

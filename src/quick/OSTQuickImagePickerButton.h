@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTPictureChoice.h"
 #include "quick/OSTQuickButton.h"
 
 #include <QImage>
@@ -25,7 +26,7 @@ public:
     static OSTQuickImagePickerButton *create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                                              QQuickItem *parent = nullptr);
 
-    const QImage &customImage() const { return m_customImage; }
+    const QImage &customImage() const { return m_choice.image(); }
     // The dialog a click opens, or null without an "imageSelector".
     OSTQuickPictureDialog *pictureDialog() const { return m_dialog; }
     // Reads the chosen file; an empty path is a cancelled choice, an unreadable file is logged
@@ -36,7 +37,7 @@ public:
 
     QVariant value() const override;
     void setValue(const QVariant &value) override;
-    bool shouldShowErrorMessage() const override { return m_shouldShowErrorMessage; }
+    bool shouldShowErrorMessage() const override { return m_choice.hasAnswered(); }
 
 protected:
     void clicked() override;
@@ -46,12 +47,11 @@ protected:
 private:
     using OSTQuickButton::OSTQuickButton;
 
-    void setCustomImage(const QImage &image);
-    void validate();
+    // Shows the held picture and reports the new value.
+    void pictureChanged();
 
     OSTQuickPictureDialog *m_dialog = nullptr;
-    QImage m_customImage;
-    bool m_shouldShowErrorMessage = false;
+    OSTPictureChoice m_choice;
 };
 
 } // namespace ostrel
