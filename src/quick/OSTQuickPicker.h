@@ -36,27 +36,20 @@ Q_DECLARE_INTERFACE(ostrel::OSTQuickPickerDelegate, "com.ostrelhq.Ostrel.OSTQuic
 
 namespace ostrel {
 
-// A picker input drawn by Qt Quick: shows its current choice in a label item over the element's
-// background image item and,
-// when opened, a painted wheel (OSTQuickPickerWheel) below it with the optional toolbar above the
-// wheel. From its description (OSTPickerDescription) it takes the background, the label of the
-// choice, its insets (default 0, 10, 0, 16), the toolbar (cancel closes the wheel, done moves to
-// the next input), the input order, the accessibility name and the wheel's rows:
+// The picker input of a screen drawn by Qt Quick, behaving as the widget picker does: its choice
+// in a label item over the background image item; opened, a painted wheel (OSTQuickPickerWheel)
+// below it under the optional toolbar (cancel closes, done moves on). The wheel lists the
+// country table, the custom entries (none disable the picker, which then reports "") or, for
+// a date picker, one row per day between the bounds (per minute of the day for the time modes),
+// standing at the start date, else now within the bounds.
 //
-//   country  one row per entry of the country table, "+44     \tUnited Kingdom"
-//   date     one row per day between the bounds (per minute of the day for the time modes),
-//            starting at the start date, else now within the bounds
-//   custom   the custom entries; none leave the picker disabled, reporting ""
+// Space, Alt+Down or F4 open the wheel; there Up and Down choose live, Return or Enter choose and
+// move on, Escape closes. Return on the closed picker moves on; Tab and Shift+Tab follow the
+// input chain. A click opens the wheel; a click on a row chooses it and closes the wheel.
 //
-// Keyboard: Space, Alt+Down or F4 open the wheel; in it, Up and Down choose (live, as a wheel
-// does), Return or Enter choose and move to the next input, Escape closes it. Return on the
-// closed picker moves to the next input; Tab and Shift+Tab follow the input chain. A click
-// opens the wheel; a click on a row chooses it and closes the wheel.
-//
-// Wiring a country picker to a phone field: picker->setDelegate(field); the field at once
-// formats under the picker's current code and again after each choice. The picker keeps the
-// delegate weakly (QPointer). A picker always holds a valid choice: attaching a model marks it
-// valid.
+// picker->setDelegate(field) wires a country picker to a phone field, which formats under the
+// current code at once and after each choice; the delegate is kept weakly. Attaching a model
+// marks the picker valid: it always holds a choice.
 //
 // Lives on the GUI thread; owned by its parent item. The background and the label are its child
 // items; the toolbar and wheel are its QObject children, shown in the window's content item
