@@ -11,7 +11,7 @@
 #include "OSTWidgetBenchmarkMain.h"
 #include "experience/OSTScreen.h"
 #include "widgets/OSTScreenView.h"
-#include "widgets/OSTPaintedLayerCache.h"
+#include "paint/OSTPaintedLayerCache.h"
 
 #include <QImage>
 

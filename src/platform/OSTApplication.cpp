@@ -16,6 +16,24 @@ namespace {
 
 std::atomic<OSTApplication::LifecycleSource> requestedSource{OSTApplication::LifecycleSource::Automatic};
 
+// False while the application is starting; set by the first did-become-active after the SDK was
+// loaded. The observer is registered when the library is loaded, so no activation is missed.
+std::atomic<bool> applicationBecameActive{false};
+
+struct FirstActivationObserver {
+    FirstActivationObserver()
+    {
+        OSTNotificationCenter &center = OSTNotificationCenter::defaultCenter();
+        token = center.addObserver(OSTApplicationDidBecomeActiveNotification, [this](const OSTNotification &) {
+            applicationBecameActive.store(true);
+            OSTNotificationCenter::defaultCenter().removeObserver(token);
+        });
+    }
+    OSTObserverToken token = 0;
+};
+
+const FirstActivationObserver firstActivationObserver;
+
 // Desktop platforms report Inactive for what a phone calls the background (no focus, minimised,
 // no window shown), so only Active counts as being in the foreground.
 OSTApplication::State stateFromQt(Qt::ApplicationState state)
@@ -57,6 +75,11 @@ bool changesWindowVisibility(const QObject *watched, const QEvent *event)
 }
 
 } // namespace
+
+bool OSTApplication::hasBecomeActiveOnce()
+{
+    return applicationBecameActive.load();
+}
 
 OSTApplication &OSTApplication::sharedApplication()
 {

@@ -56,6 +56,9 @@ public:
     // Chooses whether Qt's own application state drives the life cycle. Takes effect when the
     // shared instance is created, so call it before anything uses the SDK.
     static void setLifecycleSource(LifecycleSource source);
+    // Whether the application has become active at least once since the SDK was loaded; until
+    // then it is still starting (an experience asked for then is shown over a launch cover).
+    static bool hasBecomeActiveOnce();
 
     State applicationState() const { return m_state; }
     bool hasFinishedLaunching() const { return m_finishedLaunching; }

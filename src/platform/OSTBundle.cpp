@@ -4,16 +4,38 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLoggingCategory>
 #include <QMutex>
 #include <QMutexLocker>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
 
 namespace {
+
+Q_LOGGING_CATEGORY(bundleLog, "ostrel.bundle")
+
+const QString launchImageMarker = QStringLiteral("LaunchImage");
+
+// "Default-LaunchImage@2x.png" has scale 2; a name without the suffix has scale 1.
+double scaleOfImageNamed(const QString &fileName)
+{
+    static const QRegularExpression scaleSuffix(QStringLiteral("@(\\d+)x\\.png$"));
+    const QRegularExpressionMatch match = scaleSuffix.match(fileName);
+    return match.hasMatch() ? match.captured(1).toDouble() : 1.0;
+}
+
+bool fitsArea(const QSize &pixelSize, double scale, QSizeF areaSize, double devicePixelRatio)
+{
+    if (scale != devicePixelRatio || !pixelSize.isValid())
+        return false;
+    return pixelSize.width() / scale == areaSize.width() && pixelSize.height() / scale == areaSize.height();
+}
 
 QString executableFolder()
 {
@@ -98,6 +120,28 @@ void OSTBundle::loadInfoDictionary()
         return;
     }
     m_infoDictionary = document.object().toVariantMap();
+}
+
+QImage OSTBundle::launchImage(QSizeF areaSize, double devicePixelRatio) const
+{
+    const QDir folder(bundlePath());
+    const QStringList names = folder.entryList({QStringLiteral("*.png")}, QDir::Files, QDir::Name);
+    for (const QString &name : names) {
+        if (!name.contains(launchImageMarker))
+            continue;
+        QImageReader reader(folder.filePath(name));
+        const double scale = scaleOfImageNamed(name);
+        if (!fitsArea(reader.size(), scale, areaSize, devicePixelRatio))
+            continue;
+        QImage image = reader.read();
+        if (image.isNull()) {
+            qCWarning(bundleLog).noquote() << "Cannot read the launch image" << name << ":" << reader.errorString();
+            continue;
+        }
+        image.setDevicePixelRatio(scale);
+        return image;
+    }
+    return {};
 }
 
 } // namespace ostrel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QImage>
+#include <QSizeF>
 #include <QString>
 #include <QVariantMap>
 
@@ -30,6 +32,10 @@ public:
     QVariant objectForInfoDictionaryKey(const QString &key) const;
     // "UILaunchStoryboardName": the name of the launch form, when it is a non-empty string.
     std::optional<QString> launchStoryboardName() const;
+    // The first "*LaunchImage*.png" at the top of the bundle (in file-name order) whose scale (from
+    // an "@2x"-style suffix, else 1) equals `devicePixelRatio` and whose size in points equals
+    // `areaSize`; a null image when none does. The image's device pixel ratio is its scale.
+    QImage launchImage(QSizeF areaSize, double devicePixelRatio) const;
     // Absolute path of the resource file "name.extension" in the bundle, or an empty string when
     // there is no such file.
     QString pathForResource(const QString &name, const QString &extension) const;

@@ -1,21 +1,13 @@
 #pragma once
 
-#include "screen/OSTBoxLook.h"
+#include "paint/OSTBoxPainter.h"
 
-#include <QColor>
-#include <QGradientStops>
-#include <QList>
 #include <QWidget>
-
-#include <optional>
-
-class QPainter;
-class QPainterPath;
 
 namespace ostrel {
 
-// The painted box of an element, as its box look (OSTBoxLook) describes it: a flat colour or a
-// linear or radial gradient, a border and rounded or circular corners.
+// The painted box of an element, as its box look (OSTBoxLook) describes it and OSTBoxPainter
+// draws it: a flat colour or a linear or radial gradient, a border and rounded or circular corners.
 //
 // Every element view carries one as its container, filling it; the views of a group's members
 // are its children. Children are clipped to the box's rounded outline and the border is drawn
@@ -31,25 +23,11 @@ public:
     // Restyles the box: the look replaces the whole earlier one.
     void setLook(const OSTBoxLook &look);
 
-    // The corner radius the box is drawn with at its current size: half the height for
-    // "circle", limited to half the shorter side as a rounded rectangle allows.
-    qreal cornerRadius() const;
-
-    // The stops of a gradient through `colors`, each converted to red, green, blue and alpha
-    // (an invalid colour is a clear stop). Stop i lies at i / (n - 1) in integer division, so
-    // with three or more colours every stop but the last is at 0 and only the last two colours
-    // show; a single colour is one stop at 0.
-    static QGradientStops gradientStops(const QList<QColor> &colors);
-
-    // The box's rounded outline in its own coordinates.
-    QPainterPath outline() const;
-    bool hasBorder() const { return m_look.borderWidth > 0; }
-    // Names the border's width and colour, for keeping its drawing.
-    QString borderKey() const;
-    // Draws the border (when there is one) along the outline.
-    void paintBorder(QPainter &painter) const;
-    // Draws the whole box (fill, gradient, border) in its own coordinates, as paintEvent does;
-    // for widgets that draw a box under their own content instead of showing this view.
+    const OSTBoxPainter &boxPainter() const { return m_boxPainter; }
+    // The corner radius the box is drawn with at its current size.
+    qreal cornerRadius() const { return m_boxPainter.cornerRadius(size()); }
+    // Draws the box in its own coordinates, as paintEvent does; for widgets that draw a box
+    // under their own content instead of showing this view.
     void paintBox(QPainter &painter) const;
 
 protected:
@@ -57,11 +35,10 @@ protected:
     void childEvent(QChildEvent *event) override;
 
 private:
-    void paintGradient(QPainter &painter, const QPainterPath &outline) const;
     bool clipsChildren() const;
     void updateChildClipping();
 
-    OSTBoxLook m_look;
+    OSTBoxPainter m_boxPainter;
 };
 
 } // namespace ostrel

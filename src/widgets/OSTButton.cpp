@@ -8,22 +8,10 @@
 
 #include <QKeyEvent>
 #include <QPainter>
-#include <QTextDocument>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
-
-namespace {
-
-OSTButton::StateLook lookOf(const OSTButtonDescription::StateLook &state)
-{
-    return {state.title, OSTTextAttributes(state.textLook)};
-}
-
-} // namespace
 
 OSTButton *OSTButton::create(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                              QWidget *parent)
@@ -34,22 +22,20 @@ OSTButton *OSTButton::create(const QRect &frame, std::shared_ptr<const OSTButton
 }
 
 OSTButton::OSTButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description, QWidget *parent)
-    : QAbstractButton(parent), m_description(std::move(description)), m_titleLayer(new QWidget(this))
+    : QAbstractButton(parent),
+      m_description(std::move(description)),
+      m_buttonPainter(*m_description->states()),
+      m_titleLayer(new QWidget(this))
 {
     setGeometry(frame);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_NoSystemBackground);
     const OSTButtonDescription::States &states = *m_description->states();
-    m_normalLook = lookOf(states.normal);
     m_normalBackground = addBackground(*states.normal.background);
-    if (states.pressed) {
-        m_pressedLook = lookOf(*states.pressed);
+    if (states.pressed)
         m_highlightedBackground = addBackground(*states.pressed->background);
-    }
-    if (states.disabled) {
-        m_disabledLook = lookOf(*states.disabled);
+    if (states.disabled)
         m_disabledBackground = addBackground(*states.disabled->background);
-    }
     OSTViewEffect::applyTo(*this, m_normalBackground->container(), m_description->buttonAlpha(),
                            m_description->buttonShadow());
     // The state backgrounds are child widgets, which paint over their parent; the title and the
@@ -60,8 +46,9 @@ OSTButton::OSTButton(const QRect &frame, std::shared_ptr<const OSTButtonDescript
     m_titleLayer->raise();
 
     // The title doubles as the accessible name; "&" would otherwise make a keyboard shortcut.
-    setText(QString(m_normalLook.title).replace(u"&"_s, u"&&"_s));
-    if (m_normalLook.title.isEmpty())
+    const QString &normalTitle = m_buttonPainter.title(OSTButtonPainter::State::Normal);
+    setText(QString(normalTitle).replace(u"&"_s, u"&&"_s));
+    if (normalTitle.isEmpty())
         setAccessibleName(name());
     setCheckable(isToggle());
 
@@ -101,18 +88,16 @@ void OSTButton::updateBackgrounds()
     update();
 }
 
-const OSTButton::StateLook &OSTButton::currentLook() const
+OSTButtonPainter::State OSTButton::shownState() const
 {
-    if (!isEnabled() && m_disabledLook)
-        return *m_disabledLook;
-    if ((isDown() || isChecked()) && m_pressedLook)
-        return *m_pressedLook;
-    return m_normalLook;
+    return m_buttonPainter.shownState(isEnabled() ? OSTButtonPainter::Enablement::Enabled : OSTButtonPainter::Enablement::Disabled,
+                                      isDown() || isChecked() ? OSTButtonPainter::Press::Pressed
+                                                              : OSTButtonPainter::Press::Released);
 }
 
 QString OSTButton::currentTitle() const
 {
-    return currentLook().title;
+    return m_buttonPainter.title(shownState());
 }
 
 void OSTButton::paintEvent(QPaintEvent *)
@@ -130,18 +115,10 @@ bool OSTButton::eventFilter(QObject *watched, QEvent *event)
 
 void OSTButton::paintTitleLayer()
 {
-    const StateLook &look = currentLook();
     QPainter painter(m_titleLayer);
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (!look.title.isEmpty())
-        look.attributes.paint(painter, titleDocument(), QRectF(rect()));
-    if (hasFocus()) {
-        // The frame follows the shown background's corners, one pixel in, so it stays inside
-        // a rounded button instead of squaring off its corners.
-        const qreal radius = std::max<qreal>(0, shownBackgroundCornerRadius() - 1);
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius, radius);
-    }
+    m_buttonPainter.paintTitle(painter, shownState(), QRectF(rect()), font());
+    if (hasFocus())
+        OSTButtonPainter::paintFocusFrame(painter, size(), shownBackgroundCornerRadius(), palette().color(QPalette::Highlight));
 }
 
 qreal OSTButton::shownBackgroundCornerRadius() const
@@ -151,17 +128,6 @@ qreal OSTButton::shownBackgroundCornerRadius() const
             return background->container()->cornerRadius();
     }
     return 0;
-}
-
-QTextDocument &OSTButton::titleDocument()
-{
-    const StateLook &look = currentLook();
-    if (!m_titleDocument || m_titleDocumentLook != &look || m_titleDocumentWidth != width()) {
-        m_titleDocument = look.attributes.layOut(look.title, width(), font());
-        m_titleDocumentLook = &look;
-        m_titleDocumentWidth = width();
-    }
-    return *m_titleDocument;
 }
 
 void OSTButton::keyPressEvent(QKeyEvent *event)
@@ -182,8 +148,6 @@ void OSTButton::changeEvent(QEvent *event)
         setAttribute(Qt::WA_TransparentForMouseEvents, !isEnabled());
         updateBackgrounds();
     }
-    else if (event->type() == QEvent::FontChange)
-        m_titleDocument.reset();
 }
 
 void OSTButton::resizeEvent(QResizeEvent *event)

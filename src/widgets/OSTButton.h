@@ -1,15 +1,12 @@
 #pragma once
 
 #include "model/OSTValidationItem.h"
+#include "paint/OSTButtonPainter.h"
 #include "screen/OSTButtonDescription.h"
-#include "widgets/OSTTextAttributes.h"
 
 #include <QAbstractButton>
 
 #include <memory>
-#include <optional>
-
-class QTextDocument;
 
 namespace ostrel {
 
@@ -20,7 +17,7 @@ class OSTImageView;
 // drop shadow and action, all from its description (OSTButtonDescription). A toggle takes part in
 // validation: a required toggle is valid while selected, an optional one always.
 //
-// A press shows the pressed state; a toggle stays selected (pressed) until pressed again. Space,
+// The title and focus frame are drawn by OSTButtonPainter. A press shows the pressed state; a toggle stays selected (pressed) until pressed again. Space,
 // Enter and Return press it from the keyboard; assistive technology reads its title (its element
 // key when it has none).
 //
@@ -44,15 +41,6 @@ public:
     OSTImageView *disabledBackground() const { return m_disabledBackground; }
     // The title shown in the current state.
     QString currentTitle() const;
-
-    struct StateLook {
-        QString title;
-        OSTTextAttributes attributes;
-    };
-    // Each state's title and text look; pressed and disabled are absent when the states are.
-    const StateLook &normalLook() const { return m_normalLook; }
-    const std::optional<StateLook> &pressedLook() const { return m_pressedLook; }
-    const std::optional<StateLook> &disabledLook() const { return m_disabledLook; }
 
     // A toggle's value is whether it is selected; a plain button has none.
     QVariant value() const override;
@@ -79,26 +67,18 @@ protected:
 private:
     OSTImageView *addBackground(const OSTImageDescription &background);
     qreal shownBackgroundCornerRadius() const;
-    // The current state's title laid out at the current width; laid out again only when the
-    // state, the width or the font changed.
-    QTextDocument &titleDocument();
-    const StateLook &currentLook() const;
+    OSTButtonPainter::State shownState() const;
     bool showsPressed() const;
     void updateToggleValidity();
     void handleClick();
     void paintTitleLayer();
 
     const std::shared_ptr<const OSTButtonDescription> m_description;
-    StateLook m_normalLook;
-    std::optional<StateLook> m_pressedLook;
-    std::optional<StateLook> m_disabledLook;
+    OSTButtonPainter m_buttonPainter;
     QWidget *const m_titleLayer; // child, above the backgrounds
     OSTImageView *m_normalBackground = nullptr;      // children; null when the state is absent
     OSTImageView *m_highlightedBackground = nullptr;
     OSTImageView *m_disabledBackground = nullptr;
-    std::unique_ptr<QTextDocument> m_titleDocument;
-    const StateLook *m_titleDocumentLook = nullptr;
-    int m_titleDocumentWidth = -1;
 };
 
 } // namespace ostrel

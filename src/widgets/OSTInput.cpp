@@ -1,6 +1,6 @@
 #include "widgets/OSTInput.h"
 
-#include <algorithm>
+#include "model/OSTInputOrder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,13 +15,17 @@ OSTInput::OSTInput(QWidget &widget, int inputPosition)
 void OSTInput::chainInputs(QList<OSTInput *> inputs)
 {
     inputs.removeAll(nullptr);
-    std::stable_sort(inputs.begin(), inputs.end(),
-                     [](const OSTInput *a, const OSTInput *b) { return a->inputPosition() < b->inputPosition(); });
-    for (qsizetype index = 0; index < inputs.size(); ++index) {
-        const bool isLast = index + 1 == inputs.size();
-        inputs[index]->setNextInput(isLast ? nullptr : &inputs[index + 1]->inputWidget());
-        if (!isLast)
-            QWidget::setTabOrder(&inputs[index]->inputWidget(), &inputs[index + 1]->inputWidget());
+    QList<int> inputOrders;
+    for (const OSTInput *input : std::as_const(inputs))
+        inputOrders.append(input->inputPosition());
+    const QList<qsizetype> chain = OSTInputOrder::chain(inputOrders);
+    for (qsizetype link = 0; link < chain.size(); ++link) {
+        OSTInput &input = *inputs.at(chain.at(link));
+        const bool isLast = link + 1 == chain.size();
+        QWidget *next = isLast ? nullptr : &inputs.at(chain.at(link + 1))->inputWidget();
+        input.setNextInput(next);
+        if (next)
+            QWidget::setTabOrder(&input.inputWidget(), next);
     }
 }
 

@@ -10,9 +10,10 @@ namespace ostrel {
 
 // An input of a screen that takes part in the return-key chain: text fields and pickers.
 //
-// The screen orders its inputs by inputPosition (their description's input order) and links them
-// with chainInputs(), which sets each input's nextInput and the Tab order, so that the return key (or
-// a toolbar's done button) and Tab both move the focus to the next input and Shift+Tab back.
+// The screen orders its inputs by inputPosition (their description's input order) as
+// OSTInputOrder does and links them with chainInputs(), which sets each input's nextInput and the
+// Tab order, so that the return key (or a toolbar's done button) and Tab both move the focus to
+// the next input and Shift+Tab back.
 // The last input has no next input: return there calls the return handler (the screen queues
 // its return event and moves on) and the input gives up the focus.
 //

@@ -5,34 +5,15 @@
 
 #include <QDir>
 #include <QFile>
-#include <QImageReader>
 #include <QLabel>
 #include <QPalette>
 #include <QPixmap>
-#include <QRegularExpression>
 #include <QUiLoader>
 #include <QVBoxLayout>
 
 namespace ostrel {
 
 namespace {
-
-const QString launchImageMarker = QStringLiteral("LaunchImage");
-
-// "Default-LaunchImage@2x.png" has scale 2; a name without the suffix has scale 1.
-double scaleOfImageNamed(const QString &fileName)
-{
-    static const QRegularExpression scaleSuffix(QStringLiteral("@(\\d+)x\\.png$"));
-    const QRegularExpressionMatch match = scaleSuffix.match(fileName);
-    return match.hasMatch() ? match.captured(1).toDouble() : 1.0;
-}
-
-bool fitsArea(const QSize &pixelSize, double scale, QSizeF areaSize, double devicePixelRatio)
-{
-    if (scale != devicePixelRatio || !pixelSize.isValid())
-        return false;
-    return pixelSize.width() / scale == areaSize.width() && pixelSize.height() / scale == areaSize.height();
-}
 
 void pinToAllEdges(QWidget *container, QWidget *view)
 {
@@ -54,28 +35,6 @@ OSTLaunchController::OSTLaunchController(QSizeF areaSize, double devicePixelRati
 std::optional<QString> OSTLaunchController::getLaunchStoryboardName()
 {
     return OSTBundle::mainBundle()->launchStoryboardName();
-}
-
-QImage OSTLaunchController::getLaunchImage(const OSTBundle &bundle, QSizeF areaSize, double devicePixelRatio)
-{
-    const QDir folder(bundle.bundlePath());
-    const QStringList names = folder.entryList({QStringLiteral("*.png")}, QDir::Files, QDir::Name);
-    for (const QString &name : names) {
-        if (!name.contains(launchImageMarker))
-            continue;
-        QImageReader reader(folder.filePath(name));
-        const double scale = scaleOfImageNamed(name);
-        if (!fitsArea(reader.size(), scale, areaSize, devicePixelRatio))
-            continue;
-        QImage image = reader.read();
-        if (image.isNull()) {
-            OSTLogging::logWarning(QStringLiteral("Cannot read the launch image %1: %2"), name, reader.errorString());
-            continue;
-        }
-        image.setDevicePixelRatio(scale);
-        return image;
-    }
-    return {};
 }
 
 QWidget *OSTLaunchController::loadView()
@@ -120,7 +79,7 @@ QWidget *OSTLaunchController::loadLaunchForm(const QString &name, QWidget *conta
 
 QWidget *OSTLaunchController::makeLaunchImageView() const
 {
-    const QImage image = getLaunchImage(*OSTBundle::mainBundle(), m_areaSize, m_devicePixelRatio);
+    const QImage image = OSTBundle::mainBundle()->launchImage(m_areaSize, m_devicePixelRatio);
     if (image.isNull())
         return nullptr;
     auto *imageView = new QLabel;

@@ -10,8 +10,6 @@
 
 namespace ostrel {
 
-class OSTBundle;
-
 // The host application's launch screen, rebuilt so that an experience asked for while the host
 // is starting looks as if the launch screen stayed up until the first screen is ready. The view
 // is, in this order of preference: the Qt Designer form named by the main bundle's Info.json
@@ -29,10 +27,6 @@ public:
 
     // The main bundle's "UILaunchStoryboardName" when it is a non-empty string.
     static std::optional<QString> getLaunchStoryboardName();
-    // The first "*LaunchImage*.png" at the top of `bundle` (in file-name order) whose scale (from
-    // an "@2x"-style suffix, else 1) equals `devicePixelRatio` and whose size in points equals
-    // `areaSize`; a null image when none does. The image's device pixel ratio is its scale.
-    static QImage getLaunchImage(const OSTBundle &bundle, QSizeF areaSize, double devicePixelRatio);
 
 protected:
     QWidget *loadView() override;

@@ -1,5 +1,7 @@
 #include "widgets/OSTLoadingOverlay.h"
 
+#include "paint/OSTLoadingIndicatorPainter.h"
+
 #include <QEasingCurve>
 #include <QEvent>
 #include <QKeyEvent>
@@ -8,15 +10,6 @@
 #include <QVariantAnimation>
 
 namespace ostrel {
-
-namespace {
-
-constexpr qreal dimmingAlpha = 0.75;
-constexpr int indicatorDiameter = 37;
-constexpr int indicatorSpokes = 12;
-constexpr int indicatorTurnMilliseconds = 1000;
-
-} // namespace
 
 OSTLoadingOverlay::OSTLoadingOverlay(QWidget *parent)
     : QWidget(parent),
@@ -30,7 +23,7 @@ OSTLoadingOverlay::OSTLoadingOverlay(QWidget *parent)
     m_fade->setEasingCurve(QEasingCurve::OutCubic);
     m_spin->setStartValue(0.0);
     m_spin->setEndValue(360.0);
-    m_spin->setDuration(indicatorTurnMilliseconds);
+    m_spin->setDuration(OSTLoadingIndicatorPainter::turnMilliseconds);
     m_spin->setLoopCount(-1);
     connect(m_spin, &QVariantAnimation::valueChanged, this, [this](const QVariant &angle) {
         m_indicatorAngle = angle.toReal();
@@ -117,29 +110,7 @@ bool OSTLoadingOverlay::focusNextPrevChild(bool)
 void OSTLoadingOverlay::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setOpacity(m_presence);
-    painter.fillRect(rect(), QColor::fromRgbF(0, 0, 0, dimmingAlpha));
-    paintIndicator(painter);
-}
-
-void OSTLoadingOverlay::paintIndicator(QPainter &painter) const
-{
-    // White spokes that fade behind the leading one, turning once a second.
-    painter.save();
-    painter.translate(QRectF(rect()).center());
-    painter.rotate(m_indicatorAngle);
-    const qreal outer = indicatorDiameter / 2.0;
-    QPen pen(Qt::white, 3.5, Qt::SolidLine, Qt::RoundCap);
-    for (int spoke = 0; spoke < indicatorSpokes; ++spoke) {
-        QColor color = Qt::white;
-        color.setAlphaF(0.25 + 0.75 * spoke / (indicatorSpokes - 1));
-        pen.setColor(color);
-        painter.setPen(pen);
-        painter.drawLine(QPointF(0, -outer * 0.45), QPointF(0, -outer));
-        painter.rotate(360.0 / indicatorSpokes);
-    }
-    painter.restore();
+    OSTLoadingIndicatorPainter::paint(painter, size(), m_presence, m_indicatorAngle);
 }
 
 } // namespace ostrel

@@ -42,7 +42,6 @@ protected:
 
 private:
     void finishDismissal();
-    void paintIndicator(QPainter &painter) const;
 
     QPropertyAnimation *const m_fade;       // child
     QVariantAnimation *const m_spin;        // child; turns the indicator while presented

@@ -2,7 +2,6 @@
 
 #include "core/OSTDateFormatter.h"
 #include "core/OSTLogging.h"
-#include "model/OSTCountryTable.h"
 #include "model/OSTValidationItemModel.h"
 #include "platform/OSTClock.h"
 #include "widgets/OSTBackgroundView.h"
@@ -29,14 +28,7 @@ namespace ostrel {
 namespace {
 
 constexpr QMargins defaultContentInsets(10, 0, 16, 0);
-constexpr int countryCodeColumnWidth = 8;
 constexpr int wheelVisibleRows = 6;
-
-// "%-8.8s": the code cut or padded to exactly eight characters.
-QString codeColumn(const QString &code)
-{
-    return code.left(countryCodeColumnWidth).leftJustified(countryCodeColumnWidth, u' ');
-}
 
 QString displayFormatFor(UIDatePickerMode mode, const QLocale &locale)
 {
@@ -61,7 +53,8 @@ OSTPicker::OSTPicker(const QRect &frame, std::shared_ptr<const OSTPickerDescript
       OSTInput(*this, description->inputOrder()),
       m_name(description->key()),
       m_backgroundView(new OSTImageView(QRect(QPoint(), frame.size()), *description->background(), container())),
-      m_textLabel(new OSTLabel(QRect(QPoint(), frame.size()), *description->text(), container()))
+      m_textLabel(new OSTLabel(QRect(QPoint(), frame.size()), *description->text(), container())),
+      m_rows(description->wheel())
 {
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(description->accessibilityLabel().value_or(m_name));
@@ -112,27 +105,20 @@ void OSTPicker::buildToolbar(const std::optional<OSTToolbarSettings> &toolbar)
 
 void OSTPicker::buildWheel(const OSTPickerWheel &wheel)
 {
-    m_type = wheel.type;
-    switch (m_type) {
-    case OSTPickerTypeCountryCode: {
-        m_country = OSTCountryTable::sortedCountries().constFirst();
-        m_countryCode = OSTCountryTable::sortedCodes().constFirst();
-        showChoice(titleAtRow(0, Formatting::Plain));
-        QStringList titles;
-        for (qsizetype row = 0; row < OSTCountryTable::rowCount(); ++row)
-            titles.append(titleAtRow(row, Formatting::Formatted));
-        buildListWheel(titles, Qt::AlignLeft | Qt::AlignVCenter);
+    using Formatting = OSTPickerRowModel::Formatting;
+    switch (m_rows.type()) {
+    case OSTPickerTypeCountryCode:
+        showChoice(m_rows.titleAtRow(0, Formatting::Plain));
+        buildListWheel(m_rows.titles(Formatting::Formatted), Qt::AlignLeft | Qt::AlignVCenter);
         break;
-    }
     case OSTPickerTypeCustomData:
-        m_customData = wheel.customData;
-        if (m_customData.isEmpty()) {
+        if (m_rows.rowCount() == 0) {
             setEnabled(false);
             showChoice(QString());
             break;
         }
-        showChoice(m_customData.constFirst());
-        buildListWheel(m_customData, m_textLabel->textAlignment());
+        showChoice(m_rows.titleAtRow(0, Formatting::Plain));
+        buildListWheel(m_rows.titles(Formatting::Plain), m_textLabel->textAlignment());
         break;
     case OSTPickerTypeDate:
         buildDateWheel(wheel);
@@ -178,21 +164,8 @@ void OSTPicker::buildDateWheel(const OSTPickerWheel &wheel)
 void OSTPicker::setDelegate(QObject *delegate)
 {
     m_delegate = qobject_cast<OSTPickerDelegate *>(delegate) ? delegate : nullptr;
-    if (m_type == OSTPickerTypeCountryCode && !m_country.isEmpty() && !m_countryCode.isEmpty())
+    if (type() == OSTPickerTypeCountryCode && !country().isEmpty() && !countryCode().isEmpty())
         tellDelegateOfCountry();
-}
-
-QString OSTPicker::titleAtRow(qsizetype row, Formatting formatting) const
-{
-    if (row < 0)
-        return {};
-    if (m_type == OSTPickerTypeCustomData)
-        return row < m_customData.size() ? m_customData.at(row) : QString();
-    if (m_type != OSTPickerTypeCountryCode || row >= OSTCountryTable::rowCount())
-        return {};
-    const QString &code = OSTCountryTable::sortedCodes().at(row);
-    const QString &name = OSTCountryTable::sortedCountries().at(row);
-    return formatting == Formatting::Formatted ? codeColumn(code) + u'\t' + name : code + u' ' + name;
 }
 
 void OSTPicker::selectRow(qsizetype row)
@@ -206,10 +179,9 @@ void OSTPicker::selectRow(qsizetype row)
 
 void OSTPicker::chooseRow(qsizetype row)
 {
-    showChoice(titleAtRow(row, Formatting::Plain));
-    if (m_type == OSTPickerTypeCountryCode && row >= 0 && row < OSTCountryTable::rowCount()) {
-        m_country = OSTCountryTable::sortedCountries().at(row);
-        m_countryCode = OSTCountryTable::sortedCodes().at(row);
+    showChoice(m_rows.titleAtRow(row, OSTPickerRowModel::Formatting::Plain));
+    if (type() == OSTPickerTypeCountryCode && row >= 0 && row < m_rows.rowCount()) {
+        m_rows.chooseRow(row);
         tellDelegateOfCountry();
     }
     reportValueChanged();
@@ -228,7 +200,7 @@ void OSTPicker::dateChanged()
 void OSTPicker::tellDelegateOfCountry()
 {
     if (auto *delegate = qobject_cast<OSTPickerDelegate *>(m_delegate.data()))
-        delegate->pickerDidChangeCountry(*this, m_country, m_countryCode);
+        delegate->pickerDidChangeCountry(*this, country(), countryCode());
 }
 
 void OSTPicker::showChoice(const QString &text)
@@ -277,9 +249,9 @@ void OSTPicker::finishWithDone()
 
 QVariant OSTPicker::value() const
 {
-    switch (m_type) {
+    switch (type()) {
     case OSTPickerTypeCountryCode:
-        return m_country;
+        return country();
     case OSTPickerTypeDate:
         if (m_dateWheel)
             return m_dateWheel->dateTime();
@@ -292,7 +264,7 @@ QVariant OSTPicker::value() const
 
 void OSTPicker::setValue(const QVariant &value)
 {
-    if (m_type == OSTPickerTypeDate) {
+    if (type() == OSTPickerTypeDate) {
         if (m_dateWheel && value.canConvert<QDateTime>() && value.toDateTime().isValid()
             && value.metaType() != QMetaType::fromType<QString>()) {
             const QSignalBlocker blocker(m_dateWheel);
@@ -303,8 +275,7 @@ void OSTPicker::setValue(const QVariant &value)
     }
     if (!m_listWheel || value.metaType() != QMetaType::fromType<QString>())
         return;
-    const QStringList &rows = m_type == OSTPickerTypeCountryCode ? OSTCountryTable::sortedCountries() : m_customData;
-    if (const qsizetype row = rows.indexOf(value.toString()); row >= 0)
+    if (const qsizetype row = m_rows.rowOfValue(value.toString()); row >= 0)
         selectRow(row);
 }
 

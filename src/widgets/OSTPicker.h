@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTPickerRowModel.h"
 #include "model/OSTValidationItem.h"
 #include "screen/OSTPickerDescription.h"
 #include "widgets/OSTInput.h"
@@ -72,13 +73,11 @@ class OSTPicker final : public OSTView, public OSTValidationItem, public OSTInpu
     Q_OBJECT
 
 public:
-    enum class Formatting { Plain, Formatted };
-
     OSTPicker(const QRect &frame, std::shared_ptr<const OSTPickerDescription> description, QWidget *parent = nullptr);
     ~OSTPicker() override;
 
     const QString &name() const { return m_name; }
-    OSTPickerType type() const { return m_type; }
+    OSTPickerType type() const { return m_rows.type(); }
     OSTImageView *backgroundView() const { return m_backgroundView; }
     OSTLabel *textLabel() const { return m_textLabel; }
     QMargins contentInsets() const { return m_contentInsets; }
@@ -88,17 +87,16 @@ public:
     // the picker has no wheel.
     QListWidget *listWheel() const { return m_listWheel; }
     QDateTimeEdit *dateWheel() const { return m_dateWheel; }
-    const QStringList &customData() const { return m_customData; }
-    const QString &country() const { return m_country; }
-    const QString &countryCode() const { return m_countryCode; }
+    // The list wheel's rows and the chosen country (OSTPickerRowModel).
+    const OSTPickerRowModel &rows() const { return m_rows; }
+    const QStringList &customData() const { return m_rows.customData(); }
+    const QString &country() const { return m_rows.country(); }
+    const QString &countryCode() const { return m_rows.countryCode(); }
 
     // Keeps the delegate (a QObject adopting OSTPickerDelegate; anything else clears it) and, for
     // a country picker with a choice, tells it that choice at once.
     void setDelegate(QObject *delegate);
 
-    // A row's title: formatted for the wheel ("+44     \tUnited Kingdom"), plain for the label
-    // ("+44 United Kingdom"); "" for a row out of range.
-    QString titleAtRow(qsizetype row, Formatting formatting) const;
     // Chooses a row as the user does on the wheel.
     void selectRow(qsizetype row);
 
@@ -135,11 +133,8 @@ private:
     const QString m_name;
     OSTImageView *const m_backgroundView; // children of the container
     OSTLabel *const m_textLabel;
-    OSTPickerType m_type = OSTPickerTypeCustomData;
+    OSTPickerRowModel m_rows;
     QMargins m_contentInsets;
-    QStringList m_customData;
-    QString m_country;
-    QString m_countryCode;
     QFrame *m_popup = nullptr; // child popup window holding the toolbar and the wheel
     OSTToolbar *m_toolbar = nullptr; // children of the popup
     QListWidget *m_listWheel = nullptr;

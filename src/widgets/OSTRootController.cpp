@@ -4,7 +4,6 @@
 #include "experience/OSTExperienceManager.h"
 #include "platform/OSTApplication.h"
 #include "platform/OSTDeviceScreen.h"
-#include "platform/OSTNotificationCenter.h"
 #include "widgets/OSTFadingPicture.h"
 #include "widgets/OSTLaunchController.h"
 #include "widgets/OSTModalPresenter.h"
@@ -20,29 +19,9 @@
 #include <QScreen>
 #include <QTimer>
 
-#include <atomic>
-
 namespace ostrel {
 
 namespace {
-
-// False while the application is starting; set by the first did-become-active after the SDK was
-// loaded. The observer is registered when the library is loaded, so no activation is missed.
-std::atomic<bool> applicationBecameActive{false};
-
-struct FirstActivationObserver {
-    FirstActivationObserver()
-    {
-        OSTNotificationCenter &center = OSTNotificationCenter::defaultCenter();
-        token = center.addObserver(OSTApplicationDidBecomeActiveNotification, [this](const OSTNotification &) {
-            applicationBecameActive.store(true);
-            OSTNotificationCenter::defaultCenter().removeObserver(token);
-        });
-    }
-    OSTObserverToken token = 0;
-};
-
-const FirstActivationObserver firstActivationObserver;
 
 QGraphicsOpacityEffect *fadeEffect(QWidget *view, double opacity)
 {
@@ -89,11 +68,6 @@ OSTRootController::~OSTRootController()
 {
     delete m_crossFade.data();
     delete m_launchSnapshot.data();
-}
-
-bool OSTRootController::applicationHasBecomeActive()
-{
-    return applicationBecameActive.load();
 }
 
 void OSTRootController::setLaunchWaiter(LaunchWaiter waiter)
@@ -223,7 +197,7 @@ void OSTRootController::present(Completion completion)
         return;
     }
     m_state = State::Presenting;
-    if (applicationHasBecomeActive())
+    if (OSTApplication::hasBecomeActiveOnce())
         presentExperience(std::move(completion));
     else
         presentLaunch(std::move(completion));

@@ -56,10 +56,6 @@ public:
     OSTRootController(ChildFactory childFactory, PresentationOptions options, QObject *parent = nullptr);
     ~OSTRootController() override;
 
-    // Whether the application has become active at least once since the SDK was loaded. Until
-    // then a presentation shows the launch cover first.
-    static bool applicationHasBecomeActive();
-
     // Replaces Ostrel::executeAfterLaunch, the default.
     void setLaunchWaiter(LaunchWaiter waiter);
 

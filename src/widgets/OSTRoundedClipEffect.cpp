@@ -1,7 +1,7 @@
 #include "widgets/OSTRoundedClipEffect.h"
 
 #include "widgets/OSTBackgroundView.h"
-#include "widgets/OSTPaintedLayerCache.h"
+#include "paint/OSTPaintedLayerCache.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -54,7 +54,7 @@ void OSTRoundedClipEffect::draw(QPainter *painter)
     layer.setDevicePixelRatio(ratio);
     const QSize size = layer.deviceIndependentSize().toSize();
     keepCovered(layer, outlineMask(size, ratio, offset));
-    if (m_box->hasBorder()) {
+    if (m_box->boxPainter().hasBorder()) {
         QPainter layerPainter(&layer);
         layerPainter.drawImage(QPoint(), borderLayer(size, ratio, offset));
     }
@@ -75,17 +75,17 @@ QImage OSTRoundedClipEffect::outlineMask(const QSize &size, qreal ratio, QPoint 
 {
     return OSTPaintedLayerCache::layer(QStringLiteral("clip ") + shapeKey(offset), size, ratio, [&](QPainter &painter) {
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.fillPath(m_box->outline().translated(-offset), Qt::black);
+        painter.fillPath(m_box->boxPainter().outline(m_box->size()).translated(-offset), Qt::black);
     });
 }
 
 QImage OSTRoundedClipEffect::borderLayer(const QSize &size, qreal ratio, QPoint offset) const
 {
-    const QString key = QStringLiteral("border ") + shapeKey(offset) + u' ' + m_box->borderKey();
+    const QString key = QStringLiteral("border ") + shapeKey(offset) + u' ' + m_box->boxPainter().borderKey();
     return OSTPaintedLayerCache::layer(key, size, ratio, [&](QPainter &painter) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(-offset);
-        m_box->paintBorder(painter);
+        m_box->boxPainter().paintBorder(painter, m_box->size());
     });
 }
 

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "paint/OSTSwitchPainter.h"
+
 #include <QAbstractButton>
-#include <QColor>
 
 class QPropertyAnimation;
 
 namespace ostrel {
 
-// An on/off switch drawn with QPainter: a capsule track and a round thumb that slides across
-// when the switch is toggled. Space, Enter and Return toggle it from the keyboard, and
+// An on/off switch drawn by OSTSwitchPainter: a capsule track and a round thumb that slides
+// across when the switch is toggled. Space, Enter and Return toggle it from the keyboard, and
 // accessibility reads it as a checkable button.
 //
 // Lives on the GUI thread; owned by its parent widget.
@@ -32,9 +33,9 @@ public:
     void setOnTintColor(const QColor &color);
     void setTintColor(const QColor &color);
     void setThumbTintColor(const QColor &color);
-    QColor onTintColor() const { return m_onTint; }
-    QColor tintColor() const { return m_tint; }
-    QColor thumbTintColor() const { return m_thumbTint; }
+    QColor onTintColor() const { return m_switchPainter.onTintColor(); }
+    QColor tintColor() const { return m_switchPainter.tintColor(); }
+    QColor thumbTintColor() const { return m_switchPainter.thumbTintColor(); }
 
     // 0 with the thumb at the off end, 1 at the on end.
     qreal thumbPosition() const { return m_thumbPosition; }
@@ -49,12 +50,10 @@ protected:
 
 private:
     void slideThumb(Animation animation);
-    void paintSwitch(QPainter &painter) const;
+    QColor focusColor() const;
 
     QPropertyAnimation *const m_slide; // child
-    QColor m_onTint;
-    QColor m_tint;
-    QColor m_thumbTint;
+    OSTSwitchPainter m_switchPainter;
     qreal m_thumbPosition = 0;
 };
 

@@ -1,12 +1,9 @@
 #include "widgets/OSTTextField.h"
 
-#include "core/OSTRegularExpression.h"
-#include "model/OSTPhoneNumberFormatter.h"
-#include "model/OSTPhoneNumberManager.h"
 #include "model/OSTValidationItemModel.h"
+#include "paint/OSTTextAttributes.h"
 #include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTLabel.h"
-#include "widgets/OSTTextAttributes.h"
 #include "widgets/OSTToolbar.h"
 #include "widgets/OSTView.h"
 #include "widgets/OSTViewEffect.h"
@@ -17,7 +14,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -79,43 +75,6 @@ QFont scaledFont(QFont font, qreal factor, qreal minimumPixelSize)
     return font;
 }
 
-Qt::InputMethodHints keyboardHintsOf(UIKeyboardType keyboard)
-{
-    switch (keyboard) {
-    case UIKeyboardTypeNumberPad:
-        return Qt::ImhDigitsOnly;
-    case UIKeyboardTypePhonePad:
-    case UIKeyboardTypeNamePhonePad:
-        return Qt::ImhDialableCharactersOnly;
-    case UIKeyboardTypeDecimalPad:
-        return Qt::ImhFormattedNumbersOnly;
-    case UIKeyboardTypeEmailAddress:
-        return Qt::ImhEmailCharactersOnly;
-    case UIKeyboardTypeURL:
-    case UIKeyboardTypeWebSearch:
-        return Qt::ImhUrlCharactersOnly;
-    case UIKeyboardTypeASCIICapable:
-        return Qt::ImhLatinOnly;
-    default:
-        break;
-    }
-    return Qt::ImhNone;
-}
-
-bool isPhoneType(OSTTextFieldType type)
-{
-    return type == OSTTextFieldTypePhoneNumber || type == OSTTextFieldTypePhoneNumberValidated;
-}
-
-// The length of the common start of two texts, at most `limit`.
-qsizetype commonPrefixLength(const QString &a, const QString &b, qsizetype limit)
-{
-    qsizetype length = 0;
-    while (length < limit && length < a.size() && length < b.size() && a.at(length) == b.at(length))
-        ++length;
-    return length;
-}
-
 } // namespace
 
 OSTTextField::OSTTextField(const QRect &frame, std::shared_ptr<const OSTTextFieldDescription> description,
@@ -123,6 +82,7 @@ OSTTextField::OSTTextField(const QRect &frame, std::shared_ptr<const OSTTextFiel
     : QLineEdit(parent),
       OSTInput(*this, description->inputOrder()),
       m_description(std::move(description)),
+      m_rules(m_description),
       m_backgroundView(new OSTView(QRect(QPoint(), frame.size()), *m_description, this)),
       m_defaultFont(font()), m_defaultPalette(palette())
 {
@@ -154,28 +114,14 @@ OSTTextField::~OSTTextField() = default;
 void OSTTextField::applyBehaviour()
 {
     const OSTTextFieldDescription &description = *m_description;
-    const bool secure = description.isSecureTextEntry() || type() == OSTTextFieldTypePassword;
-    setEchoMode(secure ? Password : Normal);
+    setEchoMode(m_rules.isSecure() ? Password : Normal);
     setAlignment(horizontalAlignmentOf(description) | verticalAlignmentOf(description.verticalAlignment()));
     setClearButtonEnabled(description.clearButtonMode() != UITextFieldViewModeNever);
 }
 
 void OSTTextField::applyInputMethodHints()
 {
-    const OSTTextFieldType fieldType = type();
-    UIKeyboardType keyboard = m_description->keyboardType();
-    if (isPhoneType(fieldType) || fieldType == OSTTextFieldTypePhoneNumberPin)
-        keyboard = UIKeyboardTypePhonePad;
-    Qt::InputMethodHints hints = keyboardHintsOf(keyboard);
-    if (fieldType == OSTTextFieldTypePhoneNumberPin)
-        hints = Qt::ImhDigitsOnly;
-    if (m_description->autocapitalizationType() == UITextAutocapitalizationTypeNone)
-        hints |= Qt::ImhNoAutoUppercase;
-    if (m_description->autocorrectionType() == UITextAutocorrectionTypeNo)
-        hints |= Qt::ImhNoPredictiveText;
-    if (echoMode() == Password)
-        hints |= Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText;
-    setInputMethodHints(hints);
+    setInputMethodHints(m_rules.inputMethodHints());
 }
 
 void OSTTextField::buildToolbar()
@@ -237,72 +183,29 @@ void OSTTextField::updateAccessibility()
 void OSTTextField::replaceText(const QString &text)
 {
     const QString old = QLineEdit::text();
-    const QString next = text.isNull() ? QString() : finalizedTextFromText(text);
+    const QString next = text.isNull() ? QString() : m_rules.finalizedText(text);
     QLineEdit::setText(next);
     m_lastText = next;
     if (next != old)
         textFieldDidChange();
 }
 
-QString OSTTextField::finalizedTextFromText(const QString &text) const
-{
-    if (m_formattingBlock)
-        return m_formattingBlock(text, FormattingMode::Formatted);
-    return maxLength() >= 1 ? text.left(maxLength()) : text;
-}
-
-void OSTTextField::setFormattingBlock(FormattingBlock block)
-{
-    QString raw = text();
-    if (m_formattingBlock && !raw.isEmpty())
-        raw = m_formattingBlock(raw, FormattingMode::Raw);
-    m_formattingBlock = std::move(block);
-    replaceText(raw);
-}
-
 void OSTTextField::userEdited(const QString &proposed)
 {
-    const QString old = m_lastText;
-    // Qt has applied the edit already; the caret ends the inserted text and what follows it was
-    // not touched, which locates the replaced range.
-    const qsizetype caret = cursorPosition();
-    qsizetype unchangedTail = proposed.size() - caret;
-    if (unchangedTail < 0 || unchangedTail > old.size() || old.right(unchangedTail) != proposed.right(unchangedTail))
-        unchangedTail = 0;
-    const qsizetype start = commonPrefixLength(old, proposed, std::min(caret, old.size() - unchangedTail));
-    const qsizetype replacedLength = old.size() - unchangedTail - start;
-    const QString replacement = proposed.mid(start, proposed.size() - unchangedTail - start);
-
-    if (m_formattingBlock) {
-        const bool caretWasAtEnd = unchangedTail == 0;
-        QLineEdit::setText(finalizedTextFromText(proposed));
-        if (!caretWasAtEnd)
-            placeCaretAfterFormatting(start, replacedLength, replacement);
-    } else if (maxLength() >= 1 && proposed.size() > maxLength()) {
-        QLineEdit::setText(proposed.left(maxLength()));
-        setCursorPosition(int(std::min<qsizetype>(start + replacement.size(), maxLength())));
+    // Qt has applied the edit already, the caret after the inserted text.
+    const OSTTextInputRules::Edit result = m_rules.editResult(m_lastText, proposed, cursorPosition());
+    if (m_rules.hasFormatter() || result.text != proposed) {
+        QLineEdit::setText(result.text);
+        setCursorPosition(int(result.cursor));
     }
     m_lastText = text();
     textFieldDidChange();
 }
 
-void OSTTextField::placeCaretAfterFormatting(qsizetype start, qsizetype replacedLength, const QString &replacement)
-{
-    const QString formatted = text();
-    const qsizetype base = replacement.size() >= replacedLength ? start + replacement.size() : start;
-    qsizetype skip = 0;
-    for (qsizetype index = 0; index < replacement.size(); ++index) {
-        while (start + index + skip < formatted.size() && formatted.at(start + index + skip) != replacement.at(index))
-            ++skip;
-    }
-    const qsizetype position = base + skip;
-    setCursorPosition(int(position <= formatted.size() ? position : formatted.size()));
-}
-
 void OSTTextField::keepCaretOutOfPrefix(int newPosition)
 {
-    if (m_beginningCaretOffset > 0 && newPosition < m_beginningCaretOffset && text().size() >= m_beginningCaretOffset)
-        setCursorPosition(m_beginningCaretOffset);
+    if (const qsizetype allowed = m_rules.allowedCursor(text(), newPosition); allowed != newPosition)
+        setCursorPosition(int(allowed));
 }
 
 void OSTTextField::fitTextToWidth()
@@ -334,34 +237,21 @@ void OSTTextField::validate()
     const std::shared_ptr<OSTValidationItemModel> itemModel = model();
     if (!itemModel)
         return;
-    const QString current = text();
-    if (type() == OSTTextFieldTypePhoneNumberPin) {
-        itemModel->setValid(OSTPhoneNumberManager::sharedManager().validatePIN(current));
-        return;
-    }
-    const bool hasContent = itemModel->isOptional() || !current.isEmpty();
-    // Compared as unsigned: a negative minimum can never be reached.
-    const bool lengthOK = !hasContent || quint64(current.size()) >= quint64(qint64(minLength()));
-    bool valid = false;
-    if (hasContent && lengthOK)
-        valid = validationPattern().isEmpty()
-            || OSTRegularExpression(validationPattern()).numberOfMatches(current) == 1;
-    itemModel->setValid(valid);
+    const auto requirement = itemModel->isOptional() ? OSTTextInputRules::Requirement::Optional
+                                                     : OSTTextInputRules::Requirement::Required;
+    itemModel->setValid(m_rules.isValid(text(), requirement));
 }
 
 QVariant OSTTextField::value() const
 {
-    const QString current = text();
-    if (current.isEmpty())
-        return {};
-    return isPhoneType(type()) ? OSTPhoneNumberFormatter::normalizedPhoneNumber(current) : current;
+    return m_rules.valueOf(text());
 }
 
 void OSTTextField::setValue(const QVariant &value)
 {
     if (value.metaType() != QMetaType::fromType<QString>())
         return;
-    QLineEdit::setText(finalizedTextFromText(value.toString()));
+    QLineEdit::setText(m_rules.finalizedText(value.toString()));
     m_lastText = text();
     if (m_placeholderLabel)
         m_placeholderLabel->setVisible(text().isEmpty());
@@ -379,14 +269,12 @@ void OSTTextField::validityChanged()
 
 void OSTTextField::pickerDidChangeCountry(OSTPicker &picker, const QString &country, const QString &code)
 {
-    if (picker.type() != OSTPickerTypeCountryCode || !isPhoneType(type()))
+    if (picker.type() != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
         return;
-    m_beginningCaretOffset = int(code.size()) + 1;
-    setFormattingBlock([code, country](const QString &text, FormattingMode mode) {
-        return OSTPhoneNumberFormatter::liveFormattedPhoneNumber(
-            text, code, country, mode == FormattingMode::Raw ? OSTPhoneNumberFormatter::Mode::Raw
-                                                             : OSTPhoneNumberFormatter::Mode::Formatted);
-    });
+    // The current text formatted again under the new calling code.
+    const QString raw = m_rules.rawText(text());
+    m_rules.formatForCountry(country, code);
+    replaceText(raw);
 }
 
 void OSTTextField::textFieldShouldReturn()

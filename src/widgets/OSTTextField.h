@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTTextInputRules.h"
 #include "model/OSTValidationItem.h"
 #include "screen/OSTTextFieldDescription.h"
 #include "widgets/OSTInput.h"
@@ -12,7 +13,6 @@
 #include <QPalette>
 #include <QMargins>
 
-#include <functional>
 #include <memory>
 
 namespace ostrel {
@@ -38,6 +38,9 @@ class OSTView;
 //   the input order: the position in the screen's input chain
 //   the accessibility label: the name read when there is no placeholder text; else the key
 //
+// What the field does with its text as the user types (formatting, length, keyboard hints,
+// secure entry, validity, value) follows OSTTextInputRules.
+//
 // Return (and Tab, through the Tab order that OSTInput::chainInputs sets) moves the focus to the
 // next input. A PIN field becomes valid when the text is the PIN of the verified phone number
 // and then submits itself, as if return was tapped, unless "autoSubmit" is false. Assistive
@@ -54,10 +57,6 @@ class OSTTextField final : public QLineEdit, public OSTValidationItem, public OS
     Q_INTERFACES(ostrel::OSTPickerDelegate)
 
 public:
-    enum class FormattingMode { Formatted, Raw };
-    // Turns any text into what the field shows (Formatted) or into the bare digits (Raw).
-    using FormattingBlock = std::function<QString(const QString &text, FormattingMode mode)>;
-
     OSTTextField(const QRect &frame, std::shared_ptr<const OSTTextFieldDescription> description,
                  QWidget *parent = nullptr);
     ~OSTTextField() override;
@@ -73,7 +72,7 @@ public:
     int maxLength() const { return m_description->maxLength(); }
     QMargins contentInsets() const { return m_contentInsets; }
     const QString &validationPattern() const { return m_description->validationPattern(); }
-    int beginningCaretOffset() const { return m_beginningCaretOffset; }
+    int beginningCaretOffset() const { return m_rules.prefixLength(); }
     OSTLabel *placeholderLabel() const { return m_placeholderLabel; }
     OSTToolbar *inputAccessoryView() const { return m_toolbar; }
     // The view that carries the element's look of the current state.
@@ -82,9 +81,6 @@ public:
     // Sets the text as a program does: through the formatter (or cut to the maximum length),
     // then reacting as to a user's edit. A null string clears the field.
     void replaceText(const QString &text);
-    QString finalizedTextFromText(const QString &text) const;
-    // Reformats the current text under the new formatter (or none).
-    void setFormattingBlock(FormattingBlock block);
     void validate();
     void updateView();
 
@@ -107,7 +103,6 @@ private:
     void applyInputMethodHints();
     void buildToolbar();
     void userEdited(const QString &proposed);
-    void placeCaretAfterFormatting(qsizetype start, qsizetype replacedLength, const QString &replacement);
     void keepCaretOutOfPrefix(int newPosition);
     // Shrinks the font, no further than "minimumFontSize", while the text is wider than the field.
     void fitTextToWidth();
@@ -119,8 +114,7 @@ private:
     const std::shared_ptr<const OSTTextFieldDescription> m_description;
     bool m_shouldShowInvalidState = false;
     QMargins m_contentInsets;
-    int m_beginningCaretOffset = 0;
-    FormattingBlock m_formattingBlock;
+    OSTTextInputRules m_rules;
     QString m_lastText; // the text before the user's latest edit
     OSTView *m_backgroundView = nullptr; // hidden child, painted behind the text
     QFont m_textFont; // the state's font, before any shrinking to fit

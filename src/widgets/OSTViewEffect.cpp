@@ -76,9 +76,7 @@ void OSTViewEffect::paintShadow(QPainter &painter)
 {
     if (!m_shadow || !m_outline)
         return;
-    painter.save();
     m_shadow->paint(painter, sourceBoundingRect(Qt::LogicalCoordinates), m_outline->cornerRadius());
-    painter.restore();
 }
 
 void OSTViewEffect::drawTranslucent(QPainter &painter, const QPixmap &source, QPoint sourceOffset)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "widgets/OSTDropShadow.h"
+#include "paint/OSTElementShadowPainter.h"
 
 #include <QGraphicsEffect>
 #include <QPointer>
@@ -12,8 +12,8 @@ namespace ostrel {
 class OSTBackgroundView;
 
 // What an element view shows beyond its own painting: its opacity, applied to the view, its
-// children and its shadow together, and its drop shadow, cast by the rounded outline of its
-// container outside the view's rectangle and beneath it.
+// children and its shadow together, and its drop shadow (OSTElementShadowPainter), cast by the
+// rounded outline of its container outside the view's rectangle and beneath it.
 //
 // Installed on the view with QWidget::setGraphicsEffect, which owns it; GUI thread only.
 class OSTViewEffect final : public QGraphicsEffect {
@@ -43,7 +43,7 @@ private:
 
     QPointer<const OSTBackgroundView> m_outline;
     qreal m_opacity = 1;
-    std::optional<OSTDropShadow> m_shadow;
+    std::optional<OSTElementShadowPainter> m_shadow;
 };
 
 } // namespace ostrel

@@ -289,32 +289,5 @@ TEST_F(ImageViewAgainstService, LoadsTheAddressTheCurrentUsersPropertyHoldsBefor
     EXPECT_TRUE(colorNear(pixelAt(capture(withProperty, 2), {20, 20}), QColor(Qt::green)));
 }
 
-TEST(ImageView, CapInsetsStretchOnlyTheMiddleAndHostileInsetsStayInBounds)
-{
-    // A 20 × 20 image: a red 5-point frame around a green middle.
-    QImage framed = imageOfColor(Qt::red);
-    for (int y = 5; y < 15; ++y)
-        for (int x = 5; x < 15; ++x)
-            framed.setPixelColor(x, y, Qt::green);
-    OSTImageDisplay display;
-    display.resize(100, 60);
-    display.setImage(framed);
-    display.setCapInsets(QMargins(5, 5, 5, 5));
-    for (const qreal ratio : {1.0, 2.0}) {
-        const QImage image = capture(display, ratio);
-        EXPECT_TRUE(colorNear(pixelAt(image, {2, 30}), QColor(Qt::red))) << "the edge keeps its width";
-        EXPECT_TRUE(colorNear(pixelAt(image, {8, 30}), QColor(Qt::green))) << "only the middle stretches";
-        EXPECT_TRUE(colorNear(pixelAt(image, {97, 30}), QColor(Qt::red)));
-    }
-    display.setCapInsets(QMargins(-3, 400, 1'000'000, 50));
-    EXPECT_FALSE(capture(display, 1).isNull());
-
-    const QRectF filled = OSTImageDisplay::placement({20, 10}, {0, 0, 100, 100}, UIViewContentModeScaleAspectFill);
-    EXPECT_EQ(filled.size(), QSizeF(200, 100));
-    const QRectF fitted = OSTImageDisplay::placement({20, 10}, {0, 0, 100, 100}, UIViewContentModeScaleAspectFit);
-    EXPECT_EQ(fitted, QRectF(0, 25, 100, 50));
-    EXPECT_EQ(OSTImageDisplay::placement({20, 10}, {0, 0, 100, 100}, UIViewContentModeBottomRight), QRectF(80, 90, 20, 10));
-}
-
 } // namespace
 } // namespace ostrel

@@ -144,22 +144,6 @@ TEST(LoadingOverlay, BlocksClicksAndKeysOnlyWhilePresented)
     EXPECT_EQ(field->text(), u"abc"_s);
 }
 
-TEST(Label, ShrinksToFitNoFurtherThanItsMinimumScaleAndSurvivesHugeTexts)
-{
-    const QString longText = u"word "_s.repeated(60);
-    OSTLabel shrinking(QRect(0, 0, 200, 60), label({{u"text"_s, longText}, {u"size"_s, u"20"_s}, {u"minimumScaleFactor"_s, u"0.5"_s}}));
-    const qreal scale = shrinking.internalLabel()->fittedScale();
-    EXPECT_LT(scale, 1);
-    EXPECT_GE(scale, 0.5);
-
-    OSTLabel fixed(QRect(0, 0, 200, 60), label({{u"text"_s, longText}, {u"size"_s, u"20"_s}}));
-    EXPECT_EQ(fixed.internalLabel()->fittedScale(), 1) << "without a factor the font keeps its size";
-
-    OSTLabel huge(QRect(0, 0, 375, 667), label({{u"text"_s, u"x"_s.repeated(100'000)}, {u"size"_s, u"14"_s},
-                                               {u"minimumScaleFactor"_s, u"0.1"_s}}));
-    EXPECT_FALSE(capture(huge, 1).isNull());
-}
-
 TEST(Label, AccessibilityReadsStaticTextNamedByTheText)
 {
     OSTLabel view(QRect(0, 0, 200, 40), label(jsonObject(R"({"text": "Welcome back", "size": "16"})")));

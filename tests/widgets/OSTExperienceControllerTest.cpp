@@ -386,7 +386,7 @@ TEST_F(ExperienceOnScreen, ASecondNextDuringTheSlideTakesNoSecondStep)
 
 TEST_F(ExperienceOnScreen, APresentationBeforeTheLaunchShowsTheHostsFormThenCrossFades)
 {
-    ASSERT_FALSE(OSTRootController::applicationHasBecomeActive()) << "run this test in a process of its own";
+    ASSERT_FALSE(OSTApplication::hasBecomeActiveOnce()) << "run this test in a process of its own";
     startSDK({{u"UILaunchStoryboardName"_s, u"Launch"_s}}, [](const QString &bundle) {
         test::writeFile(bundle + u"/Launch.ui"_s, R"(<ui version="4.0"><class>Launch</class>
             <widget class="QLabel" name="launchForm"><property name="text"><string>Starting</string></property>

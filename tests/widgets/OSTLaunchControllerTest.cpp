@@ -75,7 +75,7 @@ TEST(LaunchController, LaunchImagesMatchTheAreaAndScaleExactly)
         {{376, 667}, 1.0, QColor()},
     };
     for (const Case &c : cases) {
-        const QImage image = OSTLaunchController::getLaunchImage(bundle.bundle(), c.area, c.ratio);
+        const QImage image = bundle.bundle().launchImage(c.area, c.ratio);
         EXPECT_EQ(colorOf(image), c.expected) << c.area.width() << "x" << c.area.height() << " @" << c.ratio;
         if (!image.isNull()) {
             EXPECT_EQ(image.devicePixelRatio(), c.ratio);

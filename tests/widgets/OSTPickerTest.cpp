@@ -47,9 +47,9 @@ TEST(Picker, CountryPickerStartsInTheUSAndTellsEachChoiceToItsPhoneField)
     ASSERT_TRUE(picker->listWheel());
     EXPECT_EQ(picker->listWheel()->count(), 248);
     EXPECT_EQ(picker->listWheel()->item(0)->text(), u"+1      \tUnited States"_s);
-    EXPECT_EQ(picker->titleAtRow(50, OSTPicker::Formatting::Formatted), u"+ 345   \tCayman Islands"_s);
-    EXPECT_EQ(picker->titleAtRow(248, OSTPicker::Formatting::Plain), u""_s);
-    EXPECT_EQ(picker->titleAtRow(-1, OSTPicker::Formatting::Plain), u""_s);
+    EXPECT_EQ(picker->rows().titleAtRow(50, OSTPickerRowModel::Formatting::Formatted), u"+ 345   \tCayman Islands"_s);
+    EXPECT_EQ(picker->rows().titleAtRow(248, OSTPickerRowModel::Formatting::Plain), u""_s);
+    EXPECT_EQ(picker->rows().titleAtRow(-1, OSTPickerRowModel::Formatting::Plain), u""_s);
 
     // Linking the field makes it format under the current code at once.
     picker->setDelegate(phone);

@@ -107,7 +107,7 @@ void becomeActive()
 // CTest gives every test its own.
 void expectStillStarting()
 {
-    ASSERT_FALSE(OSTRootController::applicationHasBecomeActive()) << "run this test in a process of its own";
+    ASSERT_FALSE(OSTApplication::hasBecomeActiveOnce()) << "run this test in a process of its own";
 }
 
 void runPostedWork()
@@ -120,9 +120,9 @@ void runPostedWork()
 
 TEST(RootController, OnceActiveTheExperienceIsPresentedDirectlyAndDismissedOnce)
 {
-    EXPECT_FALSE(OSTRootController::applicationHasBecomeActive()) << "the application is still starting";
+    EXPECT_FALSE(OSTApplication::hasBecomeActiveOnce()) << "the application is still starting";
     becomeActive();
-    EXPECT_TRUE(OSTRootController::applicationHasBecomeActive());
+    EXPECT_TRUE(OSTApplication::hasBecomeActiveOnce());
 
     Host host;
     Sdk sdk;

@@ -15,7 +15,8 @@ namespace ostrel {
 // The shadow is drawn from a nine-slice image: its corners at their true size and a one-pixel
 // band in between stretched along the sides, so a shadow of any size costs the same. The image
 // is made at the painter's device pixel ratio (lower for very large shadows, which are soft
-// anyway) and kept until the corner radius, the ratio or a side too short to stretch changes. Used on the GUI thread by the view that owns it.
+// anyway) and kept until the corner radius, the ratio or a side too short to stretch changes.
+// Owned by the view or item that casts it, and used on the thread that paints that owner.
 class OSTDropShadow {
 public:
     explicit OSTDropShadow(const OSTShadow &shadow);

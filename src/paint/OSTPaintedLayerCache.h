@@ -21,7 +21,8 @@ namespace ostrel {
 // buttons of a row, a screen built again) paint it once. The least recently used layers go
 // first once the layers together exceed a few megabytes.
 //
-// GUI thread only (where widgets paint).
+// Not guarded against two threads at once: used on the GUI thread, or on a thread that paints
+// while the GUI thread waits (a Qt Quick painted item's paint()).
 class OSTPaintedLayerCache final {
 public:
     using Painting = std::function<void(QPainter &painter)>;

@@ -1,7 +1,7 @@
-#include "widgets/OSTDropShadow.h"
+#include "paint/OSTDropShadow.h"
 
 #include "screen/OSTColorHelpers.h"
-#include "widgets/OSTAlphaBlur.h"
+#include "paint/OSTAlphaBlur.h"
 
 #include <QPainter>
 #include <QPainterPath>

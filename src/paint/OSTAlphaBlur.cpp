@@ -1,4 +1,4 @@
-#include "widgets/OSTAlphaBlur.h"
+#include "paint/OSTAlphaBlur.h"
 
 #include <algorithm>
 #include <array>

@@ -23,7 +23,8 @@ namespace ostrel {
 //
 // Text is laid out by Qt's text layout (QTextDocument): words wrap at the box's width and the
 // block is centred vertically in the box, as a label centres its text. A value type; building
-// documents and painting need the GUI thread.
+// documents and painting need the GUI thread, or a thread painting while it waits (as
+// OSTPaintedLayerCache, which keeps the shadows).
 class OSTTextAttributes {
 public:
     OSTTextAttributes() = default;

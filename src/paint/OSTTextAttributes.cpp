@@ -1,7 +1,7 @@
-#include "widgets/OSTTextAttributes.h"
+#include "paint/OSTTextAttributes.h"
 
-#include "widgets/OSTAlphaBlur.h"
-#include "widgets/OSTPaintedLayerCache.h"
+#include "paint/OSTAlphaBlur.h"
+#include "paint/OSTPaintedLayerCache.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "widgets/OSTPaintedLayerCache.h"
+#include "paint/OSTPaintedLayerCache.h"
 
 #include <QCache>
 #include <QPaintEngine>
