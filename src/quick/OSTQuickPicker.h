@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTPickerRowModel.h"
 #include "model/OSTValidationItem.h"
 #include "quick/OSTQuickInput.h"
 #include "screen/OSTPickerDescription.h"
@@ -58,7 +59,7 @@ class OSTQuickPicker final : public QQuickItem, public OSTValidationItem, public
     Q_OBJECT
 
 public:
-    enum class Formatting { Plain, Formatted };
+    using Formatting = OSTPickerRowModel::Formatting;
 
     OSTQuickPicker(const QRectF &frame, std::shared_ptr<const OSTPickerDescription> description,
                    QQuickItem *parent = nullptr);
@@ -76,8 +77,8 @@ public:
     OSTQuickToolbar *toolbar() const { return m_toolbar; }
     // Null when the picker has no rows.
     OSTQuickPickerWheel *wheel() const { return m_wheel; }
-    const QString &country() const { return m_country; }
-    const QString &countryCode() const { return m_countryCode; }
+    const QString &country() const { return m_rows.country(); }
+    const QString &countryCode() const { return m_rows.countryCode(); }
 
     // Keeps the delegate (a QObject adopting OSTQuickPickerDelegate; anything else clears it)
     // and, for a country picker, tells it the current choice at once.
@@ -126,8 +127,7 @@ private:
     QMarginsF m_contentInsets;
     OSTQuickImage *const m_background; // child items
     OSTQuickLabel *const m_textLabel;
-    QString m_country;
-    QString m_countryCode;
+    OSTPickerRowModel m_rows; // the country and custom rows
     // The date kind: the bounds, whether a row is a day or a minute of the current day, and the
     // date the wheel stands at.
     QDateTime m_minimumDate;
