@@ -2,6 +2,7 @@
 // the limits, the value it reports, the invalid look, secrecy and restored values.
 
 #include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPicker.h"
 #include "quick/OSTQuickTextField.h"
 
@@ -12,6 +13,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
+#include <QSet>
 
 #include <gtest/gtest.h>
 
@@ -82,12 +84,15 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     // An input method's composition shows without being text; its commit string is inserted.
     phone->selectAll();
     QTest::keyClick(&window, Qt::Key_Backspace);
-    OSTQuickTextField *name = fieldIn(window, "{}", 150);
+    OSTQuickTextField *name = fieldIn(window, R"({"placeholder": {"text": "Name"}})", 150);
     name->forceActiveFocus();
+    ASSERT_TRUE(name->placeholderLabel());
+    EXPECT_TRUE(name->placeholderLabel()->isVisible());
+    EXPECT_EQ(name->placeholderLabel()->text(), u"Name"_s);
     QInputMethodEvent composing(u"Zo"_s, {});
     QGuiApplication::sendEvent(&window, &composing);
     EXPECT_EQ(name->text(), u""_s);
-    EXPECT_FALSE(name->isPlaceholderShown());
+    EXPECT_FALSE(name->placeholderLabel()->isVisible()) << "the composition hides the placeholder";
     QInputMethodEvent committed;
     committed.setCommitString(u"Zoë"_s);
     QGuiApplication::sendEvent(&window, &committed);
@@ -135,6 +140,26 @@ TEST(QuickTextField, TheInvalidLookFollowsValidityOnceTheUserLeftAndRestoredValu
     other->forceActiveFocus();
     EXPECT_FALSE(field->showsInvalidLook()) << "valid now";
     EXPECT_EQ(field->textColor(), QColor(u"#0000ff"_s));
+
+    // Drawn: the state's box and text colour, the invalid ones while the invalid look shows.
+    OSTQuickTextField *painted = fieldIn(window, R"({"backgroundColor": "#00ff00", "minLength": 3, "maxLength": 10,
+        "text": {"textColor": "#0000ff", "size": "24"},
+        "states": {"invalid": {"backgroundColor": "#ffff00", "text": {"textColor": "#ff0000"}}}})", 200);
+    const auto paintedModel = bindModel(*painted, "false");
+    typeInto(painted, u"WW"_s);
+    other->forceActiveFocus();
+    const auto colours = [&] {
+        const QImage grab = window.grabWindow();
+        QSet<QRgb> seen;
+        for (int x = 0; x < 300; ++x)
+            seen.insert(grab.pixel(x, 220) & 0xffffff);
+        return seen;
+    };
+    EXPECT_TRUE(colours().contains(0xffff00) && colours().contains(0xff0000)) << "the invalid box and text";
+    typeInto(painted, u"W"_s);
+    other->forceActiveFocus();
+    EXPECT_TRUE(colours().contains(0x00ff00) && colours().contains(0x0000ff)) << "the normal box and text";
+    EXPECT_FALSE(colours().contains(0xffff00));
 
     // A restored value shows as it is, and the invalid look with it when it is invalid.
     OSTQuickTextField *restored = fieldIn(window, R"({"minLength": 3, "maxLength": 4})", 100);
