@@ -10,8 +10,7 @@ OSTQuickElement::OSTQuickElement(const QRect &frame, const OSTElementDescription
 {
     setObjectName(description.key());
     setAntialiasing(true);
-    setPosition(frame.topLeft());
-    setSize(frame.size());
+    setFrame(frame);
     customize(description);
 }
 
@@ -24,6 +23,12 @@ void OSTQuickElement::customize(const OSTElementDescription &description)
     castShadow(description.objectShadow());
     updateContainer();
     update();
+}
+
+void OSTQuickElement::setFrame(const QRect &frame)
+{
+    setPosition(frame.topLeft());
+    setSize(frame.size());
 }
 
 void OSTQuickElement::castShadow(const std::optional<OSTShadow> &shadow)

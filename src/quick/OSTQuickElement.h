@@ -29,6 +29,7 @@ public:
 
     // Restyles the item; the description replaces the whole earlier look.
     void customize(const OSTElementDescription &description);
+    void setFrame(const QRect &frame);
 
     const OSTBoxPainter &boxPainter() const { return m_boxPainter; }
     // The item members are placed in, made on first use.

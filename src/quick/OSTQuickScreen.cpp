@@ -9,6 +9,7 @@
 #include "quick/OSTQuickButton.h"
 #include "quick/OSTQuickElement.h"
 #include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickImagePickerButton.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickLoadingOverlay.h"
 #include "quick/OSTQuickPicker.h"
@@ -211,7 +212,9 @@ QQuickItem *OSTQuickScreen::buildButton(const std::shared_ptr<const OSTElementDe
         OSTLogging::logWarning(u"Button %1 has no \"states\" object and is left out"_s, description->key());
         return nullptr;
     }
-    auto *button = new OSTQuickButton(frame, description, m_content);
+    OSTQuickButton *button = description->kind() == OSTElementKind::PictureButton
+        ? OSTQuickImagePickerButton::create(frame, description, m_content)
+        : new OSTQuickButton(frame, description, m_content);
     for (OSTQuickImage *background :
          {button->normalBackground(), button->highlightedBackground(), button->disabledBackground()}) {
         if (background)
@@ -243,6 +246,7 @@ QQuickItem *OSTQuickScreen::buildPicker(const std::shared_ptr<const OSTElementDe
 {
     auto *picker = new OSTQuickPicker(QRectF(frame), std::static_pointer_cast<const OSTPickerDescription>(element),
                                       m_content);
+    watchRequiredImages(picker->backgroundItem());
     m_validationItems.insert(element->key(), picker);
     return picker;
 }
