@@ -128,6 +128,20 @@ TEST(QuickScreen, EverySampleElementGetsAnItemAtTheWidgetScreensGeometry)
     EXPECT_EQ(failures, 1);
 }
 
+TEST(QuickScreen, HostileLayoutsBuildWhatTheyCanWithoutHanging)
+{
+    // Groups that hold themselves or each other never resolve; a preview still builds them.
+    const auto cyclic = std::unique_ptr<OSTQuickScreen>(OSTQuickScreen::screenWithScreen(
+        screenWithJson(uR"({"shapes": {"shared": {"width": "10", "height": "10"}},
+                            "groups": {"self": {"elements": ["self", "shared"]},
+                                       "a": {"elements": ["b", "shared"]}, "b": {"elements": ["a"]}}})"_s),
+        environmentIn({375, 667}), OSTQuickScreen::UnresolvedLayout::ShowResolved));
+    ASSERT_TRUE(cyclic);
+    EXPECT_EQ(cyclic->items().size(), 4);
+    for (const QQuickItem *item : cyclic->items())
+        EXPECT_TRUE(cyclic->isAncestorOf(item)) << item->objectName().toStdString();
+}
+
 const char *const validatedScreen = R"({
     "labels": {"errorMessage": {"x": "0", "y": "100", "width": "100%", "height": "0", "textColor": "#000000"},
                "title": {"x": "0", "y": "{errorMessage.y} + {errorMessage.height}", "width": "100", "height": "20"}},
