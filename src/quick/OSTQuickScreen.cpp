@@ -25,6 +25,7 @@
 #include "screen/OSTTextFieldDescription.h"
 
 #include <QGuiApplication>
+#include <QInputMethod>
 #include <QMouseEvent>
 #include <QQuickWindow>
 #include <QStyleHints>
@@ -462,14 +463,43 @@ void OSTQuickScreen::wheelEvent(QWheelEvent *event)
 
 // --- Geometry -----------------------------------------------------------------------------------
 
-int OSTQuickScreen::contentHeight() const
+int OSTQuickScreen::lowestScrollingEdge() const
 {
-    int lowestEdge = OSTScreenPage::roundedEdge(height());
+    int lowestEdge = 0;
     for (auto item = m_items.cbegin(); item != m_items.cend(); ++item) {
         if (m_page->isScrolling(item.key()) && item.value()->isVisible())
             lowestEdge = std::max(lowestEdge, frameOf(*item.value()).bottom() + 1);
     }
     return lowestEdge;
+}
+
+int OSTQuickScreen::contentHeight() const
+{
+    return std::max(OSTScreenPage::roundedEdge(height()) + m_keyboardInset, lowestScrollingEdge());
+}
+
+void OSTQuickScreen::keyboardWillShow(double keyboardHeight)
+{
+    const int inset = OSTScreenPage::roundedEdge(keyboardHeight);
+    if (lowestScrollingEdge() <= OSTScreenPage::roundedEdge(height()) - inset)
+        return;
+    m_keyboardInset = inset;
+    resizeContent();
+}
+
+void OSTQuickScreen::keyboardWillHide()
+{
+    m_keyboardInset = 0;
+    resizeContent();
+}
+
+void OSTQuickScreen::updateKeyboard()
+{
+    QInputMethod *inputMethod = QGuiApplication::inputMethod();
+    if (inputMethod->isVisible() && inputMethod->keyboardRectangle().height() > 0)
+        keyboardWillShow(inputMethod->keyboardRectangle().height());
+    else
+        keyboardWillHide();
 }
 
 void OSTQuickScreen::scrollTo(int offset)
@@ -591,11 +621,22 @@ void OSTQuickScreen::hideLoadingOverlay()
 
 void OSTQuickScreen::screenDidAppear()
 {
+    QInputMethod *inputMethod = QGuiApplication::inputMethod();
+    if (!m_keyboardVisibility) {
+        m_keyboardVisibility = connect(inputMethod, &QInputMethod::visibleChanged, this,
+                                       &OSTQuickScreen::updateKeyboard);
+        m_keyboardGeometry = connect(inputMethod, &QInputMethod::keyboardRectangleChanged, this,
+                                     &OSTQuickScreen::updateKeyboard);
+    }
     m_model->screenDidAppear();
 }
 
 void OSTQuickScreen::screenDidDisappear()
 {
+    QObject::disconnect(m_keyboardVisibility);
+    QObject::disconnect(m_keyboardGeometry);
+    m_keyboardVisibility = {};
+    m_keyboardGeometry = {};
     if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
         focused->setFocus(false);
 }

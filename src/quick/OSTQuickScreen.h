@@ -67,11 +67,18 @@ public:
     // The item the page's elements lie on; it moves up as the screen scrolls.
     QQuickItem *contentItem() const { return m_content; }
 
-    // The experience shows the screen (after its slide) or took it away.
+    // The experience shows the screen (after its slide) or took it away. While shown, the screen
+    // follows the on-screen keyboard of the input method.
     void screenDidAppear();
     void screenDidDisappear();
 
-    // How far the content is scrolled up, between 0 and the content's height beyond the item's.
+    // An on-screen keyboard of `height` points covers the bottom of the item: when an element that
+    // scrolls ends below the keyboard's top, the page can scroll by the keyboard's height.
+    void keyboardWillShow(double keyboardHeight);
+    void keyboardWillHide();
+
+    // How far the content is scrolled up, between 0 and the content's height beyond the item's:
+    // the lowest scrolling element's bottom, or the item's height with the keyboard's below it.
     int scrollOffset() const { return m_page->scrollOffset(); }
     void scrollTo(int offset);
     int contentHeight() const;
@@ -125,6 +132,8 @@ private:
     QRect geometryForKey(const QString &key) const;
     void reframeItems(Move move);
     void resizeContent();
+    int lowestScrollingEdge() const;
+    void updateKeyboard();
 
     // OSTScreenModelView
     const OSTScreenDocument &screenDocument() const override;
@@ -147,6 +156,9 @@ private:
     std::optional<QPointF> m_pressPosition;            // a press on the page, in the screen's coordinates
     int m_pressOffset = 0;                             // the scroll offset when it began
     bool m_dragging = false;
+    int m_keyboardInset = 0;
+    QMetaObject::Connection m_keyboardVisibility;
+    QMetaObject::Connection m_keyboardGeometry;
 };
 
 } // namespace ostrel

@@ -267,6 +267,21 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
     EXPECT_EQ(sceneY(screen->items().value(u"logo"_s)), 20);
     EXPECT_EQ(sceneY(screen->items().value(u"inner"_s)), 100) << "moves with its anchored group";
 
+    // A keyboard over an element that scrolls lets the page scroll by its height, until it goes;
+    // one below every such element changes nothing.
+    for (const auto &[bottom, expectedHeight] : {std::pair{400, 667}, std::pair{500, 667 + 216}}) {
+        const auto form = quickScreen(uR"({"shapes": {
+            "field": {"x": "0", "y": "%1", "width": "100", "height": "0", "anchored": "false"}}})"_s.arg(bottom));
+        ASSERT_TRUE(form);
+        form->keyboardWillShow(216);
+        EXPECT_EQ(form->contentHeight(), expectedHeight) << bottom;
+        form->scrollTo(1000);
+        EXPECT_EQ(form->scrollOffset(), expectedHeight - 667);
+        form->keyboardWillHide();
+        EXPECT_EQ(form->contentHeight(), 667);
+        EXPECT_EQ(form->scrollOffset(), 0);
+    }
+
     // A size change lays the page out again once the relayout interval passed.
     test::ManualClockScope time;
     screen->setHeight(1200);
