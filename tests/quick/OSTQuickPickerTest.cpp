@@ -107,10 +107,27 @@ TEST(QuickPicker, ACountryIsChosenByKeysAndByClickAndReported)
     EXPECT_EQ(picker->country(), u"Germany"_s);
     EXPECT_TRUE(phone->hasActiveFocus());
     window.click(*picker, {150, 20});
+    EXPECT_EQ(picker->toolbar()->doneText(), u"OK"_s);
+    EXPECT_EQ(picker->toolbar()->cancelText(), u"Cancel"_s);
     window.click(*picker->toolbar(), picker->toolbar()->cancelButtonRect().center());
     EXPECT_FALSE(picker->isWheelShown());
     EXPECT_FALSE(picker->hasActiveFocus());
     EXPECT_EQ(picker->country(), u"Germany"_s);
+}
+
+TEST(QuickToolbar, ABlackBarIsDrawnBlackAndTranslucentWhenAsked)
+{
+    test::QuickTestWindow window;
+    window.setColor(Qt::white);
+    OSTQuickToolbar black(OSTToolbarSettings::fromProperties(test::jsonObject(R"({"barStyle": "black"})")), window.root());
+    OSTQuickToolbar translucent(OSTToolbarSettings::fromProperties(test::jsonObject(R"({"barStyle": "translucent"})")),
+                                window.root());
+    black.setWidth(200);
+    translucent.setWidth(200);
+    translucent.setY(100);
+    const QImage grab = window.grabWindow();
+    EXPECT_EQ(grab.pixelColor(100, 2), QColor(Qt::black));
+    EXPECT_NEAR(grab.pixelColor(100, 102).red(), 255 - 200, 1) << "black at alpha 200 over white";
 }
 
 TEST(QuickPicker, RestoredValuesSelectTheirRowsAndOthersAreIgnored)

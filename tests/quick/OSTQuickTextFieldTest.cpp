@@ -105,6 +105,24 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     EXPECT_EQ(name->text(), u"Ann"_s);
 }
 
+TEST(QuickTextField, TheAlignmentKeysPlaceTheTextAndTheCaret)
+{
+    test::QuickTestWindow window;
+    OSTQuickTextField *left = fieldIn(window, "{}");
+    OSTQuickTextField *right = fieldIn(window, R"({"horizontalAlignment": "right", "verticalAlignment": "top"})", 50);
+    OSTQuickTextField *centred = fieldIn(window, R"({"alignment": "center", "horizontalAlignment": "right"})", 100);
+    EXPECT_EQ(left->alignment(), Qt::AlignLeft | Qt::AlignVCenter);
+    EXPECT_EQ(right->alignment(), Qt::AlignRight | Qt::AlignTop);
+    EXPECT_EQ(centred->alignment(), Qt::AlignHCenter | Qt::AlignVCenter) << "the alignment word wins";
+    for (OSTQuickTextField *field : {left, right, centred})
+        field->replaceText(u"abc"_s);
+    const auto caretX = [](const OSTQuickTextField *field) { return field->inputMethodQuery(Qt::ImCursorRectangle).toRectF().x(); };
+    EXPECT_LT(caretX(left), 60);
+    EXPECT_NEAR(caretX(right), 300 - 2, 1) << "the caret ends a right-aligned text at the field's edge";
+    EXPECT_GT(caretX(centred), 150);
+    EXPECT_LT(caretX(centred), 200);
+}
+
 TEST(QuickTextField, SecretsAreMaskedAndNeverCopied)
 {
     test::QuickTestWindow window;
