@@ -9,15 +9,20 @@
 #include "quick/OSTQuickButton.h"
 #include "quick/OSTQuickElement.h"
 #include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickImagePickerButton.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickLoadingOverlay.h"
+#include "quick/OSTQuickPicker.h"
 #include "quick/OSTQuickSwitch.h"
+#include "quick/OSTQuickTextField.h"
 #include "screen/OSTButtonDescription.h"
 #include "screen/OSTImageDescription.h"
 #include "screen/OSTLabelDescription.h"
+#include "screen/OSTPickerDescription.h"
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 #include "screen/OSTSwitchDescription.h"
+#include "screen/OSTTextFieldDescription.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -36,6 +41,7 @@ namespace ostrel {
 namespace {
 
 const QString &errorMessageKey = OSTScreenVocabulary::errorMessageKey;
+const QString inputsCategory = u"inputs"_s;
 constexpr int errorAnimationMilliseconds = 250;
 const QString errorAnimationName = u"errorLayoutMove"_s;
 // Points a wheel notch scrolls: three lines of twenty.
@@ -101,10 +107,11 @@ bool OSTQuickScreen::loadScreen(UnresolvedLayout unresolved)
         fireCompletion(false);
         return false;
     }
-    m_page->setRelayoutHandler(this, [this] { reframeItems(false); });
+    m_page->setRelayoutHandler(this, [this] { reframeItems(Move::Immediate); });
     setSize(m_page->layoutSize());
     buildPage();
-    m_page->build([] {}, [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+    m_page->build([this] { loadSelectionGroups(); }, [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+    connectInputs();
     stackPage();
     fillGroups();
     m_page->finishBuilding();
@@ -163,7 +170,9 @@ QQuickItem *OSTQuickScreen::buildItem(const std::shared_ptr<const OSTElementDesc
     case OSTElementKind::Switch:
         return buildSwitch(element, frame);
     case OSTElementKind::TextField:
+        return buildTextField(element, frame);
     case OSTElementKind::Picker:
+        return buildPicker(element, frame);
     case OSTElementKind::Shape:
     case OSTElementKind::Group:
         break;
@@ -203,7 +212,9 @@ QQuickItem *OSTQuickScreen::buildButton(const std::shared_ptr<const OSTElementDe
         OSTLogging::logWarning(u"Button %1 has no \"states\" object and is left out"_s, description->key());
         return nullptr;
     }
-    auto *button = new OSTQuickButton(frame, description, m_content);
+    OSTQuickButton *button = description->kind() == OSTElementKind::PictureButton
+        ? OSTQuickImagePickerButton::create(frame, description, m_content)
+        : new OSTQuickButton(frame, description, m_content);
     for (OSTQuickImage *background :
          {button->normalBackground(), button->highlightedBackground(), button->disabledBackground()}) {
         if (background)
@@ -220,6 +231,71 @@ QQuickItem *OSTQuickScreen::buildSwitch(const std::shared_ptr<const OSTElementDe
     connect(toggle, &OSTQuickSwitch::tapped, this, &OSTQuickScreen::switchTapped);
     m_validationItems.insert(element->key(), toggle);
     return toggle;
+}
+
+QQuickItem *OSTQuickScreen::buildTextField(const std::shared_ptr<const OSTElementDescription> &element,
+                                           const QRect &frame)
+{
+    auto *field = new OSTQuickTextField(QRectF(frame), std::static_pointer_cast<const OSTTextFieldDescription>(element),
+                                        m_content);
+    m_validationItems.insert(element->key(), field);
+    return field;
+}
+
+QQuickItem *OSTQuickScreen::buildPicker(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
+{
+    auto *picker = new OSTQuickPicker(QRectF(frame), std::static_pointer_cast<const OSTPickerDescription>(element),
+                                      m_content);
+    watchRequiredImages(picker->backgroundItem());
+    m_validationItems.insert(element->key(), picker);
+    return picker;
+}
+
+void OSTQuickScreen::loadSelectionGroups()
+{
+    for (const auto &description : screenDocument().selectionGroups()) {
+        auto *group = new OSTSelectionGroup(description, this);
+        group->setDelegate(this);
+        // Member buttons answer to their group, not on their own.
+        QList<OSTSelectionGroupMember *> members;
+        for (const QString &memberKey : group->elementKeys()) {
+            if (auto *button = qobject_cast<OSTQuickButton *>(m_items.value(memberKey))) {
+                members.append(button);
+                m_validationItems.remove(memberKey);
+            }
+        }
+        group->setElements(members);
+        m_validationItems.insert(description->key(), group);
+    }
+}
+
+// The inputs in input order: each returns to the screen and hands on to the next; the last
+// country picker fills in the calling code of the last phone-number field.
+void OSTQuickScreen::connectInputs()
+{
+    QList<OSTQuickInput *> inputs;
+    OSTQuickPicker *countryPicker = nullptr;
+    OSTQuickTextField *phoneField = nullptr;
+    for (const auto &element : screenDocument().elements(inputsCategory)) {
+        QQuickItem *item = m_items.value(element->key());
+        OSTQuickInput *input = nullptr;
+        if (auto *picker = qobject_cast<OSTQuickPicker *>(item)) {
+            if (picker->type() == OSTPickerTypeCountryCode)
+                countryPicker = picker;
+            input = picker;
+        } else if (auto *field = qobject_cast<OSTQuickTextField *>(item)) {
+            if (field->type() == OSTTextFieldTypePhoneNumber || field->type() == OSTTextFieldTypePhoneNumberValidated)
+                phoneField = field;
+            input = field;
+        }
+        if (!input)
+            continue;
+        input->setReturnHandler([this](OSTQuickInput &returned) { inputDidTapReturn(returned); });
+        inputs.append(input);
+    }
+    OSTQuickInput::chainInputs(inputs);
+    if (countryPicker && phoneField)
+        countryPicker->setDelegate(phoneField);
 }
 
 void OSTQuickScreen::stackPage()
@@ -296,6 +372,42 @@ void OSTQuickScreen::buttonTapped(OSTQuickButton *button)
 void OSTQuickScreen::switchTapped()
 {
     OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*screen()));
+}
+
+void OSTQuickScreen::selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
+                                                const std::shared_ptr<const OSTAction> &action)
+{
+    const OSTInternalEvent::SelectionGroupTap tap{group.name(), buttonName,
+                                                  group.valueForElementWithKey(buttonName).toString(),
+                                                  action ? action->name() : QString()};
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSelectionGroup(tap, *screen()));
+}
+
+bool OSTQuickScreen::selectionGroupShouldHandleAction(OSTSelectionGroup &, const std::shared_ptr<const OSTAction> &action)
+{
+    m_model->handleAction(action);
+    return true;
+}
+
+void OSTQuickScreen::inputDidTapReturn(OSTQuickInput &input)
+{
+    const auto *field = qobject_cast<const OSTQuickTextField *>(&input.inputItem());
+    if (!field)
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForPickerReturn(*screen()));
+    else if (field->type() == OSTTextFieldTypePhoneNumberPin && autoSubmits(*field))
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldPINMatch(*screen()));
+    else
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldReturn(*screen()));
+    m_model->goToNextScreen();
+}
+
+bool OSTQuickScreen::autoSubmits(const OSTQuickTextField &field) const
+{
+    for (const auto &element : screenDocument().elements(inputsCategory)) {
+        if (element->key() == field.name() && element->kind() == OSTElementKind::TextField)
+            return static_cast<const OSTTextFieldDescription &>(*element).autoSubmits();
+    }
+    return false;
 }
 
 void OSTQuickScreen::tapRecognized()
@@ -381,26 +493,26 @@ QRect OSTQuickScreen::geometryForKey(const QString &key) const
     return geometry;
 }
 
-void OSTQuickScreen::reframeItems(bool animated)
+void OSTQuickScreen::reframeItems(Move move)
 {
     for (auto item = m_items.cbegin(); item != m_items.cend(); ++item) {
         // A move still running towards an older layout would otherwise finish after this one.
         stopMoving(*item.value());
         const QRect geometry = geometryForKey(item.key());
-        if (!animated || frameOf(*item.value()) == geometry) {
+        if (move == Move::Immediate || frameOf(*item.value()) == geometry) {
             place(*item.value(), geometry);
             continue;
         }
         QQuickItem *target = item.value();
-        auto *move = new QVariantAnimation(target);
-        move->setObjectName(errorAnimationName);
-        move->setDuration(errorAnimationMilliseconds);
-        move->setEasingCurve(QEasingCurve::OutCubic);
-        move->setStartValue(frameOf(*target));
-        move->setEndValue(geometry);
-        connect(move, &QVariantAnimation::valueChanged, target,
+        auto *animation = new QVariantAnimation(target);
+        animation->setObjectName(errorAnimationName);
+        animation->setDuration(errorAnimationMilliseconds);
+        animation->setEasingCurve(QEasingCurve::OutCubic);
+        animation->setStartValue(frameOf(*target));
+        animation->setEndValue(geometry);
+        connect(animation, &QVariantAnimation::valueChanged, target,
                 [target](const QVariant &frame) { place(*target, frame.toRect()); });
-        move->start(QAbstractAnimation::DeleteWhenStopped);
+        animation->start(QAbstractAnimation::DeleteWhenStopped);
     }
     resizeContent();
 }
@@ -460,7 +572,7 @@ void OSTQuickScreen::showErrorMessage(const QString &message)
     const OSTScreenDocument &document = screenDocument();
     m_errorLabel->customize(m_page->showsError() ? *document.errorMessageWhileShowing() : *document.errorMessage());
     m_errorLabel->setText(message);
-    reframeItems(true);
+    reframeItems(Move::Animated);
 }
 
 void OSTQuickScreen::showLoadingOverlay()
