@@ -4,6 +4,7 @@
 #include "model/OSTValidationItemModel.h"
 #include "paint/OSTTextAttributes.h"
 #include "platform/OSTClock.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickImage.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPickerWheel.h"
@@ -53,6 +54,7 @@ OSTQuickPicker::OSTQuickPicker(const QRectF &frame, std::shared_ptr<const OSTPic
     layOutLabel();
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
+    OSTQuickAccessibility::describe(*this, QAccessible::ComboBox, m_description->accessibilityLabel().value_or(name()));
     buildRows();
     buildToolbar();
     buildWheel();

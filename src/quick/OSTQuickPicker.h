@@ -50,7 +50,8 @@ namespace ostrel {
 //
 // picker->setDelegate(field) wires a country picker to a phone field, which formats under the
 // current code at once and after each choice; the delegate is kept weakly. Attaching a model
-// marks the picker valid: it always holds a choice.
+// marks the picker valid: it always holds a choice. Assistive technology reads it as a combo box
+// named by its accessibility label, else its key.
 //
 // Lives on the GUI thread; owned by its parent item. The background and the label are its child
 // items; the toolbar and wheel are its QObject children, shown in the window's content item

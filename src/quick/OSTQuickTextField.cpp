@@ -3,6 +3,7 @@
 #include "model/OSTValidationItemModel.h"
 #include "paint/OSTBoxPainter.h"
 #include "paint/OSTTextFieldLayout.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickToolbar.h"
 
@@ -58,6 +59,7 @@ OSTQuickTextField::OSTQuickTextField(const QRectF &frame, std::shared_ptr<const 
     setOpacity(m_description->fieldAlpha());
     buildPlaceholder();
     buildToolbar();
+    describeForAccessibility();
     updateView();
     replaceText(m_description->initialText());
 }
@@ -79,6 +81,15 @@ void OSTQuickTextField::buildPlaceholder()
 {
     if (const std::shared_ptr<const OSTLabelDescription> &placeholder = m_description->placeholder())
         m_placeholderLabel = new OSTQuickLabel(QRect(QPoint(), size().toSize()), *placeholder, this);
+}
+
+void OSTQuickTextField::describeForAccessibility()
+{
+    // Named by its placeholder, else by its accessibility label, else by its key.
+    const QString placeholderText = m_placeholderLabel ? m_placeholderLabel->text() : QString();
+    OSTQuickAccessibility::describe(*this, QAccessible::EditableText,
+                                    !placeholderText.isEmpty() ? placeholderText
+                                                               : m_description->accessibilityLabel().value_or(name()));
 }
 
 void OSTQuickTextField::layOutPlaceholder()

@@ -35,6 +35,9 @@ class OSTQuickToolbar;
 // becomes valid when the text is the PIN of the verified phone number and then submits itself,
 // as if return was tapped, unless "autoSubmit" is false.
 //
+// Assistive technology reads it as editable text named by its placeholder, else its
+// accessibility label, else its key.
+//
 // Live phone formatting: a phone field adopts OSTQuickPickerDelegate; wire it with
 // picker->setDelegate(field).
 //
@@ -116,6 +119,7 @@ protected:
 private:
     void buildToolbar();
     void buildPlaceholder();
+    void describeForAccessibility();
     bool handleEditingKey(const QKeyEvent &event);
     void removeBackward();
     void removeForward();

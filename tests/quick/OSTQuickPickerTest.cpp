@@ -12,6 +12,7 @@
 #include "../widgets/OSTInputTestSupport.h"
 #include "OSTQuickTestWindow.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QWheelEvent>
 
@@ -73,6 +74,10 @@ TEST(QuickPicker, ACountryIsChosenByKeysAndByClickAndReported)
     EXPECT_EQ(picker->rowCount(), 248);
     EXPECT_EQ(picker->titleAtRow(50, OSTQuickPicker::Formatting::Formatted), u"+ 345   \tCayman Islands"_s);
     EXPECT_EQ(picker->titleAtRow(248, OSTQuickPicker::Formatting::Plain), u""_s);
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(picker);
+    ASSERT_TRUE(accessible);
+    EXPECT_EQ(accessible->role(), QAccessible::ComboBox);
+    EXPECT_EQ(accessible->text(QAccessible::Name), u"Country"_s);
 
     // Keys: Space opens, Down twice chooses live, Return chooses and moves on.
     picker->forceActiveFocus();

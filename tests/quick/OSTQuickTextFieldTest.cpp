@@ -10,6 +10,7 @@
 #include "../widgets/OSTInputTestSupport.h"
 #include "OSTQuickTestWindow.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
@@ -89,6 +90,10 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     ASSERT_TRUE(name->placeholderLabel());
     EXPECT_TRUE(name->placeholderLabel()->isVisible());
     EXPECT_EQ(name->placeholderLabel()->text(), u"Name"_s);
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(name);
+    ASSERT_TRUE(accessible);
+    EXPECT_EQ(accessible->role(), QAccessible::EditableText);
+    EXPECT_EQ(accessible->text(QAccessible::Name), u"Name"_s) << "named by its placeholder";
     QInputMethodEvent composing(u"Zo"_s, {});
     QGuiApplication::sendEvent(&window, &composing);
     EXPECT_EQ(name->text(), u""_s);
