@@ -177,7 +177,7 @@ QString OSTQuickPicker::titleAtRow(qsizetype row, Formatting formatting) const
 
 void OSTQuickPicker::setDelegate(QObject *delegate)
 {
-    m_delegate = qobject_cast<OSTQuickPickerDelegate *>(delegate) ? delegate : nullptr;
+    m_delegate = qobject_cast<OSTPickerDelegate *>(delegate) ? delegate : nullptr;
     if (type() == OSTPickerTypeCountryCode)
         tellDelegateOfCountry();
 }
@@ -215,8 +215,8 @@ void OSTQuickPicker::showDate(const QDateTime &date)
 
 void OSTQuickPicker::tellDelegateOfCountry()
 {
-    if (auto *delegate = qobject_cast<OSTQuickPickerDelegate *>(m_delegate.data()))
-        delegate->pickerDidChangeCountry(*this, country(), countryCode());
+    if (auto *delegate = qobject_cast<OSTPickerDelegate *>(m_delegate.data()))
+        delegate->pickerDidChangeCountry(type(), country(), countryCode());
 }
 
 QString OSTQuickPicker::choiceText() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTPickerDelegate.h"
 #include "model/OSTPickerRowModel.h"
 #include "model/OSTValidationItem.h"
 #include "quick/OSTQuickInput.h"
@@ -19,23 +20,8 @@ namespace ostrel {
 
 class OSTQuickImage;
 class OSTQuickLabel;
-class OSTQuickPicker;
 class OSTQuickPickerWheel;
 class OSTQuickToolbar;
-
-// Told of each country chosen in a Qt Quick country picker. A phone text field adopts it to
-// format the number under the chosen calling code. Adopted by QObjects only (Q_INTERFACES).
-class OSTQuickPickerDelegate {
-public:
-    virtual ~OSTQuickPickerDelegate() = default;
-    virtual void pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code) = 0;
-};
-
-} // namespace ostrel
-
-Q_DECLARE_INTERFACE(ostrel::OSTQuickPickerDelegate, "com.ostrelhq.Ostrel.OSTQuickPickerDelegate")
-
-namespace ostrel {
 
 // The picker input of a screen drawn by Qt Quick, behaving as the widget picker does: its choice
 // in a label item over the background image item; opened, a painted wheel (OSTQuickPickerWheel)
@@ -81,7 +67,7 @@ public:
     const QString &country() const { return m_rows.country(); }
     const QString &countryCode() const { return m_rows.countryCode(); }
 
-    // Keeps the delegate (a QObject adopting OSTQuickPickerDelegate; anything else clears it)
+    // Keeps the delegate (a QObject adopting OSTPickerDelegate; anything else clears it)
     // and, for a country picker, tells it the current choice at once.
     void setDelegate(QObject *delegate);
 

@@ -285,9 +285,9 @@ void OSTQuickTextField::validityChanged()
         textFieldShouldReturn();
 }
 
-void OSTQuickTextField::pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code)
+void OSTQuickTextField::pickerDidChangeCountry(OSTPickerType pickerType, const QString &country, const QString &code)
 {
-    if (picker.type() != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
+    if (pickerType != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
         return;
     // The current text formatted again under the new calling code.
     const QString raw = m_rules.rawText(m_text);

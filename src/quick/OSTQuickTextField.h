@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/OSTPickerDelegate.h"
 #include "model/OSTTextInputRules.h"
 #include "model/OSTValidationItem.h"
 #include "quick/OSTQuickInput.h"
-#include "quick/OSTQuickPicker.h"
 #include "screen/OSTTextFieldDescription.h"
 
 #include <QFont>
@@ -38,7 +38,7 @@ class OSTQuickToolbar;
 // Assistive technology reads it as editable text named by its placeholder, else its
 // accessibility label, else its key.
 //
-// Live phone formatting: a phone field adopts OSTQuickPickerDelegate; wire it with
+// Live phone formatting: a phone field adopts OSTPickerDelegate; wire it with
 // picker->setDelegate(field).
 //
 // Lives on the GUI thread; owned by its parent item. The placeholder label and the toolbar are
@@ -46,9 +46,9 @@ class OSTQuickToolbar;
 class OSTQuickTextField final : public QQuickPaintedItem,
                                 public OSTValidationItem,
                                 public OSTQuickInput,
-                                public OSTQuickPickerDelegate {
+                                public OSTPickerDelegate {
     Q_OBJECT
-    Q_INTERFACES(ostrel::OSTQuickPickerDelegate)
+    Q_INTERFACES(ostrel::OSTPickerDelegate)
 
 public:
     enum class CaretMove { Move, Select };
@@ -102,7 +102,7 @@ public:
     bool shouldShowErrorMessage() const override { return m_shouldShowInvalidState; }
     void validityChanged() override;
 
-    void pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code) override;
+    void pickerDidChangeCountry(OSTPickerType pickerType, const QString &country, const QString &code) override;
 
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
     void paint(QPainter *painter) override;
