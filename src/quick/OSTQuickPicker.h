@@ -21,6 +21,7 @@ namespace ostrel {
 class OSTQuickImage;
 class OSTQuickLabel;
 class OSTQuickPickerWheel;
+class OSTQuickShadow;
 class OSTQuickToolbar;
 
 // The picker input of a screen drawn by Qt Quick, behaving as the widget picker does: its choice
@@ -39,8 +40,10 @@ class OSTQuickToolbar;
 // marks the picker valid: it always holds a choice. Assistive technology reads it as a combo box
 // named by its accessibility label, else its key.
 //
-// Lives on the GUI thread; owned by its parent item. The background and the label are its child
-// items; the toolbar and wheel are its QObject children, shown in the window's content item
+// The picker casts the element's object shadow itself, beneath its background's box.
+//
+// Lives on the GUI thread; owned by its parent item. The background, the label and the shadow
+// are its child items; the toolbar and wheel are its QObject children, shown in the window's content item
 // (above the screen) while open.
 class OSTQuickPicker final : public QQuickItem, public OSTValidationItem, public OSTQuickInput {
     Q_OBJECT
@@ -109,11 +112,13 @@ private:
     void reportValueChanged();
     void placePopup();
     void layOutLabel();
+    void castShadow();
 
     const std::shared_ptr<const OSTPickerDescription> m_description;
     QMarginsF m_contentInsets;
     OSTQuickImage *const m_background; // child items
     OSTQuickLabel *const m_textLabel;
+    OSTQuickShadow *m_shadow = nullptr; // child item; null without "objectShadow"
     OSTPickerRowModel m_rows; // the country and custom rows
     // The date kind: the bounds, whether a row is a day or a minute of the current day, and the
     // date the wheel stands at.

@@ -5,6 +5,7 @@
 #include "paint/OSTTextFieldLayout.h"
 #include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickLabel.h"
+#include "quick/OSTQuickShadow.h"
 #include "quick/OSTQuickToolbar.h"
 
 #include <QClipboard>
@@ -131,9 +132,20 @@ void OSTQuickTextField::updateView()
     // A state's alignment word holds until another state's replaces it, as in the widget field.
     if (state.alignmentWord)
         m_alignment = OSTTextFieldLayout::horizontalAlignmentOfWord(*state.alignmentWord) | (m_alignment & Qt::AlignVertical_Mask);
+    castShadow(state);
     fitTextToWidth();
     layOutPlaceholder();
     update();
+}
+
+void OSTQuickTextField::castShadow(const OSTTextFieldDescription::StateLook &state)
+{
+    if (m_shadow && (!state.shadow || m_shadow->shadow() != *state.shadow))
+        delete m_shadow;
+    if (state.shadow && !m_shadow)
+        m_shadow = new OSTQuickShadow(*state.shadow, this);
+    if (m_shadow)
+        m_shadow->setCornerRadius(OSTBoxPainter(state.box).cornerRadius(size()));
 }
 
 void OSTQuickTextField::fitTextToWidth()
@@ -513,6 +525,7 @@ void OSTQuickTextField::mouseMoveEvent(QMouseEvent *event)
 void OSTQuickTextField::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
 {
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    castShadow(showsInvalidLook() ? m_description->invalidLook() : m_description->normalLook());
     fitTextToWidth();
     layOutPlaceholder();
 }

@@ -8,6 +8,7 @@
 
 #include <QFont>
 #include <QMarginsF>
+#include <QPointer>
 #include <QQuickPaintedItem>
 
 #include <memory>
@@ -15,12 +16,13 @@
 namespace ostrel {
 
 class OSTQuickLabel;
+class OSTQuickShadow;
 class OSTQuickToolbar;
 
 // The single-line text input of a screen drawn by Qt Quick, behaving as the widget text field
 // does, from the same description (OSTTextFieldDescription): the normal and the invalid look
 // (the invalid one once the user has left the field, or a value was restored, while it is
-// invalid), the placeholder while empty, the lengths and validation pattern, the formatting as
+// invalid; each with its box and its shadow beneath the field), the placeholder while empty, the lengths and validation pattern, the formatting as
 // the user types (a phone field under its country picker's code), secure entry shown masked, the
 // keyboard's toolbar (Escape is its cancel, Return its done) and the input order.
 //
@@ -129,6 +131,7 @@ private:
     void textFieldDidChange();
     void textFieldShouldReturn();
     void updateView();
+    void castShadow(const OSTTextFieldDescription::StateLook &state);
     void layOutPlaceholder();
     void fitTextToWidth();
     QRectF textRect() const;
@@ -152,6 +155,7 @@ private:
     QFont m_textFont;   // the state's font, before any shrinking to fit
     QFont m_fittedFont;
     OSTQuickLabel *m_placeholderLabel = nullptr; // child; null without "placeholder"
+    QPointer<OSTQuickShadow> m_shadow; // child, while the shown state casts a shadow
     OSTQuickToolbar *m_toolbar = nullptr; // child; null without "toolbar"
 };
 

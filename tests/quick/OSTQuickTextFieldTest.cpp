@@ -4,6 +4,7 @@
 #include "model/OSTValidationItemModel.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPicker.h"
+#include "quick/OSTQuickShadow.h"
 #include "quick/OSTQuickTextField.h"
 
 #include "../model/OSTValidationTestFakes.h"
@@ -167,7 +168,8 @@ TEST(QuickTextField, TheInvalidLookFollowsValidityOnceTheUserLeftAndRestoredValu
     // Drawn: the state's box and text colour, the invalid ones while the invalid look shows.
     OSTQuickTextField *painted = fieldIn(window, R"({"backgroundColor": "#00ff00", "minLength": 3, "maxLength": 10,
         "text": {"textColor": "#0000ff", "size": "24"},
-        "states": {"invalid": {"backgroundColor": "#ffff00", "text": {"textColor": "#ff0000"}}}})", 200);
+        "states": {"invalid": {"backgroundColor": "#ffff00", "text": {"textColor": "#ff0000"},
+                               "objectShadow": ["#000000", "4", 2, "2"]}}})", 200);
     const auto paintedModel = bindModel(*painted, "false");
     typeInto(painted, u"WW"_s);
     other->forceActiveFocus();
@@ -179,10 +181,12 @@ TEST(QuickTextField, TheInvalidLookFollowsValidityOnceTheUserLeftAndRestoredValu
         return seen;
     };
     EXPECT_TRUE(colours().contains(0xffff00) && colours().contains(0xff0000)) << "the invalid box and text";
+    EXPECT_EQ(painted->findChildren<OSTQuickShadow *>().size(), 1) << "the invalid look's shadow";
     typeInto(painted, u"W"_s);
     other->forceActiveFocus();
     EXPECT_TRUE(colours().contains(0x00ff00) && colours().contains(0x0000ff)) << "the normal box and text";
     EXPECT_FALSE(colours().contains(0xffff00));
+    EXPECT_TRUE(painted->findChildren<OSTQuickShadow *>().isEmpty());
 
     // A restored value shows as it is, and the invalid look with it when it is invalid.
     OSTQuickTextField *restored = fieldIn(window, R"({"minLength": 3, "maxLength": 4})", 100);
