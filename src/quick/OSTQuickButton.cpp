@@ -73,8 +73,10 @@ void OSTQuickButton::updateBackgrounds()
 
 OSTButtonPainter::State OSTQuickButton::shownState() const
 {
-    return m_buttonPainter.shownState(isEnabled() ? OSTButtonPainter::Enablement::Enabled : OSTButtonPainter::Enablement::Disabled,
-                                      m_down || m_checked ? OSTButtonPainter::Press::Pressed : OSTButtonPainter::Press::Released);
+    using Enablement = OSTButtonPainter::Enablement;
+    using Press = OSTButtonPainter::Press;
+    return m_buttonPainter.shownState(isEnabled() ? Enablement::Enabled : Enablement::Disabled,
+                                      m_down || m_checked ? Press::Pressed : Press::Released);
 }
 
 QString OSTQuickButton::currentTitle() const

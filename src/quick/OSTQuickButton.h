@@ -50,7 +50,6 @@ public:
     QString currentTitle() const;
 
     bool isDown() const { return m_down; }
-    bool isCheckable() const { return m_checkable; }
     void setCheckable(bool checkable);
     bool isChecked() const { return m_checked; }
     void setChecked(bool checked);

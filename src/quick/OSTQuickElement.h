@@ -34,8 +34,6 @@ public:
     const OSTBoxPainter &boxPainter() const { return m_boxPainter; }
     // The item members are placed in, made on first use.
     QQuickItem *container();
-    // The item that casts the object shadow; null without one.
-    OSTQuickShadow *shadow() const { return m_shadow; }
 
     void paint(QPainter *painter) override;
 

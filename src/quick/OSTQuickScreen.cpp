@@ -110,7 +110,8 @@ bool OSTQuickScreen::loadScreen(UnresolvedLayout unresolved)
     m_page->setRelayoutHandler(this, [this] { reframeItems(Move::Immediate); });
     setSize(m_page->layoutSize());
     buildPage();
-    m_page->build([this] { loadSelectionGroups(); }, [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+    m_page->build([this] { loadSelectionGroups(); },
+                  [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
     connectInputs();
     stackPage();
     fillGroups();

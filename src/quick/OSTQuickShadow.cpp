@@ -29,7 +29,8 @@ void OSTQuickShadow::followCaster()
 void OSTQuickShadow::paint(QPainter *painter)
 {
     const QMarginsF margins = m_shadowPainter.margins();
-    m_shadowPainter.paint(*painter, QRectF(QPointF(margins.left(), margins.top()), parentItem()->size()), m_cornerRadius);
+    const QRectF casterFrame(QPointF(margins.left(), margins.top()), parentItem()->size());
+    m_shadowPainter.paint(*painter, casterFrame, m_cornerRadius);
 }
 
 } // namespace ostrel

@@ -23,7 +23,8 @@ constexpr int slideMilliseconds = 200;
 } // namespace
 
 OSTQuickSwitch::OSTQuickSwitch(const QRect &frame, const OSTSwitchDescription &description, QQuickItem *parent)
-    : OSTQuickElement(frameInBox(frame), description, parent), m_slide(new QPropertyAnimation(this, "thumbPosition", this))
+    : OSTQuickElement(frameInBox(frame), description, parent),
+      m_slide(new QPropertyAnimation(this, "thumbPosition", this))
 {
     m_switchPainter.setOnTintColor(description.onTintColor());
     m_switchPainter.setTintColor(description.tintColor());
@@ -33,7 +34,8 @@ OSTQuickSwitch::OSTQuickSwitch(const QRect &frame, const OSTSwitchDescription &d
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
     setOn(description.isInitiallyOn(), Animation::Immediate);
-    OSTQuickAccessibility::describe(*this, QAccessible::CheckBox, description.accessibilityLabel().value_or(description.key()));
+    OSTQuickAccessibility::describe(*this, QAccessible::CheckBox,
+                                    description.accessibilityLabel().value_or(description.key()));
 }
 
 QRect OSTQuickSwitch::frameInBox(const QRect &box)

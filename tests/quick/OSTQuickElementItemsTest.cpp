@@ -145,6 +145,7 @@ TEST(QuickLoadingOverlay, CoversTheScreenTakesItsInputAndGivesTheFocusBack)
     auto *overlay = new OSTQuickLoadingOverlay(screen);
     EXPECT_FALSE(overlay->isVisible());
     overlay->present();
+    EXPECT_TRUE(overlay->isPresented());
     EXPECT_TRUE(overlay->isVisible());
     EXPECT_EQ(overlay->size(), QSizeF(300, 400));
     EXPECT_TRUE(overlay->hasActiveFocus());
@@ -157,6 +158,7 @@ TEST(QuickLoadingOverlay, CoversTheScreenTakesItsInputAndGivesTheFocusBack)
     overlay->fade()->setCurrentTime(overlay->fade()->duration());
     EXPECT_EQ(overlay->presence(), 1);
     overlay->dismiss();
+    EXPECT_FALSE(overlay->isPresented());
     EXPECT_TRUE(overlay->isVisible()) << "it fades out first";
     overlay->fade()->setCurrentTime(overlay->fade()->duration());
     EXPECT_FALSE(overlay->isVisible());

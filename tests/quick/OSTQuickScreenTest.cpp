@@ -15,7 +15,10 @@
 #include "OSTQuickTestWindow.h"
 
 #include <QAccessible>
+#include <QDir>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QPainter>
 #include <QVariantAnimation>
 #include <QWheelEvent>
@@ -258,16 +261,38 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
     EXPECT_EQ(screen->page().layoutSize(), QSize(375, 1200));
 }
 
-TEST(QuickScreen, TheWindowShowsTheSamplesAsTheWidgetScreenDrawsThem)
+// The sample screens and every screen of the sample, example and demo experiences, with the
+// folder their named images lie in.
+QList<std::pair<std::shared_ptr<const OSTScreen>, QString>> shippedScreens()
 {
-    OSTBundle::setMainBundlePath(samplesFolder); // where named images lie
+    QList<std::pair<std::shared_ptr<const OSTScreen>, QString>> screens{{sample(u"signup"_s), samplesFolder},
+                                                                        {sample(u"welcome"_s), samplesFolder}};
+    for (const QString &folder : {u"tests/widgets/samples/experience"_s, u"examples/experience"_s, u"examples/demo/experience"_s}) {
+        const QDir experience(QStringLiteral(QT_TESTCASE_SOURCEDIR "/../") + folder);
+        QFile file(experience.filePath(u"experience.json"_s));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << folder.toStdString();
+        const QJsonObject splash = QJsonDocument::fromJson(file.readAll()).object().value("splash"_L1).toObject();
+        for (auto screen = splash.begin(); screen != splash.end(); ++screen) {
+            const QString json = QString::fromUtf8(QJsonDocument(screen.value().toObject()).toJson());
+            screens.append({screenWithJson(json, screen.key()), experience.filePath(u"images"_s)});
+        }
+    }
+    return screens;
+}
+
+TEST(QuickScreen, TheWindowShowsEveryShippedScreenAsTheWidgetScreenDrawsIt)
+{
     test::QuickTestWindow window;
     window.resize(375, 667);
-    for (const QString &name : {u"signup"_s, u"welcome"_s}) {
+    const auto screens = shippedScreens();
+    ASSERT_GE(screens.size(), 16);
+    for (const auto &[screen, imagesFolder] : screens) {
+        OSTBundle::setMainBundlePath(imagesFolder);
+        const QString name = screen->key();
         const auto environment = environmentIn({375, 667});
-        std::unique_ptr<OSTScreenView> view(OSTScreenView::create(sample(name), environment.area, environment.substitution));
+        std::unique_ptr<OSTScreenView> view(OSTScreenView::create(screen, environment.area, environment.substitution));
         std::unique_ptr<OSTQuickScreen> item(OSTQuickScreen::screenWithScreen(
-            sample(name), environment, OSTQuickScreen::UnresolvedLayout::Fail, window.root()));
+            screen, environment, OSTQuickScreen::UnresolvedLayout::Fail, window.root()));
         ASSERT_TRUE(view && item);
         ASSERT_TRUE(test::waitUntil([&] { return view->isFullyLoaded() && item->page().isFullyLoaded(); }));
         QImage drawn(375, 667, QImage::Format_ARGB32);
@@ -275,6 +300,9 @@ TEST(QuickScreen, TheWindowShowsTheSamplesAsTheWidgetScreenDrawsThem)
         QPainter(&drawn).drawImage(0, 0, view->renderImage(1));
         const QImage grabbed = window.grabWindow().convertToFormat(QImage::Format_ARGB32);
         EXPECT_LE(differingShare(grabbed, drawn), 0.03) << name.toStdString();
+        QImage blank = grabbed;
+        blank.fill(grabbed.pixel(0, 0));
+        EXPECT_GT(differingShare(grabbed, blank), 0) << name.toStdString() << " is drawn, not one colour";
     }
 }
 
