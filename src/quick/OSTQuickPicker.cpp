@@ -2,11 +2,14 @@
 
 #include "core/OSTDateFormatter.h"
 #include "model/OSTValidationItemModel.h"
+#include "paint/OSTBoxPainter.h"
 #include "paint/OSTTextAttributes.h"
 #include "platform/OSTClock.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickImage.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPickerWheel.h"
+#include "quick/OSTQuickShadow.h"
 #include "quick/OSTQuickToolbar.h"
 
 #include <QKeyEvent>
@@ -51,8 +54,10 @@ OSTQuickPicker::OSTQuickPicker(const QRectF &frame, std::shared_ptr<const OSTPic
     setPosition(frame.topLeft());
     setSize(frame.size());
     layOutLabel();
+    castShadow();
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
+    OSTQuickAccessibility::describe(*this, QAccessible::ComboBox, m_description->accessibilityLabel().value_or(name()));
     buildRows();
     buildToolbar();
     buildWheel();
@@ -175,7 +180,7 @@ QString OSTQuickPicker::titleAtRow(qsizetype row, Formatting formatting) const
 
 void OSTQuickPicker::setDelegate(QObject *delegate)
 {
-    m_delegate = qobject_cast<OSTQuickPickerDelegate *>(delegate) ? delegate : nullptr;
+    m_delegate = qobject_cast<OSTPickerDelegate *>(delegate) ? delegate : nullptr;
     if (type() == OSTPickerTypeCountryCode)
         tellDelegateOfCountry();
 }
@@ -213,8 +218,8 @@ void OSTQuickPicker::showDate(const QDateTime &date)
 
 void OSTQuickPicker::tellDelegateOfCountry()
 {
-    if (auto *delegate = qobject_cast<OSTQuickPickerDelegate *>(m_delegate.data()))
-        delegate->pickerDidChangeCountry(*this, country(), countryCode());
+    if (auto *delegate = qobject_cast<OSTPickerDelegate *>(m_delegate.data()))
+        delegate->pickerDidChangeCountry(type(), country(), countryCode());
 }
 
 QString OSTQuickPicker::choiceText() const
@@ -232,11 +237,20 @@ void OSTQuickPicker::layOutLabel()
     m_textLabel->setFrame(QRectF(QPointF(), size()).marginsRemoved(m_contentInsets).toRect());
 }
 
+void OSTQuickPicker::castShadow()
+{
+    if (!m_shadow && m_description->objectShadow())
+        m_shadow = new OSTQuickShadow(*m_description->objectShadow(), this);
+    if (m_shadow)
+        m_shadow->setCornerRadius(OSTBoxPainter(m_description->background()->box()).cornerRadius(size()));
+}
+
 void OSTQuickPicker::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
 {
     QQuickItem::geometryChange(newGeometry, oldGeometry);
     m_background->setFrame(QRect(QPoint(), newGeometry.size().toSize()));
     layOutLabel();
+    castShadow();
 }
 
 void OSTQuickPicker::reportValueChanged()

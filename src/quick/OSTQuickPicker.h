@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTPickerDelegate.h"
 #include "model/OSTPickerRowModel.h"
 #include "model/OSTValidationItem.h"
 #include "quick/OSTQuickInput.h"
@@ -19,23 +20,9 @@ namespace ostrel {
 
 class OSTQuickImage;
 class OSTQuickLabel;
-class OSTQuickPicker;
 class OSTQuickPickerWheel;
+class OSTQuickShadow;
 class OSTQuickToolbar;
-
-// Told of each country chosen in a Qt Quick country picker. A phone text field adopts it to
-// format the number under the chosen calling code. Adopted by QObjects only (Q_INTERFACES).
-class OSTQuickPickerDelegate {
-public:
-    virtual ~OSTQuickPickerDelegate() = default;
-    virtual void pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code) = 0;
-};
-
-} // namespace ostrel
-
-Q_DECLARE_INTERFACE(ostrel::OSTQuickPickerDelegate, "com.ostrelhq.Ostrel.OSTQuickPickerDelegate")
-
-namespace ostrel {
 
 // The picker input of a screen drawn by Qt Quick, behaving as the widget picker does: its choice
 // in a label item over the background image item; opened, a painted wheel (OSTQuickPickerWheel)
@@ -50,10 +37,13 @@ namespace ostrel {
 //
 // picker->setDelegate(field) wires a country picker to a phone field, which formats under the
 // current code at once and after each choice; the delegate is kept weakly. Attaching a model
-// marks the picker valid: it always holds a choice.
+// marks the picker valid: it always holds a choice. Assistive technology reads it as a combo box
+// named by its accessibility label, else its key.
 //
-// Lives on the GUI thread; owned by its parent item. The background and the label are its child
-// items; the toolbar and wheel are its QObject children, shown in the window's content item
+// The picker casts the element's object shadow itself, beneath its background's box.
+//
+// Lives on the GUI thread; owned by its parent item. The background, the label and the shadow
+// are its child items; the toolbar and wheel are its QObject children, shown in the window's content item
 // (above the screen) while open.
 class OSTQuickPicker final : public QQuickItem, public OSTValidationItem, public OSTQuickInput {
     Q_OBJECT
@@ -80,7 +70,7 @@ public:
     const QString &country() const { return m_rows.country(); }
     const QString &countryCode() const { return m_rows.countryCode(); }
 
-    // Keeps the delegate (a QObject adopting OSTQuickPickerDelegate; anything else clears it)
+    // Keeps the delegate (a QObject adopting OSTPickerDelegate; anything else clears it)
     // and, for a country picker, tells it the current choice at once.
     void setDelegate(QObject *delegate);
 
@@ -122,11 +112,13 @@ private:
     void reportValueChanged();
     void placePopup();
     void layOutLabel();
+    void castShadow();
 
     const std::shared_ptr<const OSTPickerDescription> m_description;
     QMarginsF m_contentInsets;
     OSTQuickImage *const m_background; // child items
     OSTQuickLabel *const m_textLabel;
+    OSTQuickShadow *m_shadow = nullptr; // child item; null without "objectShadow"
     OSTPickerRowModel m_rows; // the country and custom rows
     // The date kind: the bounds, whether a row is a day or a minute of the current day, and the
     // date the wheel stands at.

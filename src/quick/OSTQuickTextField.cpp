@@ -3,7 +3,9 @@
 #include "model/OSTValidationItemModel.h"
 #include "paint/OSTBoxPainter.h"
 #include "paint/OSTTextFieldLayout.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickLabel.h"
+#include "quick/OSTQuickShadow.h"
 #include "quick/OSTQuickToolbar.h"
 
 #include <QClipboard>
@@ -58,6 +60,7 @@ OSTQuickTextField::OSTQuickTextField(const QRectF &frame, std::shared_ptr<const 
     setOpacity(m_description->fieldAlpha());
     buildPlaceholder();
     buildToolbar();
+    describeForAccessibility();
     updateView();
     replaceText(m_description->initialText());
 }
@@ -79,6 +82,15 @@ void OSTQuickTextField::buildPlaceholder()
 {
     if (const std::shared_ptr<const OSTLabelDescription> &placeholder = m_description->placeholder())
         m_placeholderLabel = new OSTQuickLabel(QRect(QPoint(), size().toSize()), *placeholder, this);
+}
+
+void OSTQuickTextField::describeForAccessibility()
+{
+    // Named by its placeholder, else by its accessibility label, else by its key.
+    const QString placeholderText = m_placeholderLabel ? m_placeholderLabel->text() : QString();
+    OSTQuickAccessibility::describe(*this, QAccessible::EditableText,
+                                    !placeholderText.isEmpty() ? placeholderText
+                                                               : m_description->accessibilityLabel().value_or(name()));
 }
 
 void OSTQuickTextField::layOutPlaceholder()
@@ -120,9 +132,20 @@ void OSTQuickTextField::updateView()
     // A state's alignment word holds until another state's replaces it, as in the widget field.
     if (state.alignmentWord)
         m_alignment = OSTTextFieldLayout::horizontalAlignmentOfWord(*state.alignmentWord) | (m_alignment & Qt::AlignVertical_Mask);
+    castShadow(state);
     fitTextToWidth();
     layOutPlaceholder();
     update();
+}
+
+void OSTQuickTextField::castShadow(const OSTTextFieldDescription::StateLook &state)
+{
+    if (m_shadow && (!state.shadow || m_shadow->shadow() != *state.shadow))
+        delete m_shadow;
+    if (state.shadow && !m_shadow)
+        m_shadow = new OSTQuickShadow(*state.shadow, this);
+    if (m_shadow)
+        m_shadow->setCornerRadius(OSTBoxPainter(state.box).cornerRadius(size()));
 }
 
 void OSTQuickTextField::fitTextToWidth()
@@ -274,9 +297,9 @@ void OSTQuickTextField::validityChanged()
         textFieldShouldReturn();
 }
 
-void OSTQuickTextField::pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code)
+void OSTQuickTextField::pickerDidChangeCountry(OSTPickerType pickerType, const QString &country, const QString &code)
 {
-    if (picker.type() != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
+    if (pickerType != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
         return;
     // The current text formatted again under the new calling code.
     const QString raw = m_rules.rawText(m_text);
@@ -502,6 +525,7 @@ void OSTQuickTextField::mouseMoveEvent(QMouseEvent *event)
 void OSTQuickTextField::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
 {
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    castShadow(showsInvalidLook() ? m_description->invalidLook() : m_description->normalLook());
     fitTextToWidth();
     layOutPlaceholder();
 }

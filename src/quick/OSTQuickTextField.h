@@ -1,13 +1,14 @@
 #pragma once
 
+#include "model/OSTPickerDelegate.h"
 #include "model/OSTTextInputRules.h"
 #include "model/OSTValidationItem.h"
 #include "quick/OSTQuickInput.h"
-#include "quick/OSTQuickPicker.h"
 #include "screen/OSTTextFieldDescription.h"
 
 #include <QFont>
 #include <QMarginsF>
+#include <QPointer>
 #include <QQuickPaintedItem>
 
 #include <memory>
@@ -15,12 +16,13 @@
 namespace ostrel {
 
 class OSTQuickLabel;
+class OSTQuickShadow;
 class OSTQuickToolbar;
 
 // The single-line text input of a screen drawn by Qt Quick, behaving as the widget text field
 // does, from the same description (OSTTextFieldDescription): the normal and the invalid look
 // (the invalid one once the user has left the field, or a value was restored, while it is
-// invalid), the placeholder while empty, the lengths and validation pattern, the formatting as
+// invalid; each with its box and its shadow beneath the field), the placeholder while empty, the lengths and validation pattern, the formatting as
 // the user types (a phone field under its country picker's code), secure entry shown masked, the
 // keyboard's toolbar (Escape is its cancel, Return its done) and the input order.
 //
@@ -35,7 +37,10 @@ class OSTQuickToolbar;
 // becomes valid when the text is the PIN of the verified phone number and then submits itself,
 // as if return was tapped, unless "autoSubmit" is false.
 //
-// Live phone formatting: a phone field adopts OSTQuickPickerDelegate; wire it with
+// Assistive technology reads it as editable text named by its placeholder, else its
+// accessibility label, else its key.
+//
+// Live phone formatting: a phone field adopts OSTPickerDelegate; wire it with
 // picker->setDelegate(field).
 //
 // Lives on the GUI thread; owned by its parent item. The placeholder label and the toolbar are
@@ -43,9 +48,9 @@ class OSTQuickToolbar;
 class OSTQuickTextField final : public QQuickPaintedItem,
                                 public OSTValidationItem,
                                 public OSTQuickInput,
-                                public OSTQuickPickerDelegate {
+                                public OSTPickerDelegate {
     Q_OBJECT
-    Q_INTERFACES(ostrel::OSTQuickPickerDelegate)
+    Q_INTERFACES(ostrel::OSTPickerDelegate)
 
 public:
     enum class CaretMove { Move, Select };
@@ -99,7 +104,7 @@ public:
     bool shouldShowErrorMessage() const override { return m_shouldShowInvalidState; }
     void validityChanged() override;
 
-    void pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code) override;
+    void pickerDidChangeCountry(OSTPickerType pickerType, const QString &country, const QString &code) override;
 
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
     void paint(QPainter *painter) override;
@@ -116,6 +121,7 @@ protected:
 private:
     void buildToolbar();
     void buildPlaceholder();
+    void describeForAccessibility();
     bool handleEditingKey(const QKeyEvent &event);
     void removeBackward();
     void removeForward();
@@ -125,6 +131,7 @@ private:
     void textFieldDidChange();
     void textFieldShouldReturn();
     void updateView();
+    void castShadow(const OSTTextFieldDescription::StateLook &state);
     void layOutPlaceholder();
     void fitTextToWidth();
     QRectF textRect() const;
@@ -148,6 +155,7 @@ private:
     QFont m_textFont;   // the state's font, before any shrinking to fit
     QFont m_fittedFont;
     OSTQuickLabel *m_placeholderLabel = nullptr; // child; null without "placeholder"
+    QPointer<OSTQuickShadow> m_shadow; // child, while the shown state casts a shadow
     OSTQuickToolbar *m_toolbar = nullptr; // child; null without "toolbar"
 };
 

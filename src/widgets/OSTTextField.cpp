@@ -208,9 +208,9 @@ void OSTTextField::validityChanged()
         textFieldShouldReturn();
 }
 
-void OSTTextField::pickerDidChangeCountry(OSTPicker &picker, const QString &country, const QString &code)
+void OSTTextField::pickerDidChangeCountry(OSTPickerType pickerType, const QString &country, const QString &code)
 {
-    if (picker.type() != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
+    if (pickerType != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
         return;
     // The current text formatted again under the new calling code.
     const QString raw = m_rules.rawText(text());

@@ -12,6 +12,7 @@
 #include "../widgets/OSTInputTestSupport.h"
 #include "OSTQuickTestWindow.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QWheelEvent>
 
@@ -73,6 +74,10 @@ TEST(QuickPicker, ACountryIsChosenByKeysAndByClickAndReported)
     EXPECT_EQ(picker->rowCount(), 248);
     EXPECT_EQ(picker->titleAtRow(50, OSTQuickPicker::Formatting::Formatted), u"+ 345   \tCayman Islands"_s);
     EXPECT_EQ(picker->titleAtRow(248, OSTQuickPicker::Formatting::Plain), u""_s);
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(picker);
+    ASSERT_TRUE(accessible);
+    EXPECT_EQ(accessible->role(), QAccessible::ComboBox);
+    EXPECT_EQ(accessible->text(QAccessible::Name), u"Country"_s);
 
     // Keys: Space opens, Down twice chooses live, Return chooses and moves on.
     picker->forceActiveFocus();
@@ -107,10 +112,27 @@ TEST(QuickPicker, ACountryIsChosenByKeysAndByClickAndReported)
     EXPECT_EQ(picker->country(), u"Germany"_s);
     EXPECT_TRUE(phone->hasActiveFocus());
     window.click(*picker, {150, 20});
+    EXPECT_EQ(picker->toolbar()->doneText(), u"OK"_s);
+    EXPECT_EQ(picker->toolbar()->cancelText(), u"Cancel"_s);
     window.click(*picker->toolbar(), picker->toolbar()->cancelButtonRect().center());
     EXPECT_FALSE(picker->isWheelShown());
     EXPECT_FALSE(picker->hasActiveFocus());
     EXPECT_EQ(picker->country(), u"Germany"_s);
+}
+
+TEST(QuickToolbar, ABlackBarIsDrawnBlackAndTranslucentWhenAsked)
+{
+    test::QuickTestWindow window;
+    window.setColor(Qt::white);
+    OSTQuickToolbar black(OSTToolbarSettings::fromProperties(test::jsonObject(R"({"barStyle": "black"})")), window.root());
+    OSTQuickToolbar translucent(OSTToolbarSettings::fromProperties(test::jsonObject(R"({"barStyle": "translucent"})")),
+                                window.root());
+    black.setWidth(200);
+    translucent.setWidth(200);
+    translucent.setY(100);
+    const QImage grab = window.grabWindow();
+    EXPECT_EQ(grab.pixelColor(100, 2), QColor(Qt::black));
+    EXPECT_NEAR(grab.pixelColor(100, 102).red(), 255 - 200, 1) << "black at alpha 200 over white";
 }
 
 TEST(QuickPicker, RestoredValuesSelectTheirRowsAndOthersAreIgnored)

@@ -4,12 +4,14 @@
 #include "model/OSTValidationItemModel.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPicker.h"
+#include "quick/OSTQuickShadow.h"
 #include "quick/OSTQuickTextField.h"
 
 #include "../model/OSTValidationTestFakes.h"
 #include "../widgets/OSTInputTestSupport.h"
 #include "OSTQuickTestWindow.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
@@ -89,6 +91,10 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     ASSERT_TRUE(name->placeholderLabel());
     EXPECT_TRUE(name->placeholderLabel()->isVisible());
     EXPECT_EQ(name->placeholderLabel()->text(), u"Name"_s);
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(name);
+    ASSERT_TRUE(accessible);
+    EXPECT_EQ(accessible->role(), QAccessible::EditableText);
+    EXPECT_EQ(accessible->text(QAccessible::Name), u"Name"_s) << "named by its placeholder";
     QInputMethodEvent composing(u"Zo"_s, {});
     QGuiApplication::sendEvent(&window, &composing);
     EXPECT_EQ(name->text(), u""_s);
@@ -103,6 +109,24 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     replacing.setCommitString(u"Ann"_s, -3, 3);
     QGuiApplication::sendEvent(&window, &replacing);
     EXPECT_EQ(name->text(), u"Ann"_s);
+}
+
+TEST(QuickTextField, TheAlignmentKeysPlaceTheTextAndTheCaret)
+{
+    test::QuickTestWindow window;
+    OSTQuickTextField *left = fieldIn(window, "{}");
+    OSTQuickTextField *right = fieldIn(window, R"({"horizontalAlignment": "right", "verticalAlignment": "top"})", 50);
+    OSTQuickTextField *centred = fieldIn(window, R"({"alignment": "center", "horizontalAlignment": "right"})", 100);
+    EXPECT_EQ(left->alignment(), Qt::AlignLeft | Qt::AlignVCenter);
+    EXPECT_EQ(right->alignment(), Qt::AlignRight | Qt::AlignTop);
+    EXPECT_EQ(centred->alignment(), Qt::AlignHCenter | Qt::AlignVCenter) << "the alignment word wins";
+    for (OSTQuickTextField *field : {left, right, centred})
+        field->replaceText(u"abc"_s);
+    const auto caretX = [](const OSTQuickTextField *field) { return field->inputMethodQuery(Qt::ImCursorRectangle).toRectF().x(); };
+    EXPECT_LT(caretX(left), 60);
+    EXPECT_NEAR(caretX(right), 300 - 2, 1) << "the caret ends a right-aligned text at the field's edge";
+    EXPECT_GT(caretX(centred), 150);
+    EXPECT_LT(caretX(centred), 200);
 }
 
 TEST(QuickTextField, SecretsAreMaskedAndNeverCopied)
@@ -144,7 +168,8 @@ TEST(QuickTextField, TheInvalidLookFollowsValidityOnceTheUserLeftAndRestoredValu
     // Drawn: the state's box and text colour, the invalid ones while the invalid look shows.
     OSTQuickTextField *painted = fieldIn(window, R"({"backgroundColor": "#00ff00", "minLength": 3, "maxLength": 10,
         "text": {"textColor": "#0000ff", "size": "24"},
-        "states": {"invalid": {"backgroundColor": "#ffff00", "text": {"textColor": "#ff0000"}}}})", 200);
+        "states": {"invalid": {"backgroundColor": "#ffff00", "text": {"textColor": "#ff0000"},
+                               "objectShadow": ["#000000", "4", 2, "2"]}}})", 200);
     const auto paintedModel = bindModel(*painted, "false");
     typeInto(painted, u"WW"_s);
     other->forceActiveFocus();
@@ -156,10 +181,12 @@ TEST(QuickTextField, TheInvalidLookFollowsValidityOnceTheUserLeftAndRestoredValu
         return seen;
     };
     EXPECT_TRUE(colours().contains(0xffff00) && colours().contains(0xff0000)) << "the invalid box and text";
+    EXPECT_EQ(painted->findChildren<OSTQuickShadow *>().size(), 1) << "the invalid look's shadow";
     typeInto(painted, u"W"_s);
     other->forceActiveFocus();
     EXPECT_TRUE(colours().contains(0x00ff00) && colours().contains(0x0000ff)) << "the normal box and text";
     EXPECT_FALSE(colours().contains(0xffff00));
+    EXPECT_TRUE(painted->findChildren<OSTQuickShadow *>().isEmpty());
 
     // A restored value shows as it is, and the invalid look with it when it is invalid.
     OSTQuickTextField *restored = fieldIn(window, R"({"minLength": 3, "maxLength": 4})", 100);
