@@ -61,8 +61,9 @@ public:
 
     // The page of `screen` laid out in `area` points; null when the JSON does not parse to an
     // object or (with Fail) the layout cannot be resolved.
-    static std::unique_ptr<OSTScreenPage> create(const std::shared_ptr<const OSTScreen> &screen, const QSizeF &area,
-                                                 const Substitution &substitution, UnresolvedLayout unresolved);
+    static std::unique_ptr<OSTScreenPage> create(const std::shared_ptr<const OSTScreen> &screen,
+                                                 const QSizeF &area, const Substitution &substitution,
+                                                 UnresolvedLayout unresolved);
     ~OSTScreenPage();
     OSTScreenPage(const OSTScreenPage &) = delete;
     OSTScreenPage &operator=(const OSTScreenPage &) = delete;

@@ -1,21 +1,27 @@
 #include "quick/OSTQuickButton.h"
 
 #include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickShadow.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPalette>
 #include <QPainter>
 
 namespace ostrel {
 
 OSTQuickButton::OSTQuickButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                                QQuickItem *parent)
-    : QQuickPaintedItem(parent), m_description(std::move(description)), m_checkable(m_description->isToggle())
+    : QQuickPaintedItem(parent), m_description(std::move(description)), m_buttonPainter(*m_description->states()),
+      m_checkable(m_description->isToggle())
 {
     setObjectName(name());
     setAntialiasing(true);
-    setFrame(frame);
+    setPosition(frame.topLeft());
+    setSize(frame.size());
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
     setOpacity(m_description->buttonAlpha());
@@ -25,7 +31,16 @@ OSTQuickButton::OSTQuickButton(const QRect &frame, std::shared_ptr<const OSTButt
         m_highlightedBackground = addBackground(*states.pressed->background);
     if (states.disabled)
         m_disabledBackground = addBackground(*states.disabled->background);
+    // The description's backgrounds have no shadow: the button casts it around the normal one.
+    if (const auto &shadow = m_description->buttonShadow()) {
+        m_shadow = new OSTQuickShadow(*shadow, this);
+        m_shadow->setZ(-2);
+        m_shadow->setCornerRadius(m_normalBackground->boxPainter().cornerRadius(size()));
+    }
     updateBackgrounds();
+    // The title doubles as the name; the element key names a button without one.
+    const QString &title = states.normal.title;
+    OSTQuickAccessibility::describe(*this, QAccessible::Button, title.isEmpty() ? name() : title);
 }
 
 OSTQuickButton::~OSTQuickButton() = default;
@@ -33,20 +48,9 @@ OSTQuickButton::~OSTQuickButton() = default;
 OSTQuickImage *OSTQuickButton::addBackground(const OSTImageDescription &background)
 {
     // Beneath the button's own painting, the title.
-    auto *image = new OSTQuickImage(QRect(QPoint(), frame().size()), background, this);
+    auto *image = new OSTQuickImage(QRect(QPoint(), size().toSize()), background, this);
     image->setZ(-1);
     return image;
-}
-
-void OSTQuickButton::setFrame(const QRect &frame)
-{
-    setPosition(frame.topLeft());
-    setSize(frame.size());
-}
-
-QRect OSTQuickButton::frame() const
-{
-    return QRectF(position(), size()).toAlignedRect();
 }
 
 bool OSTQuickButton::showsPressed() const
@@ -67,19 +71,26 @@ void OSTQuickButton::updateBackgrounds()
     update();
 }
 
-const OSTButtonDescription::StateLook &OSTQuickButton::currentLook() const
+OSTButtonPainter::State OSTQuickButton::shownState() const
 {
-    const OSTButtonDescription::States &states = *m_description->states();
-    if (!isEnabled() && states.disabled)
-        return *states.disabled;
-    if ((m_down || m_checked) && states.pressed)
-        return *states.pressed;
-    return states.normal;
+    using Enablement = OSTButtonPainter::Enablement;
+    using Press = OSTButtonPainter::Press;
+    return m_buttonPainter.shownState(isEnabled() ? Enablement::Enabled : Enablement::Disabled,
+                                      m_down || m_checked ? Press::Pressed : Press::Released);
 }
 
 QString OSTQuickButton::currentTitle() const
 {
-    return currentLook().title;
+    return m_buttonPainter.title(shownState());
+}
+
+qreal OSTQuickButton::shownBackgroundCornerRadius() const
+{
+    for (const OSTQuickImage *background : {m_disabledBackground, m_highlightedBackground, m_normalBackground}) {
+        if (background && background->isVisible())
+            return background->boxPainter().cornerRadius(size());
+    }
+    return 0;
 }
 
 void OSTQuickButton::setCheckable(bool checkable)
@@ -130,6 +141,17 @@ void OSTQuickButton::updateToggleValidity()
         itemModel->setValid(itemModel->isOptional() || m_checked);
 }
 
+void OSTQuickButton::joinGroup(QObject &group, std::function<void()> tapped)
+{
+    disconnect(this, &OSTQuickButton::tapped, nullptr, nullptr);
+    setCheckable(true);
+    connect(this, &OSTQuickButton::tapped, &group, [this, tapped = std::move(tapped)] {
+        // The click has already changed the selection; the group decides instead.
+        setChecked(!isChecked());
+        tapped();
+    });
+}
+
 void OSTQuickButton::modelDidChange()
 {
     if (isToggle())
@@ -150,8 +172,12 @@ void OSTQuickButton::setValue(const QVariant &value)
         itemModel->valueChanged();
 }
 
-void OSTQuickButton::paint(QPainter *)
+void OSTQuickButton::paint(QPainter *painter)
 {
+    m_buttonPainter.paintTitle(*painter, shownState(), boundingRect(), QGuiApplication::font());
+    if (hasActiveFocus())
+        OSTButtonPainter::paintFocusFrame(*painter, size(), shownBackgroundCornerRadius(),
+                                          QGuiApplication::palette().color(QPalette::Highlight));
 }
 
 void OSTQuickButton::mousePressEvent(QMouseEvent *event)
@@ -201,6 +227,8 @@ void OSTQuickButton::geometryChange(const QRectF &newGeometry, const QRectF &old
     for (OSTQuickImage *background : {m_normalBackground, m_highlightedBackground, m_disabledBackground})
         if (background)
             background->setSize(newGeometry.size());
+    if (m_shadow)
+        m_shadow->setCornerRadius(m_normalBackground->boxPainter().cornerRadius(newGeometry.size()));
 }
 
 } // namespace ostrel

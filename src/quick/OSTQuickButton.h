@@ -1,6 +1,8 @@
 #pragma once
 
+#include "model/OSTSelectionGroupMember.h"
 #include "model/OSTValidationItem.h"
+#include "paint/OSTButtonPainter.h"
 #include "screen/OSTButtonDescription.h"
 
 #include <QQuickPaintedItem>
@@ -11,9 +13,12 @@ namespace ostrel {
 
 class OSTAction;
 class OSTQuickImage;
+class OSTQuickShadow;
 
 // The "buttons" element drawn by Qt Quick: a title and a background image per state, its opacity,
-// drop shadow and action, all from its description (OSTButtonDescription). A toggle takes part in
+// drop shadow and action, all from its description (OSTButtonDescription). The backgrounds are
+// image items beneath the button's own painting, the title and the focus frame (OSTButtonPainter);
+// the shadow is cast by a child item beneath them (OSTQuickShadow). A toggle takes part in
 // validation: a required toggle is valid while selected, an optional one always.
 //
 // A press shows the pressed state; a checkable button (a toggle, or a member of a selection
@@ -24,7 +29,7 @@ class OSTQuickImage;
 // behind the title by overriding updateBackgrounds().
 //
 // Lives on the GUI thread; owned by its parent item. Its state backgrounds are child items.
-class OSTQuickButton : public QQuickPaintedItem, public OSTValidationItem {
+class OSTQuickButton : public QQuickPaintedItem, public OSTValidationItem, public OSTSelectionGroupMember {
     Q_OBJECT
 
 public:
@@ -38,9 +43,6 @@ public:
     const std::shared_ptr<const OSTAction> &action() const { return m_description->action(); }
     bool isToggle() const { return m_description->isToggle(); }
 
-    void setFrame(const QRect &frame);
-    QRect frame() const;
-
     OSTQuickImage *normalBackground() const { return m_normalBackground; }
     OSTQuickImage *highlightedBackground() const { return m_highlightedBackground; }
     OSTQuickImage *disabledBackground() const { return m_disabledBackground; }
@@ -48,7 +50,6 @@ public:
     QString currentTitle() const;
 
     bool isDown() const { return m_down; }
-    bool isCheckable() const { return m_checkable; }
     void setCheckable(bool checkable);
     bool isChecked() const { return m_checked; }
     void setChecked(bool checked);
@@ -59,6 +60,13 @@ public:
     QVariant value() const override;
     void setValue(const QVariant &value) override;
     bool shouldShowErrorMessage() const override { return true; }
+
+    // OSTSelectionGroupMember
+    const QString &memberKey() const override { return name(); }
+    bool isMemberSelected() const override { return isChecked(); }
+    void setMemberSelected(bool selected) override { setChecked(selected); }
+    QObject &memberObject() override { return *this; }
+    void joinGroup(QObject &group, std::function<void()> tapped) override;
 
     void paint(QPainter *painter) override;
 
@@ -83,8 +91,9 @@ protected:
 
 private:
     OSTQuickImage *addBackground(const OSTImageDescription &background);
-    const OSTButtonDescription::StateLook &currentLook() const;
+    OSTButtonPainter::State shownState() const;
     bool showsPressed() const;
+    qreal shownBackgroundCornerRadius() const;
     void setDown(bool down);
     void updateToggleValidity();
 
@@ -92,6 +101,8 @@ private:
     OSTQuickImage *m_normalBackground = nullptr; // child items; null when the state is absent
     OSTQuickImage *m_highlightedBackground = nullptr;
     OSTQuickImage *m_disabledBackground = nullptr;
+    OSTQuickShadow *m_shadow = nullptr; // child item; null without a shadow
+    OSTButtonPainter m_buttonPainter;
     bool m_down = false;
     bool m_checkable = false;
     bool m_checked = false;

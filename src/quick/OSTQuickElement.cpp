@@ -1,8 +1,7 @@
 #include "quick/OSTQuickElement.h"
 
+#include "quick/OSTQuickShadow.h"
 #include "screen/OSTElementDescription.h"
-
-#include <QPainter>
 
 namespace ostrel {
 
@@ -20,8 +19,8 @@ OSTQuickElement::~OSTQuickElement() = default;
 void OSTQuickElement::customize(const OSTElementDescription &description)
 {
     setOpacity(description.alpha());
-    m_boxLook = description.box();
-    m_objectShadow = description.objectShadow();
+    m_boxPainter = OSTBoxPainter(description.box());
+    castShadow(description.objectShadow());
     updateContainer();
     update();
 }
@@ -32,9 +31,14 @@ void OSTQuickElement::setFrame(const QRect &frame)
     setSize(frame.size());
 }
 
-QRect OSTQuickElement::frame() const
+void OSTQuickElement::castShadow(const std::optional<OSTShadow> &shadow)
 {
-    return QRectF(position(), size()).toAlignedRect();
+    if (m_shadow && (!shadow || m_shadow->shadow() != *shadow))
+        delete m_shadow;
+    if (shadow && !m_shadow)
+        m_shadow = new OSTQuickShadow(*shadow, this);
+    if (m_shadow)
+        m_shadow->setCornerRadius(m_boxPainter.cornerRadius(size()));
 }
 
 QQuickItem *OSTQuickElement::container()
@@ -49,15 +53,14 @@ QQuickItem *OSTQuickElement::container()
 
 void OSTQuickElement::updateContainer()
 {
-    if (!m_container)
-        return;
     // Members stay inside a bordered or rounded box; a plain one lets them show beyond it.
-    const bool rounded = m_boxLook.cornerStyle == OSTBoxLook::CornerStyle::Circle || m_boxLook.cornerRadius > 0;
-    m_container->setClip(rounded || m_boxLook.borderWidth > 0);
+    if (m_container)
+        m_container->setClip(m_boxPainter.hasBorder() || m_boxPainter.isRounded());
 }
 
 void OSTQuickElement::paint(QPainter *painter)
 {
+    m_boxPainter.paint(*painter, size());
     paintContent(*painter);
 }
 
@@ -70,6 +73,8 @@ void OSTQuickElement::geometryChange(const QRectF &newGeometry, const QRectF &ol
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
     if (m_container)
         m_container->setSize(newGeometry.size());
+    if (m_shadow)
+        m_shadow->setCornerRadius(m_boxPainter.cornerRadius(newGeometry.size()));
 }
 
 } // namespace ostrel

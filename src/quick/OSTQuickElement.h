@@ -1,7 +1,7 @@
 #pragma once
 
-#include "screen/OSTBoxLook.h"
-#include "screen/OSTShadow.h"
+#include "paint/OSTBoxPainter.h"
+#include "quick/OSTQuickShadow.h"
 
 #include <QPointer>
 #include <QQuickPaintedItem>
@@ -11,13 +11,13 @@
 namespace ostrel {
 
 class OSTElementDescription;
-class OSTQuickShadow;
+struct OSTShadow;
 
 // The base of every Qt Quick element item, and the item of shapes, groups and a screen's backdrop:
-// it paints its element box, takes the element's opacity as the item's and casts the element's
-// object shadow through a child item beneath it (OSTQuickShadow), since a painted item cannot
-// draw outside its bounds. A group's members are placed in container(), which clips them to the
-// box when the box has a border or rounded corners.
+// it paints its element box (OSTBoxPainter), takes the element's opacity as the item's and casts
+// the element's object shadow through a child item beneath it (OSTQuickShadow), since a painted
+// item cannot draw outside its bounds. A group's members are placed in container(), which clips
+// them to the box when the box has a border or rounded corners.
 //
 // Lives on the GUI thread; owned by its parent item.
 class OSTQuickElement : public QQuickPaintedItem {
@@ -30,12 +30,10 @@ public:
     // Restyles the item; the description replaces the whole earlier look.
     void customize(const OSTElementDescription &description);
     void setFrame(const QRect &frame);
-    QRect frame() const;
 
-    const OSTBoxLook &boxLook() const { return m_boxLook; }
+    const OSTBoxPainter &boxPainter() const { return m_boxPainter; }
     // The item members are placed in, made on first use.
     QQuickItem *container();
-    const std::optional<OSTShadow> &objectShadow() const { return m_objectShadow; }
 
     void paint(QPainter *painter) override;
 
@@ -45,10 +43,10 @@ protected:
     void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
 
 private:
+    void castShadow(const std::optional<OSTShadow> &shadow);
     void updateContainer();
 
-    OSTBoxLook m_boxLook;
-    std::optional<OSTShadow> m_objectShadow;
+    OSTBoxPainter m_boxPainter;
     QPointer<OSTQuickShadow> m_shadow; // child item, present while the element casts a shadow
     QPointer<QQuickItem> m_container;  // child item
 };

@@ -1,21 +1,26 @@
 #include "quick/OSTQuickImage.h"
 
 #include "model/OSTRemoteImage.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "screen/OSTImageDescription.h"
+#include "screen/OSTImageSource.h"
 
 namespace ostrel {
 
 OSTQuickImage::OSTQuickImage(const QRect &frame, const OSTImageDescription &description, QQuickItem *parent)
-    : OSTQuickElement(frame, description, parent), m_remoteImage(new OSTRemoteImage(description.source(), this)),
-      m_contentMode(description.source().contentMode), m_capInsets(description.source().capInsets)
+    : OSTQuickElement(frame, description, parent), m_remoteImage(new OSTRemoteImage(description.source(), this))
 {
+    m_imagePainter.setContentMode(description.source().contentMode);
+    m_imagePainter.setCapInsets(description.source().capInsets);
+    if (const auto &name = description.accessibilityLabel())
+        OSTQuickAccessibility::describe(*this, QAccessible::Graphic, *name);
     connect(m_remoteImage, &OSTRemoteImage::finished, this, &OSTQuickImage::finishLoadingWithImage);
     m_remoteImage->load();
 }
 
 void OSTQuickImage::setImage(const QImage &image)
 {
-    m_image = image;
+    m_imagePainter.setImage(image);
     update();
 }
 
@@ -43,7 +48,7 @@ void OSTQuickImage::finishLoadingWithImage(const QImage &image)
 
 void OSTQuickImage::paintContent(QPainter &painter)
 {
-    OSTQuickElement::paintContent(painter);
+    m_imagePainter.paint(painter, size().toSize());
 }
 
 } // namespace ostrel

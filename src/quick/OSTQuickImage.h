@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quick/OSTQuickElement.h"
-#include "screen/OSTImageSource.h"
+#include "paint/OSTImagePainter.h"
 
 #include <QImage>
 
@@ -23,7 +23,7 @@ class OSTQuickImage final : public OSTQuickElement {
 public:
     OSTQuickImage(const QRect &frame, const OSTImageDescription &description, QQuickItem *parent);
 
-    const QImage &image() const { return m_image; }
+    const QImage &image() const { return m_imagePainter.image(); }
     void setImage(const QImage &image);
     bool isImageRequired() const;
     // Whether a required image is still being loaded.
@@ -40,9 +40,7 @@ private:
     void finishLoadingWithImage(const QImage &image);
 
     OSTRemoteImage *const m_remoteImage; // child
-    QImage m_image;
-    UIViewContentMode m_contentMode;
-    std::optional<QMargins> m_capInsets;
+    OSTImagePainter m_imagePainter;
 };
 
 } // namespace ostrel

@@ -1,8 +1,8 @@
 #include "quick/OSTQuickInput.h"
 
-#include <QKeyEvent>
+#include "model/OSTInputOrder.h"
 
-#include <algorithm>
+#include <QKeyEvent>
 
 namespace ostrel {
 
@@ -15,13 +15,14 @@ OSTQuickInput::OSTQuickInput(QQuickItem &item, int inputPosition)
 void OSTQuickInput::chainInputs(QList<OSTQuickInput *> inputs)
 {
     inputs.removeAll(nullptr);
-    std::stable_sort(inputs.begin(), inputs.end(), [](const OSTQuickInput *a, const OSTQuickInput *b) {
-        return a->inputPosition() < b->inputPosition();
-    });
-    for (qsizetype index = 0; index < inputs.size(); ++index) {
-        OSTQuickInput &input = *inputs[index];
-        input.m_previousInput = index > 0 ? &inputs[index - 1]->inputItem() : nullptr;
-        input.m_nextInput = index + 1 < inputs.size() ? &inputs[index + 1]->inputItem() : nullptr;
+    QList<int> inputOrders;
+    for (const OSTQuickInput *input : std::as_const(inputs))
+        inputOrders.append(input->inputPosition());
+    const QList<qsizetype> chain = OSTInputOrder::chain(inputOrders);
+    for (qsizetype link = 0; link < chain.size(); ++link) {
+        OSTQuickInput &input = *inputs.at(chain.at(link));
+        input.m_previousInput = link > 0 ? &inputs.at(chain.at(link - 1))->inputItem() : nullptr;
+        input.m_nextInput = link + 1 < chain.size() ? &inputs.at(chain.at(link + 1))->inputItem() : nullptr;
     }
 }
 

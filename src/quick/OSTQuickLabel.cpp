@@ -1,6 +1,9 @@
 #include "quick/OSTQuickLabel.h"
 
+#include "quick/OSTQuickAccessibility.h"
 #include "screen/OSTLabelDescription.h"
+
+#include <QGuiApplication>
 
 namespace ostrel {
 
@@ -13,20 +16,21 @@ OSTQuickLabel::OSTQuickLabel(const QRect &frame, const OSTLabelDescription &desc
 void OSTQuickLabel::customize(const OSTLabelDescription &description)
 {
     OSTQuickElement::customize(description);
-    m_textLook = description.textLook();
-    m_minimumScaleFactor = description.minimumScaleFactor();
+    m_textPainter.setAttributes(OSTTextAttributes(description.textLook()));
+    m_textPainter.setMinimumScaleFactor(description.minimumScaleFactor());
     setText(description.text());
 }
 
 void OSTQuickLabel::setText(const QString &text)
 {
     m_text = text;
+    OSTQuickAccessibility::describe(*this, QAccessible::StaticText, text);
     update();
 }
 
 void OSTQuickLabel::paintContent(QPainter &painter)
 {
-    OSTQuickElement::paintContent(painter);
+    m_textPainter.paint(painter, m_text, boundingRect(), QGuiApplication::font());
 }
 
 } // namespace ostrel

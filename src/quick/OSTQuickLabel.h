@@ -1,7 +1,7 @@
 #pragma once
 
 #include "quick/OSTQuickElement.h"
-#include "screen/OSTTextLook.h"
+#include "paint/OSTTextPainter.h"
 
 namespace ostrel {
 
@@ -30,8 +30,7 @@ protected:
 
 private:
     QString m_text;
-    OSTTextLook m_textLook;
-    qreal m_minimumScaleFactor = 0;
+    OSTTextPainter m_textPainter;
 };
 
 } // namespace ostrel

@@ -1,5 +1,8 @@
 #include "quick/OSTQuickLoadingOverlay.h"
 
+#include "paint/OSTLoadingIndicatorPainter.h"
+#include "quick/OSTQuickAccessibility.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -12,12 +15,6 @@
 
 namespace ostrel {
 
-namespace {
-
-constexpr int spinnerTurnMilliseconds = 1000;
-
-} // namespace
-
 OSTQuickLoadingOverlay::OSTQuickLoadingOverlay(QQuickItem *screen)
     : QQuickPaintedItem(screen), m_fade(new QPropertyAnimation(this, "presence", this)),
       m_spin(new QVariantAnimation(this))
@@ -29,12 +26,13 @@ OSTQuickLoadingOverlay::OSTQuickLoadingOverlay(QQuickItem *screen)
     m_fade->setEasingCurve(QEasingCurve::OutCubic);
     m_spin->setStartValue(0.0);
     m_spin->setEndValue(360.0);
-    m_spin->setDuration(spinnerTurnMilliseconds);
+    m_spin->setDuration(OSTLoadingIndicatorPainter::turnMilliseconds);
     m_spin->setLoopCount(-1);
     connect(m_spin, &QVariantAnimation::valueChanged, this, [this](const QVariant &angle) {
         m_spinnerAngle = angle.toReal();
         update();
     });
+    OSTQuickAccessibility::describe(*this, QAccessible::Animation, tr("Loading"));
     followScreenSize();
     connect(screen, &QQuickItem::widthChanged, this, &OSTQuickLoadingOverlay::followScreenSize);
     connect(screen, &QQuickItem::heightChanged, this, &OSTQuickLoadingOverlay::followScreenSize);
@@ -90,8 +88,9 @@ void OSTQuickLoadingOverlay::setPresence(qreal presence)
     update();
 }
 
-void OSTQuickLoadingOverlay::paint(QPainter *)
+void OSTQuickLoadingOverlay::paint(QPainter *painter)
 {
+    OSTLoadingIndicatorPainter::paint(*painter, size(), m_presence, m_spinnerAngle);
 }
 
 void OSTQuickLoadingOverlay::mousePressEvent(QMouseEvent *event)

@@ -29,7 +29,6 @@ public:
     // 0 invisible, 1 fully shown.
     qreal presence() const { return m_presence; }
     void setPresence(qreal presence);
-    qreal spinnerAngle() const { return m_spinnerAngle; }
     QPropertyAnimation *fade() const { return m_fade; }
 
     void paint(QPainter *painter) override;

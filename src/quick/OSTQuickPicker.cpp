@@ -1,17 +1,20 @@
 #include "quick/OSTQuickPicker.h"
 
 #include "core/OSTDateFormatter.h"
-#include "model/OSTCountryTable.h"
 #include "model/OSTValidationItemModel.h"
+#include "paint/OSTBoxPainter.h"
+#include "paint/OSTTextAttributes.h"
 #include "platform/OSTClock.h"
+#include "quick/OSTQuickAccessibility.h"
+#include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPickerWheel.h"
+#include "quick/OSTQuickShadow.h"
 #include "quick/OSTQuickToolbar.h"
 
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLocale>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QQuickWindow>
 
 #include <algorithm>
@@ -24,17 +27,10 @@ namespace ostrel {
 namespace {
 
 constexpr QMarginsF defaultContentInsets(10, 0, 16, 0);
-constexpr int countryCodeColumnWidth = 8;
 constexpr qsizetype minutesPerDay = 24 * 60;
 // A date wheel without bounds spans what a date editor offers.
 const QDate earliestDate(1752, 9, 14);
 const QDate latestDate(9999, 12, 31);
-
-// "%-8.8s": the code cut or padded to exactly eight characters.
-QString codeColumn(const QString &code)
-{
-    return code.left(countryCodeColumnWidth).leftJustified(countryCodeColumnWidth, u' ');
-}
 
 bool rowsAreMinutes(UIDatePickerMode mode)
 {
@@ -45,17 +41,23 @@ bool rowsAreMinutes(UIDatePickerMode mode)
 
 OSTQuickPicker::OSTQuickPicker(const QRectF &frame, std::shared_ptr<const OSTPickerDescription> description,
                                QQuickItem *parent)
-    : QQuickPaintedItem(parent),
+    : QQuickItem(parent),
       OSTQuickInput(*this, description->inputOrder()),
       m_description(std::move(description)),
       m_contentInsets(m_description->contentInsets() ? QMarginsF(*m_description->contentInsets())
                                                      : defaultContentInsets),
-      m_choiceText(m_description->text()->text())
+      m_background(new OSTQuickImage(QRect(QPoint(), frame.size().toSize()), *m_description->background(), this)),
+      m_textLabel(new OSTQuickLabel(QRect(QPoint(), frame.size().toSize()), *m_description->text(), this)),
+      m_rows(m_description->wheel())
 {
+    setObjectName(name());
     setPosition(frame.topLeft());
     setSize(frame.size());
+    layOutLabel();
+    castShadow();
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
+    OSTQuickAccessibility::describe(*this, QAccessible::ComboBox, m_description->accessibilityLabel().value_or(name()));
     buildRows();
     buildToolbar();
     buildWheel();
@@ -73,24 +75,13 @@ OSTQuickPicker::~OSTQuickPicker()
 
 void OSTQuickPicker::buildRows()
 {
-    switch (type()) {
-    case OSTPickerTypeCountryCode:
-        m_country = OSTCountryTable::sortedCountries().constFirst();
-        m_countryCode = OSTCountryTable::sortedCodes().constFirst();
-        showChoice(titleAtRow(0, Formatting::Plain));
-        break;
-    case OSTPickerTypeCustomData:
-        if (m_description->wheel().customData.isEmpty()) {
-            setEnabled(false);
-            showChoice(QString());
-            break;
-        }
-        showChoice(m_description->wheel().customData.constFirst());
-        break;
-    case OSTPickerTypeDate:
+    if (type() == OSTPickerTypeDate) {
         readDateBounds();
-        break;
+        return;
     }
+    if (m_rows.rowCount() == 0)
+        setEnabled(false);
+    showChoice(m_rows.titleAtRow(0, Formatting::Plain));
 }
 
 void OSTQuickPicker::readDateBounds()
@@ -129,7 +120,10 @@ void OSTQuickPicker::buildWheel()
 {
     if (rowCount() == 0)
         return;
-    const Qt::Alignment alignment = type() == OSTPickerTypeCustomData ? Qt::AlignCenter : Qt::AlignLeft | Qt::AlignVCenter;
+    // Custom rows line up as the picker's own text does.
+    const Qt::Alignment alignment = type() == OSTPickerTypeCustomData
+        ? OSTTextAttributes(m_description->text()->textLook()).horizontalAlignment() | Qt::AlignVCenter
+        : Qt::AlignLeft | Qt::AlignVCenter;
     m_wheel = new OSTQuickPickerWheel(
         rowCount(), [this](qsizetype row) { return titleAtRow(row, Formatting::Formatted); }, alignment);
     m_wheel->setParent(this);
@@ -145,14 +139,8 @@ void OSTQuickPicker::buildWheel()
 
 qsizetype OSTQuickPicker::rowCount() const
 {
-    switch (type()) {
-    case OSTPickerTypeCountryCode:
-        return OSTCountryTable::rowCount();
-    case OSTPickerTypeCustomData:
-        return m_description->wheel().customData.size();
-    case OSTPickerTypeDate:
-        break;
-    }
+    if (type() != OSTPickerTypeDate)
+        return m_rows.rowCount();
     return m_dateRowsAreMinutes ? minutesPerDay : m_minimumDate.date().daysTo(m_maximumDate.date()) + 1;
 }
 
@@ -173,19 +161,10 @@ QDateTime OSTQuickPicker::dateAtRow(qsizetype row) const
 
 QString OSTQuickPicker::titleAtRow(qsizetype row, Formatting formatting) const
 {
+    if (type() != OSTPickerTypeDate)
+        return m_rows.titleAtRow(row, formatting);
     if (row < 0 || row >= rowCount())
         return {};
-    switch (type()) {
-    case OSTPickerTypeCustomData:
-        return m_description->wheel().customData.at(row);
-    case OSTPickerTypeCountryCode: {
-        const QString &code = OSTCountryTable::sortedCodes().at(row);
-        const QString &name = OSTCountryTable::sortedCountries().at(row);
-        return formatting == Formatting::Formatted ? codeColumn(code) + u'\t' + name : code + u' ' + name;
-    }
-    case OSTPickerTypeDate:
-        break;
-    }
     const QDateTime date = dateAtRow(row);
     switch (m_description->wheel().dateMode) {
     case UIDatePickerModeTime:
@@ -201,7 +180,7 @@ QString OSTQuickPicker::titleAtRow(qsizetype row, Formatting formatting) const
 
 void OSTQuickPicker::setDelegate(QObject *delegate)
 {
-    m_delegate = qobject_cast<OSTQuickPickerDelegate *>(delegate) ? delegate : nullptr;
+    m_delegate = qobject_cast<OSTPickerDelegate *>(delegate) ? delegate : nullptr;
     if (type() == OSTPickerTypeCountryCode)
         tellDelegateOfCountry();
 }
@@ -221,9 +200,8 @@ void OSTQuickPicker::chooseRow(qsizetype row)
         return;
     }
     showChoice(titleAtRow(row, Formatting::Plain));
-    if (type() == OSTPickerTypeCountryCode && row >= 0 && row < OSTCountryTable::rowCount()) {
-        m_country = OSTCountryTable::sortedCountries().at(row);
-        m_countryCode = OSTCountryTable::sortedCodes().at(row);
+    if (type() == OSTPickerTypeCountryCode && row >= 0 && row < m_rows.rowCount()) {
+        m_rows.chooseRow(row);
         tellDelegateOfCountry();
     }
     reportValueChanged();
@@ -240,14 +218,39 @@ void OSTQuickPicker::showDate(const QDateTime &date)
 
 void OSTQuickPicker::tellDelegateOfCountry()
 {
-    if (auto *delegate = qobject_cast<OSTQuickPickerDelegate *>(m_delegate.data()))
-        delegate->pickerDidChangeCountry(*this, m_country, m_countryCode);
+    if (auto *delegate = qobject_cast<OSTPickerDelegate *>(m_delegate.data()))
+        delegate->pickerDidChangeCountry(type(), country(), countryCode());
+}
+
+QString OSTQuickPicker::choiceText() const
+{
+    return m_textLabel->text();
 }
 
 void OSTQuickPicker::showChoice(const QString &text)
 {
-    m_choiceText = text;
-    update();
+    m_textLabel->setText(text);
+}
+
+void OSTQuickPicker::layOutLabel()
+{
+    m_textLabel->setFrame(QRectF(QPointF(), size()).marginsRemoved(m_contentInsets).toRect());
+}
+
+void OSTQuickPicker::castShadow()
+{
+    if (!m_shadow && m_description->objectShadow())
+        m_shadow = new OSTQuickShadow(*m_description->objectShadow(), this);
+    if (m_shadow)
+        m_shadow->setCornerRadius(OSTBoxPainter(m_description->background()->box()).cornerRadius(size()));
+}
+
+void OSTQuickPicker::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+    m_background->setFrame(QRect(QPoint(), newGeometry.size().toSize()));
+    layOutLabel();
+    castShadow();
 }
 
 void OSTQuickPicker::reportValueChanged()
@@ -309,13 +312,13 @@ QVariant OSTQuickPicker::value() const
 {
     switch (type()) {
     case OSTPickerTypeCountryCode:
-        return m_country;
+        return country();
     case OSTPickerTypeDate:
         return m_date;
     case OSTPickerTypeCustomData:
         break;
     }
-    return m_choiceText;
+    return choiceText();
 }
 
 void OSTQuickPicker::setValue(const QVariant &value)
@@ -331,9 +334,7 @@ void OSTQuickPicker::setValue(const QVariant &value)
     }
     if (!m_wheel || value.metaType() != QMetaType::fromType<QString>())
         return;
-    const QStringList &rows = type() == OSTPickerTypeCountryCode ? OSTCountryTable::sortedCountries()
-                                                                 : m_description->wheel().customData;
-    if (const qsizetype row = rows.indexOf(value.toString()); row >= 0)
+    if (const qsizetype row = m_rows.rowOfValue(value.toString()); row >= 0)
         selectRow(row);
 }
 
@@ -343,12 +344,6 @@ void OSTQuickPicker::modelDidChange()
         itemModel->setValid(true);
         itemModel->valueChanged();
     }
-}
-
-void OSTQuickPicker::paint(QPainter *painter)
-{
-    painter->setFont(QGuiApplication::font());
-    painter->drawText(boundingRect().marginsRemoved(m_contentInsets), Qt::AlignLeft | Qt::AlignVCenter, m_choiceText);
 }
 
 void OSTQuickPicker::mousePressEvent(QMouseEvent *event)
@@ -391,14 +386,14 @@ void OSTQuickPicker::keyPressEvent(QKeyEvent *event)
         handOnFocus();
         return;
     }
-    QQuickPaintedItem::keyPressEvent(event);
+    QQuickItem::keyPressEvent(event);
 }
 
 void OSTQuickPicker::focusOutEvent(QFocusEvent *event)
 {
     // Like a popup, the open wheel closes when the focus goes elsewhere.
     hideWheel();
-    QQuickPaintedItem::focusOutEvent(event);
+    QQuickItem::focusOutEvent(event);
 }
 
 } // namespace ostrel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/OSTPickerDelegate.h"
+#include "model/OSTPickerRowModel.h"
 #include "model/OSTValidationItem.h"
 #include "quick/OSTQuickInput.h"
 #include "screen/OSTPickerDescription.h"
@@ -9,59 +11,45 @@
 #include <QDateTime>
 #include <QMarginsF>
 #include <QPointer>
-#include <QQuickPaintedItem>
+#include <QQuickItem>
 #include <QStringList>
 
 #include <memory>
 
 namespace ostrel {
 
-class OSTQuickPicker;
+class OSTQuickImage;
+class OSTQuickLabel;
 class OSTQuickPickerWheel;
+class OSTQuickShadow;
 class OSTQuickToolbar;
 
-// Told of each country chosen in a Qt Quick country picker. A phone text field adopts it to
-// format the number under the chosen calling code. Adopted by QObjects only (Q_INTERFACES).
-class OSTQuickPickerDelegate {
-public:
-    virtual ~OSTQuickPickerDelegate() = default;
-    virtual void pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code) = 0;
-};
-
-} // namespace ostrel
-
-Q_DECLARE_INTERFACE(ostrel::OSTQuickPickerDelegate, "com.ostrelhq.Ostrel.OSTQuickPickerDelegate")
-
-namespace ostrel {
-
-// A picker input drawn by Qt Quick: shows its current choice over the element's background and,
-// when opened, a painted wheel (OSTQuickPickerWheel) below it with the optional toolbar above the
-// wheel. From its description (OSTPickerDescription) it takes the background, the label of the
-// choice, its insets (default 0, 10, 0, 16), the toolbar (cancel closes the wheel, done moves to
-// the next input), the input order, the accessibility name and the wheel's rows:
+// The picker input of a screen drawn by Qt Quick, behaving as the widget picker does: its choice
+// in a label item over the background image item; opened, a painted wheel (OSTQuickPickerWheel)
+// below it under the optional toolbar (cancel closes, done moves on). The wheel lists the
+// country table, the custom entries (none disable the picker, which then reports "") or, for
+// a date picker, one row per day between the bounds (per minute of the day for the time modes),
+// standing at the start date, else now within the bounds.
 //
-//   country  one row per entry of the country table, "+44     \tUnited Kingdom"
-//   date     one row per day between the bounds (per minute of the day for the time modes),
-//            starting at the start date, else now within the bounds
-//   custom   the custom entries; none leave the picker disabled, reporting ""
+// Space, Alt+Down or F4 open the wheel; there Up and Down choose live, Return or Enter choose and
+// move on, Escape closes. Return on the closed picker moves on; Tab and Shift+Tab follow the
+// input chain. A click opens the wheel; a click on a row chooses it and closes the wheel.
 //
-// Keyboard: Space, Alt+Down or F4 open the wheel; in it, Up and Down choose (live, as a wheel
-// does), Return or Enter choose and move to the next input, Escape closes it. Return on the
-// closed picker moves to the next input; Tab and Shift+Tab follow the input chain. A click
-// opens the wheel; a click on a row chooses it and closes the wheel.
+// picker->setDelegate(field) wires a country picker to a phone field, which formats under the
+// current code at once and after each choice; the delegate is kept weakly. Attaching a model
+// marks the picker valid: it always holds a choice. Assistive technology reads it as a combo box
+// named by its accessibility label, else its key.
 //
-// Wiring a country picker to a phone field: picker->setDelegate(field); the field at once
-// formats under the picker's current code and again after each choice. The picker keeps the
-// delegate weakly (QPointer). A picker always holds a valid choice: attaching a model marks it
-// valid.
+// The picker casts the element's object shadow itself, beneath its background's box.
 //
-// Lives on the GUI thread; owned by its parent item. The toolbar and wheel are its QObject
-// children, shown in the window's content item (above the screen) while open.
-class OSTQuickPicker final : public QQuickPaintedItem, public OSTValidationItem, public OSTQuickInput {
+// Lives on the GUI thread; owned by its parent item. The background, the label and the shadow
+// are its child items; the toolbar and wheel are its QObject children, shown in the window's content item
+// (above the screen) while open.
+class OSTQuickPicker final : public QQuickItem, public OSTValidationItem, public OSTQuickInput {
     Q_OBJECT
 
 public:
-    enum class Formatting { Plain, Formatted };
+    using Formatting = OSTPickerRowModel::Formatting;
 
     OSTQuickPicker(const QRectF &frame, std::shared_ptr<const OSTPickerDescription> description,
                    QQuickItem *parent = nullptr);
@@ -70,16 +58,19 @@ public:
     const QString &name() const { return m_description->key(); }
     OSTPickerType type() const { return m_description->wheel().type; }
     QMarginsF contentInsets() const { return m_contentInsets; }
+    OSTQuickImage *backgroundItem() const { return m_background; }
+    // The label showing the current choice.
+    OSTQuickLabel *textLabel() const { return m_textLabel; }
     // The text the picker shows: its current choice.
-    const QString &choiceText() const { return m_choiceText; }
+    QString choiceText() const;
     // The toolbar above the wheel; null without "toolbar".
     OSTQuickToolbar *toolbar() const { return m_toolbar; }
     // Null when the picker has no rows.
     OSTQuickPickerWheel *wheel() const { return m_wheel; }
-    const QString &country() const { return m_country; }
-    const QString &countryCode() const { return m_countryCode; }
+    const QString &country() const { return m_rows.country(); }
+    const QString &countryCode() const { return m_rows.countryCode(); }
 
-    // Keeps the delegate (a QObject adopting OSTQuickPickerDelegate; anything else clears it)
+    // Keeps the delegate (a QObject adopting OSTPickerDelegate; anything else clears it)
     // and, for a country picker, tells it the current choice at once.
     void setDelegate(QObject *delegate);
 
@@ -99,13 +90,12 @@ public:
     void setValue(const QVariant &value) override;
     bool shouldShowErrorMessage() const override { return false; }
 
-    void paint(QPainter *painter) override;
-
 protected:
     void modelDidChange() override;
     void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
+    void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
 
 private:
     void buildRows();
@@ -121,12 +111,15 @@ private:
     void tellDelegateOfCountry();
     void reportValueChanged();
     void placePopup();
+    void layOutLabel();
+    void castShadow();
 
     const std::shared_ptr<const OSTPickerDescription> m_description;
     QMarginsF m_contentInsets;
-    QString m_choiceText;
-    QString m_country;
-    QString m_countryCode;
+    OSTQuickImage *const m_background; // child items
+    OSTQuickLabel *const m_textLabel;
+    OSTQuickShadow *m_shadow = nullptr; // child item; null without "objectShadow"
+    OSTPickerRowModel m_rows; // the country and custom rows
     // The date kind: the bounds, whether a row is a day or a minute of the current day, and the
     // date the wheel stands at.
     QDateTime m_minimumDate;

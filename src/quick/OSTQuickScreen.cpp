@@ -9,17 +9,23 @@
 #include "quick/OSTQuickButton.h"
 #include "quick/OSTQuickElement.h"
 #include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickImagePickerButton.h"
 #include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickLoadingOverlay.h"
+#include "quick/OSTQuickPicker.h"
 #include "quick/OSTQuickSwitch.h"
+#include "quick/OSTQuickTextField.h"
 #include "screen/OSTButtonDescription.h"
 #include "screen/OSTImageDescription.h"
 #include "screen/OSTLabelDescription.h"
+#include "screen/OSTPickerDescription.h"
 #include "screen/OSTScreenDocument.h"
 #include "screen/OSTScreenVocabulary.h"
 #include "screen/OSTSwitchDescription.h"
+#include "screen/OSTTextFieldDescription.h"
 
 #include <QGuiApplication>
+#include <QInputMethod>
 #include <QMouseEvent>
 #include <QQuickWindow>
 #include <QStyleHints>
@@ -36,6 +42,7 @@ namespace ostrel {
 namespace {
 
 const QString &errorMessageKey = OSTScreenVocabulary::errorMessageKey;
+const QString inputsCategory = u"inputs"_s;
 constexpr int errorAnimationMilliseconds = 250;
 const QString errorAnimationName = u"errorLayoutMove"_s;
 // Points a wheel notch scrolls: three lines of twenty.
@@ -101,10 +108,12 @@ bool OSTQuickScreen::loadScreen(UnresolvedLayout unresolved)
         fireCompletion(false);
         return false;
     }
-    m_page->setRelayoutHandler(this, [this] { reframeItems(false); });
+    m_page->setRelayoutHandler(this, [this] { reframeItems(Move::Immediate); });
     setSize(m_page->layoutSize());
     buildPage();
-    m_page->build([] {}, [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+    m_page->build([this] { loadSelectionGroups(); },
+                  [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+    connectInputs();
     stackPage();
     fillGroups();
     m_page->finishBuilding();
@@ -163,7 +172,9 @@ QQuickItem *OSTQuickScreen::buildItem(const std::shared_ptr<const OSTElementDesc
     case OSTElementKind::Switch:
         return buildSwitch(element, frame);
     case OSTElementKind::TextField:
+        return buildTextField(element, frame);
     case OSTElementKind::Picker:
+        return buildPicker(element, frame);
     case OSTElementKind::Shape:
     case OSTElementKind::Group:
         break;
@@ -203,7 +214,9 @@ QQuickItem *OSTQuickScreen::buildButton(const std::shared_ptr<const OSTElementDe
         OSTLogging::logWarning(u"Button %1 has no \"states\" object and is left out"_s, description->key());
         return nullptr;
     }
-    auto *button = new OSTQuickButton(frame, description, m_content);
+    OSTQuickButton *button = description->kind() == OSTElementKind::PictureButton
+        ? OSTQuickImagePickerButton::create(frame, description, m_content)
+        : new OSTQuickButton(frame, description, m_content);
     for (OSTQuickImage *background :
          {button->normalBackground(), button->highlightedBackground(), button->disabledBackground()}) {
         if (background)
@@ -220,6 +233,71 @@ QQuickItem *OSTQuickScreen::buildSwitch(const std::shared_ptr<const OSTElementDe
     connect(toggle, &OSTQuickSwitch::tapped, this, &OSTQuickScreen::switchTapped);
     m_validationItems.insert(element->key(), toggle);
     return toggle;
+}
+
+QQuickItem *OSTQuickScreen::buildTextField(const std::shared_ptr<const OSTElementDescription> &element,
+                                           const QRect &frame)
+{
+    auto *field = new OSTQuickTextField(QRectF(frame), std::static_pointer_cast<const OSTTextFieldDescription>(element),
+                                        m_content);
+    m_validationItems.insert(element->key(), field);
+    return field;
+}
+
+QQuickItem *OSTQuickScreen::buildPicker(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame)
+{
+    auto *picker = new OSTQuickPicker(QRectF(frame), std::static_pointer_cast<const OSTPickerDescription>(element),
+                                      m_content);
+    watchRequiredImages(picker->backgroundItem());
+    m_validationItems.insert(element->key(), picker);
+    return picker;
+}
+
+void OSTQuickScreen::loadSelectionGroups()
+{
+    for (const auto &description : screenDocument().selectionGroups()) {
+        auto *group = new OSTSelectionGroup(description, this);
+        group->setDelegate(this);
+        // Member buttons answer to their group, not on their own.
+        QList<OSTSelectionGroupMember *> members;
+        for (const QString &memberKey : group->elementKeys()) {
+            if (auto *button = qobject_cast<OSTQuickButton *>(m_items.value(memberKey))) {
+                members.append(button);
+                m_validationItems.remove(memberKey);
+            }
+        }
+        group->setElements(members);
+        m_validationItems.insert(description->key(), group);
+    }
+}
+
+// The inputs in input order: each returns to the screen and hands on to the next; the last
+// country picker fills in the calling code of the last phone-number field.
+void OSTQuickScreen::connectInputs()
+{
+    QList<OSTQuickInput *> inputs;
+    OSTQuickPicker *countryPicker = nullptr;
+    OSTQuickTextField *phoneField = nullptr;
+    for (const auto &element : screenDocument().elements(inputsCategory)) {
+        QQuickItem *item = m_items.value(element->key());
+        OSTQuickInput *input = nullptr;
+        if (auto *picker = qobject_cast<OSTQuickPicker *>(item)) {
+            if (picker->type() == OSTPickerTypeCountryCode)
+                countryPicker = picker;
+            input = picker;
+        } else if (auto *field = qobject_cast<OSTQuickTextField *>(item)) {
+            if (field->type() == OSTTextFieldTypePhoneNumber || field->type() == OSTTextFieldTypePhoneNumberValidated)
+                phoneField = field;
+            input = field;
+        }
+        if (!input)
+            continue;
+        input->setReturnHandler([this](OSTQuickInput &returned) { inputDidTapReturn(returned); });
+        inputs.append(input);
+    }
+    OSTQuickInput::chainInputs(inputs);
+    if (countryPicker && phoneField)
+        countryPicker->setDelegate(phoneField);
 }
 
 void OSTQuickScreen::stackPage()
@@ -298,6 +376,42 @@ void OSTQuickScreen::switchTapped()
     OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*screen()));
 }
 
+void OSTQuickScreen::selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
+                                                const std::shared_ptr<const OSTAction> &action)
+{
+    const OSTInternalEvent::SelectionGroupTap tap{group.name(), buttonName,
+                                                  group.valueForElementWithKey(buttonName).toString(),
+                                                  action ? action->name() : QString()};
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSelectionGroup(tap, *screen()));
+}
+
+bool OSTQuickScreen::selectionGroupShouldHandleAction(OSTSelectionGroup &, const std::shared_ptr<const OSTAction> &action)
+{
+    m_model->handleAction(action);
+    return true;
+}
+
+void OSTQuickScreen::inputDidTapReturn(OSTQuickInput &input)
+{
+    const auto *field = qobject_cast<const OSTQuickTextField *>(&input.inputItem());
+    if (!field)
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForPickerReturn(*screen()));
+    else if (field->type() == OSTTextFieldTypePhoneNumberPin && autoSubmits(*field))
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldPINMatch(*screen()));
+    else
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldReturn(*screen()));
+    m_model->goToNextScreen();
+}
+
+bool OSTQuickScreen::autoSubmits(const OSTQuickTextField &field) const
+{
+    for (const auto &element : screenDocument().elements(inputsCategory)) {
+        if (element->key() == field.name() && element->kind() == OSTElementKind::TextField)
+            return static_cast<const OSTTextFieldDescription &>(*element).autoSubmits();
+    }
+    return false;
+}
+
 void OSTQuickScreen::tapRecognized()
 {
     if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
@@ -349,14 +463,43 @@ void OSTQuickScreen::wheelEvent(QWheelEvent *event)
 
 // --- Geometry -----------------------------------------------------------------------------------
 
-int OSTQuickScreen::contentHeight() const
+int OSTQuickScreen::lowestScrollingEdge() const
 {
-    int lowestEdge = OSTScreenPage::roundedEdge(height());
+    int lowestEdge = 0;
     for (auto item = m_items.cbegin(); item != m_items.cend(); ++item) {
         if (m_page->isScrolling(item.key()) && item.value()->isVisible())
             lowestEdge = std::max(lowestEdge, frameOf(*item.value()).bottom() + 1);
     }
     return lowestEdge;
+}
+
+int OSTQuickScreen::contentHeight() const
+{
+    return std::max(OSTScreenPage::roundedEdge(height()) + m_keyboardInset, lowestScrollingEdge());
+}
+
+void OSTQuickScreen::keyboardWillShow(double keyboardHeight)
+{
+    const int inset = OSTScreenPage::roundedEdge(keyboardHeight);
+    if (lowestScrollingEdge() <= OSTScreenPage::roundedEdge(height()) - inset)
+        return;
+    m_keyboardInset = inset;
+    resizeContent();
+}
+
+void OSTQuickScreen::keyboardWillHide()
+{
+    m_keyboardInset = 0;
+    resizeContent();
+}
+
+void OSTQuickScreen::updateKeyboard()
+{
+    QInputMethod *inputMethod = QGuiApplication::inputMethod();
+    if (inputMethod->isVisible() && inputMethod->keyboardRectangle().height() > 0)
+        keyboardWillShow(inputMethod->keyboardRectangle().height());
+    else
+        keyboardWillHide();
 }
 
 void OSTQuickScreen::scrollTo(int offset)
@@ -381,26 +524,26 @@ QRect OSTQuickScreen::geometryForKey(const QString &key) const
     return geometry;
 }
 
-void OSTQuickScreen::reframeItems(bool animated)
+void OSTQuickScreen::reframeItems(Move move)
 {
     for (auto item = m_items.cbegin(); item != m_items.cend(); ++item) {
         // A move still running towards an older layout would otherwise finish after this one.
         stopMoving(*item.value());
         const QRect geometry = geometryForKey(item.key());
-        if (!animated || frameOf(*item.value()) == geometry) {
+        if (move == Move::Immediate || frameOf(*item.value()) == geometry) {
             place(*item.value(), geometry);
             continue;
         }
         QQuickItem *target = item.value();
-        auto *move = new QVariantAnimation(target);
-        move->setObjectName(errorAnimationName);
-        move->setDuration(errorAnimationMilliseconds);
-        move->setEasingCurve(QEasingCurve::OutCubic);
-        move->setStartValue(frameOf(*target));
-        move->setEndValue(geometry);
-        connect(move, &QVariantAnimation::valueChanged, target,
+        auto *animation = new QVariantAnimation(target);
+        animation->setObjectName(errorAnimationName);
+        animation->setDuration(errorAnimationMilliseconds);
+        animation->setEasingCurve(QEasingCurve::OutCubic);
+        animation->setStartValue(frameOf(*target));
+        animation->setEndValue(geometry);
+        connect(animation, &QVariantAnimation::valueChanged, target,
                 [target](const QVariant &frame) { place(*target, frame.toRect()); });
-        move->start(QAbstractAnimation::DeleteWhenStopped);
+        animation->start(QAbstractAnimation::DeleteWhenStopped);
     }
     resizeContent();
 }
@@ -460,7 +603,7 @@ void OSTQuickScreen::showErrorMessage(const QString &message)
     const OSTScreenDocument &document = screenDocument();
     m_errorLabel->customize(m_page->showsError() ? *document.errorMessageWhileShowing() : *document.errorMessage());
     m_errorLabel->setText(message);
-    reframeItems(true);
+    reframeItems(Move::Animated);
 }
 
 void OSTQuickScreen::showLoadingOverlay()
@@ -478,11 +621,22 @@ void OSTQuickScreen::hideLoadingOverlay()
 
 void OSTQuickScreen::screenDidAppear()
 {
+    QInputMethod *inputMethod = QGuiApplication::inputMethod();
+    if (!m_keyboardVisibility) {
+        m_keyboardVisibility = connect(inputMethod, &QInputMethod::visibleChanged, this,
+                                       &OSTQuickScreen::updateKeyboard);
+        m_keyboardGeometry = connect(inputMethod, &QInputMethod::keyboardRectangleChanged, this,
+                                     &OSTQuickScreen::updateKeyboard);
+    }
     m_model->screenDidAppear();
 }
 
 void OSTQuickScreen::screenDidDisappear()
 {
+    QObject::disconnect(m_keyboardVisibility);
+    QObject::disconnect(m_keyboardGeometry);
+    m_keyboardVisibility = {};
+    m_keyboardGeometry = {};
     if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
         focused->setFocus(false);
 }

@@ -3,6 +3,7 @@
 #include "model/OSTScreenModel.h"
 #include "model/OSTScreenModelView.h"
 #include "model/OSTScreenPage.h"
+#include "model/OSTSelectionGroup.h"
 
 #include <QMap>
 #include <QPointF>
@@ -15,12 +16,15 @@
 
 namespace ostrel {
 
+class OSTAction;
 class OSTElementDescription;
 class OSTQuickButton;
 class OSTQuickElement;
 class OSTQuickImage;
+class OSTQuickInput;
 class OSTQuickLabel;
 class OSTQuickLoadingOverlay;
+class OSTQuickTextField;
 
 // One screen of a flow drawn by Qt Quick, the counterpart of the widget screen controller and
 // screen view: an item per element of its page (OSTScreenPage: the document, the layout and where
@@ -35,8 +39,9 @@ class OSTQuickLoadingOverlay;
 // Lives on the GUI thread; owns its screen model and page. A screen made with a completion
 // belongs to the completion's receiver once it succeeded; on failure it deletes itself after
 // calling the completion with null. Element items are its descendants.
-class OSTQuickScreen final : public QQuickItem, private OSTScreenModelView {
+class OSTQuickScreen final : public QQuickItem, public OSTSelectionGroupDelegate, private OSTScreenModelView {
     Q_OBJECT
+    Q_INTERFACES(ostrel::OSTSelectionGroupDelegate)
 
 public:
     using Environment = OSTScreenModel::Environment;
@@ -61,16 +66,28 @@ public:
     const QMap<QString, QQuickItem *> &items() const { return m_items; }
     // The item the page's elements lie on; it moves up as the screen scrolls.
     QQuickItem *contentItem() const { return m_content; }
-    OSTQuickLoadingOverlay *loadingOverlay() const { return m_loadingOverlay; }
 
-    // The experience shows the screen (after its slide) or took it away.
+    // The experience shows the screen (after its slide) or took it away. While shown, the screen
+    // follows the on-screen keyboard of the input method.
     void screenDidAppear();
     void screenDidDisappear();
 
-    // How far the content is scrolled up, between 0 and the content's height beyond the item's.
+    // An on-screen keyboard of `height` points covers the bottom of the item: when an element that
+    // scrolls ends below the keyboard's top, the page can scroll by the keyboard's height.
+    void keyboardWillShow(double keyboardHeight);
+    void keyboardWillHide();
+
+    // How far the content is scrolled up, between 0 and the content's height beyond the item's:
+    // the lowest scrolling element's bottom, or the item's height with the keyboard's below it.
     int scrollOffset() const { return m_page->scrollOffset(); }
     void scrollTo(int offset);
     int contentHeight() const;
+
+    // OSTSelectionGroupDelegate
+    void selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
+                                    const std::shared_ptr<const OSTAction> &action) override;
+    bool selectionGroupShouldHandleAction(OSTSelectionGroup &group,
+                                          const std::shared_ptr<const OSTAction> &action) override;
 
 protected:
     void geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry) override;
@@ -93,6 +110,10 @@ private:
     QQuickItem *buildLabel(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
     QQuickItem *buildButton(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
     QQuickItem *buildSwitch(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    QQuickItem *buildTextField(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    QQuickItem *buildPicker(const std::shared_ptr<const OSTElementDescription> &element, const QRect &frame);
+    void connectInputs();
+    void loadSelectionGroups();
     void hideReplacedItem(const QString &key);
     void stackPage();
     void fillGroups();
@@ -102,11 +123,17 @@ private:
     void requiredImageFinished();
     void buttonTapped(OSTQuickButton *button);
     void switchTapped();
+    void inputDidTapReturn(OSTQuickInput &input);
+    // Whether a PIN field sends a complete PIN on its own.
+    bool autoSubmits(const OSTQuickTextField &field) const;
     void tapRecognized();
 
+    enum class Move { Immediate, Animated };
     QRect geometryForKey(const QString &key) const;
-    void reframeItems(bool animated);
+    void reframeItems(Move move);
     void resizeContent();
+    int lowestScrollingEdge() const;
+    void updateKeyboard();
 
     // OSTScreenModelView
     const OSTScreenDocument &screenDocument() const override;
@@ -129,6 +156,9 @@ private:
     std::optional<QPointF> m_pressPosition;            // a press on the page, in the screen's coordinates
     int m_pressOffset = 0;                             // the scroll offset when it began
     bool m_dragging = false;
+    int m_keyboardInset = 0;
+    QMetaObject::Connection m_keyboardVisibility;
+    QMetaObject::Connection m_keyboardGeometry;
 };
 
 } // namespace ostrel

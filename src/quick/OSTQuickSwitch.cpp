@@ -1,9 +1,12 @@
 #include "quick/OSTQuickSwitch.h"
 
 #include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickAccessibility.h"
 #include "screen/OSTSwitchDescription.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPalette>
 #include <QMouseEvent>
 #include <QPropertyAnimation>
 
@@ -20,15 +23,19 @@ constexpr int slideMilliseconds = 200;
 } // namespace
 
 OSTQuickSwitch::OSTQuickSwitch(const QRect &frame, const OSTSwitchDescription &description, QQuickItem *parent)
-    : OSTQuickElement(frameInBox(frame), description, parent), m_slide(new QPropertyAnimation(this, "thumbPosition", this)),
-      m_onTintColor(description.onTintColor()), m_tintColor(description.tintColor()),
-      m_thumbTintColor(description.thumbTintColor())
+    : OSTQuickElement(frameInBox(frame), description, parent),
+      m_slide(new QPropertyAnimation(this, "thumbPosition", this))
 {
+    m_switchPainter.setOnTintColor(description.onTintColor());
+    m_switchPainter.setTintColor(description.tintColor());
+    m_switchPainter.setThumbTintColor(description.thumbTintColor());
     m_slide->setDuration(slideMilliseconds);
     m_slide->setEasingCurve(QEasingCurve::InOutQuad);
     setAcceptedMouseButtons(Qt::LeftButton);
     setActiveFocusOnTab(true);
     setOn(description.isInitiallyOn(), Animation::Immediate);
+    OSTQuickAccessibility::describe(*this, QAccessible::CheckBox,
+                                    description.accessibilityLabel().value_or(description.key()));
 }
 
 QRect OSTQuickSwitch::frameInBox(const QRect &box)
@@ -91,7 +98,15 @@ void OSTQuickSwitch::updateModelValidity()
 
 void OSTQuickSwitch::paintContent(QPainter &painter)
 {
-    OSTQuickElement::paintContent(painter);
+    const QColor focusColor = hasActiveFocus() ? QGuiApplication::palette().color(QPalette::Highlight) : QColor();
+    m_switchPainter.paint(painter, size(), m_thumbPosition, focusColor);
+}
+
+void OSTQuickSwitch::itemChange(ItemChange change, const ItemChangeData &value)
+{
+    OSTQuickElement::itemChange(change, value);
+    if (change == ItemActiveFocusHasChanged)
+        update();
 }
 
 void OSTQuickSwitch::mousePressEvent(QMouseEvent *event)

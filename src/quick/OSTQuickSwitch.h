@@ -1,9 +1,8 @@
 #pragma once
 
 #include "model/OSTValidationItem.h"
+#include "paint/OSTSwitchPainter.h"
 #include "quick/OSTQuickElement.h"
-
-#include <QColor>
 
 class QPropertyAnimation;
 
@@ -52,6 +51,7 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void itemChange(ItemChange change, const ItemChangeData &value) override;
 
 private:
     enum class Animation { Animated, Immediate };
@@ -61,9 +61,7 @@ private:
     QPropertyAnimation *const m_slide; // child
     bool m_on = false;
     qreal m_thumbPosition = 0;
-    QColor m_onTintColor;
-    QColor m_tintColor;
-    QColor m_thumbTintColor;
+    OSTSwitchPainter m_switchPainter;
 };
 
 } // namespace ostrel

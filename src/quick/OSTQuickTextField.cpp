@@ -1,9 +1,11 @@
 #include "quick/OSTQuickTextField.h"
 
-#include "core/OSTRegularExpression.h"
-#include "model/OSTPhoneNumberFormatter.h"
-#include "model/OSTPhoneNumberManager.h"
 #include "model/OSTValidationItemModel.h"
+#include "paint/OSTBoxPainter.h"
+#include "paint/OSTTextFieldLayout.h"
+#include "quick/OSTQuickAccessibility.h"
+#include "quick/OSTQuickLabel.h"
+#include "quick/OSTQuickShadow.h"
 #include "quick/OSTQuickToolbar.h"
 
 #include <QClipboard>
@@ -27,46 +29,10 @@ namespace {
 constexpr qreal defaultLeftInset = 10;
 constexpr qreal clearButtonRightInset = 16;
 constexpr qreal caretWidth = 1;
+// The widget field's line edit keeps this much free on either side of its text.
+constexpr qreal textSideMargin = 2;
 // What a secure field shows for each character.
 constexpr QChar maskCharacter(0x25CF);
-
-bool isPhoneType(OSTTextFieldType type)
-{
-    return type == OSTTextFieldTypePhoneNumber || type == OSTTextFieldTypePhoneNumberValidated;
-}
-
-Qt::InputMethodHints keyboardHintsOf(UIKeyboardType keyboard)
-{
-    switch (keyboard) {
-    case UIKeyboardTypeNumberPad:
-        return Qt::ImhDigitsOnly;
-    case UIKeyboardTypePhonePad:
-    case UIKeyboardTypeNamePhonePad:
-        return Qt::ImhDialableCharactersOnly;
-    case UIKeyboardTypeDecimalPad:
-        return Qt::ImhFormattedNumbersOnly;
-    case UIKeyboardTypeEmailAddress:
-        return Qt::ImhEmailCharactersOnly;
-    case UIKeyboardTypeURL:
-    case UIKeyboardTypeWebSearch:
-        return Qt::ImhUrlCharactersOnly;
-    case UIKeyboardTypeASCIICapable:
-        return Qt::ImhLatinOnly;
-    default:
-        break;
-    }
-    return Qt::ImhNone;
-}
-
-// `font` scaled by `factor`, in the unit it was sized in.
-QFont scaledFont(QFont font, qreal factor, qreal minimumPixelSize)
-{
-    if (font.pixelSize() > 0)
-        font.setPixelSize(int(std::max(minimumPixelSize, std::floor(font.pixelSize() * factor))));
-    else
-        font.setPointSizeF(std::max(minimumPixelSize, font.pointSizeF() * factor));
-    return font;
-}
 
 bool isTypedText(const QKeyEvent &event)
 {
@@ -81,15 +47,20 @@ OSTQuickTextField::OSTQuickTextField(const QRectF &frame, std::shared_ptr<const 
                                      QQuickItem *parent)
     : QQuickPaintedItem(parent),
       OSTQuickInput(*this, description->inputOrder()),
-      m_description(std::move(description))
+      m_description(std::move(description)),
+      m_rules(m_description),
+      m_alignment(OSTTextFieldLayout::fieldAlignment(*m_description))
 {
     setPosition(frame.topLeft());
     setSize(frame.size());
     setAcceptedMouseButtons(Qt::LeftButton);
     setFlag(ItemAcceptsInputMethod);
+    setAntialiasing(true);
     setActiveFocusOnTab(true);
     setOpacity(m_description->fieldAlpha());
+    buildPlaceholder();
     buildToolbar();
+    describeForAccessibility();
     updateView();
     replaceText(m_description->initialText());
 }
@@ -107,27 +78,27 @@ void OSTQuickTextField::buildToolbar()
     m_toolbar->setDoneBlock([this] { textFieldShouldReturn(); });
 }
 
-bool OSTQuickTextField::isSecure() const
+void OSTQuickTextField::buildPlaceholder()
 {
-    return m_description->isSecureTextEntry() || type() == OSTTextFieldTypePassword;
+    if (const std::shared_ptr<const OSTLabelDescription> &placeholder = m_description->placeholder())
+        m_placeholderLabel = new OSTQuickLabel(QRect(QPoint(), size().toSize()), *placeholder, this);
 }
 
-Qt::InputMethodHints OSTQuickTextField::inputMethodHints() const
+void OSTQuickTextField::describeForAccessibility()
 {
-    const OSTTextFieldType fieldType = type();
-    UIKeyboardType keyboard = m_description->keyboardType();
-    if (isPhoneType(fieldType) || fieldType == OSTTextFieldTypePhoneNumberPin)
-        keyboard = UIKeyboardTypePhonePad;
-    Qt::InputMethodHints hints = keyboardHintsOf(keyboard);
-    if (fieldType == OSTTextFieldTypePhoneNumberPin)
-        hints = Qt::ImhDigitsOnly;
-    if (m_description->autocapitalizationType() == UITextAutocapitalizationTypeNone)
-        hints |= Qt::ImhNoAutoUppercase;
-    if (m_description->autocorrectionType() == UITextAutocorrectionTypeNo)
-        hints |= Qt::ImhNoPredictiveText;
-    if (isSecure())
-        hints |= Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText;
-    return hints;
+    // Named by its placeholder, else by its accessibility label, else by its key.
+    const QString placeholderText = m_placeholderLabel ? m_placeholderLabel->text() : QString();
+    OSTQuickAccessibility::describe(*this, QAccessible::EditableText,
+                                    !placeholderText.isEmpty() ? placeholderText
+                                                               : m_description->accessibilityLabel().value_or(name()));
+}
+
+void OSTQuickTextField::layOutPlaceholder()
+{
+    if (!m_placeholderLabel)
+        return;
+    m_placeholderLabel->setFrame(boundingRect().marginsRemoved(m_contentInsets).toRect());
+    m_placeholderLabel->setVisible(isPlaceholderShown());
 }
 
 bool OSTQuickTextField::showsInvalidLook() const
@@ -138,7 +109,7 @@ bool OSTQuickTextField::showsInvalidLook() const
 
 bool OSTQuickTextField::isPlaceholderShown() const
 {
-    return m_description->placeholder() && m_text.isEmpty() && m_preedit.isEmpty();
+    return m_placeholderLabel && m_text.isEmpty() && m_preedit.isEmpty();
 }
 
 QColor OSTQuickTextField::textColor() const
@@ -158,19 +129,28 @@ void OSTQuickTextField::updateView()
     // field is valid again.
     m_textFont = state.textLook.font.value_or(QGuiApplication::font());
     m_textFont.setUnderline(state.textLook.underlined);
+    // A state's alignment word holds until another state's replaces it, as in the widget field.
+    if (state.alignmentWord)
+        m_alignment = OSTTextFieldLayout::horizontalAlignmentOfWord(*state.alignmentWord) | (m_alignment & Qt::AlignVertical_Mask);
+    castShadow(state);
     fitTextToWidth();
+    layOutPlaceholder();
     update();
+}
+
+void OSTQuickTextField::castShadow(const OSTTextFieldDescription::StateLook &state)
+{
+    if (m_shadow && (!state.shadow || m_shadow->shadow() != *state.shadow))
+        delete m_shadow;
+    if (state.shadow && !m_shadow)
+        m_shadow = new OSTQuickShadow(*state.shadow, this);
+    if (m_shadow)
+        m_shadow->setCornerRadius(OSTBoxPainter(state.box).cornerRadius(size()));
 }
 
 void OSTQuickTextField::fitTextToWidth()
 {
-    m_fittedFont = m_textFont;
-    if (m_description->adjustsFontSizeToFitWidth()) {
-        const qreal available = textRect().width();
-        const qreal natural = QFontMetricsF(m_textFont).horizontalAdvance(displayText());
-        if (natural > available && available > 0)
-            m_fittedFont = scaledFont(m_textFont, available / natural, std::max<qreal>(m_description->minimumFontSize(), 1));
-    }
+    m_fittedFont = OSTTextFieldLayout::fittedFont(*m_description, m_textFont, displayText(), textRect().width());
     scrollCaretIntoView();
 }
 
@@ -181,19 +161,12 @@ QString OSTQuickTextField::displayText() const
 
 void OSTQuickTextField::setCursorPosition(qsizetype position, CaretMove move)
 {
-    m_cursor = caretOutOfPrefix(std::clamp<qsizetype>(position, 0, m_text.size()));
+    m_cursor = m_rules.allowedCursor(m_text, std::clamp<qsizetype>(position, 0, m_text.size()));
     if (move == CaretMove::Move)
         m_anchor = m_cursor;
     scrollCaretIntoView();
     updateInputMethod(Qt::ImCursorPosition | Qt::ImAnchorPosition | Qt::ImCursorRectangle | Qt::ImCurrentSelection);
     update();
-}
-
-qsizetype OSTQuickTextField::caretOutOfPrefix(qsizetype position) const
-{
-    if (m_beginningCaretOffset > 0 && position < m_beginningCaretOffset && m_text.size() >= m_beginningCaretOffset)
-        return m_beginningCaretOffset;
-    return position;
 }
 
 QString OSTQuickTextField::selectedText() const
@@ -211,28 +184,12 @@ void OSTQuickTextField::selectAll()
 void OSTQuickTextField::replaceText(const QString &text)
 {
     const QString old = m_text;
-    m_text = text.isNull() ? QString() : finalizedTextFromText(text);
+    m_text = text.isNull() ? QString() : m_rules.finalizedText(text);
     m_cursor = m_anchor = m_text.size();
     if (m_text != old)
         textFieldDidChange();
     updateInputMethod(Qt::ImQueryAll);
     update();
-}
-
-QString OSTQuickTextField::finalizedTextFromText(const QString &text) const
-{
-    if (m_formattingBlock)
-        return m_formattingBlock(text, FormattingMode::Formatted);
-    return maxLength() >= 1 ? text.left(maxLength()) : text;
-}
-
-void OSTQuickTextField::setFormattingBlock(FormattingBlock block)
-{
-    QString raw = m_text;
-    if (m_formattingBlock && !raw.isEmpty())
-        raw = m_formattingBlock(raw, FormattingMode::Raw);
-    m_formattingBlock = std::move(block);
-    replaceText(raw);
 }
 
 void OSTQuickTextField::insert(const QString &text)
@@ -244,31 +201,11 @@ void OSTQuickTextField::insert(const QString &text)
 void OSTQuickTextField::userEdited(qsizetype start, qsizetype length, const QString &replacement)
 {
     const QString proposed = QString(m_text).replace(start, length, replacement);
-    const qsizetype caret = start + replacement.size();
-    if (m_formattingBlock) {
-        const bool caretWasAtEnd = caret == proposed.size();
-        m_text = finalizedTextFromText(proposed);
-        m_cursor = m_anchor = m_text.size();
-        if (!caretWasAtEnd)
-            placeCaretAfterFormatting(start, length, replacement);
-    } else {
-        m_text = maxLength() >= 1 ? proposed.left(maxLength()) : proposed;
-        m_cursor = m_anchor = std::min(caret, m_text.size());
-    }
-    setCursorPosition(m_cursor);
+    const OSTTextInputRules::Edit result = m_rules.editResult(m_text, proposed, start + replacement.size());
+    m_text = result.text;
+    setCursorPosition(result.cursor);
     textFieldDidChange();
     updateInputMethod(Qt::ImSurroundingText);
-}
-
-void OSTQuickTextField::placeCaretAfterFormatting(qsizetype start, qsizetype replacedLength, const QString &replacement)
-{
-    const qsizetype base = replacement.size() >= replacedLength ? start + replacement.size() : start;
-    qsizetype skip = 0;
-    for (qsizetype index = 0; index < replacement.size(); ++index) {
-        while (start + index + skip < m_text.size() && m_text.at(start + index + skip) != replacement.at(index))
-            ++skip;
-    }
-    m_cursor = m_anchor = std::min(base + skip, m_text.size());
 }
 
 void OSTQuickTextField::removeSelection()
@@ -319,6 +256,7 @@ void OSTQuickTextField::paste()
 void OSTQuickTextField::textFieldDidChange()
 {
     fitTextToWidth();
+    layOutPlaceholder();
     validate();
     if (const std::shared_ptr<OSTValidationItemModel> itemModel = model())
         itemModel->valueChanged();
@@ -330,32 +268,21 @@ void OSTQuickTextField::validate()
     const std::shared_ptr<OSTValidationItemModel> itemModel = model();
     if (!itemModel)
         return;
-    if (type() == OSTTextFieldTypePhoneNumberPin) {
-        itemModel->setValid(OSTPhoneNumberManager::sharedManager().validatePIN(m_text));
-        return;
-    }
-    const bool hasContent = itemModel->isOptional() || !m_text.isEmpty();
-    // Compared as unsigned: a negative minimum can never be reached.
-    const bool lengthOK = !hasContent || quint64(m_text.size()) >= quint64(qint64(m_description->minLength()));
-    bool valid = false;
-    if (hasContent && lengthOK)
-        valid = m_description->validationPattern().isEmpty()
-            || OSTRegularExpression(m_description->validationPattern()).numberOfMatches(m_text) == 1;
-    itemModel->setValid(valid);
+    const auto requirement = itemModel->isOptional() ? OSTTextInputRules::Requirement::Optional
+                                                     : OSTTextInputRules::Requirement::Required;
+    itemModel->setValid(m_rules.isValid(m_text, requirement));
 }
 
 QVariant OSTQuickTextField::value() const
 {
-    if (m_text.isEmpty())
-        return {};
-    return isPhoneType(type()) ? OSTPhoneNumberFormatter::normalizedPhoneNumber(m_text) : m_text;
+    return m_rules.valueOf(m_text);
 }
 
 void OSTQuickTextField::setValue(const QVariant &value)
 {
     if (value.metaType() != QMetaType::fromType<QString>())
         return;
-    m_text = finalizedTextFromText(value.toString());
+    m_text = m_rules.finalizedText(value.toString());
     m_cursor = m_anchor = m_text.size();
     m_shouldShowInvalidState = true;
     updateView();
@@ -370,16 +297,14 @@ void OSTQuickTextField::validityChanged()
         textFieldShouldReturn();
 }
 
-void OSTQuickTextField::pickerDidChangeCountry(OSTQuickPicker &picker, const QString &country, const QString &code)
+void OSTQuickTextField::pickerDidChangeCountry(OSTPickerType pickerType, const QString &country, const QString &code)
 {
-    if (picker.type() != OSTPickerTypeCountryCode || !isPhoneType(type()))
+    if (pickerType != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
         return;
-    m_beginningCaretOffset = code.size() + 1;
-    setFormattingBlock([code, country](const QString &text, FormattingMode mode) {
-        return OSTPhoneNumberFormatter::liveFormattedPhoneNumber(
-            text, code, country, mode == FormattingMode::Raw ? OSTPhoneNumberFormatter::Mode::Raw
-                                                             : OSTPhoneNumberFormatter::Mode::Formatted);
-    });
+    // The current text formatted again under the new calling code.
+    const QString raw = m_rules.rawText(m_text);
+    m_rules.formatForCountry(country, code);
+    replaceText(raw);
 }
 
 void OSTQuickTextField::textFieldShouldReturn()
@@ -389,7 +314,7 @@ void OSTQuickTextField::textFieldShouldReturn()
 
 QRectF OSTQuickTextField::textRect() const
 {
-    return boundingRect().marginsRemoved(m_contentInsets);
+    return boundingRect().marginsRemoved(m_contentInsets).adjusted(textSideMargin, 0, -textSideMargin, 0);
 }
 
 qreal OSTQuickTextField::textOriginX() const
@@ -398,12 +323,22 @@ qreal OSTQuickTextField::textOriginX() const
     const qreal textWidth = QFontMetricsF(m_fittedFont).horizontalAdvance(displayText() + m_preedit);
     if (textWidth > box.width())
         return box.left() - m_scroll;
-    const Qt::Alignment alignment = Qt::AlignLeft; // replaced by the description's alignment below
-    if (alignment & Qt::AlignRight)
+    if (m_alignment & Qt::AlignRight)
         return box.right() - textWidth;
-    if (alignment & Qt::AlignHCenter)
+    if (m_alignment & Qt::AlignHCenter)
         return box.left() + (box.width() - textWidth) / 2;
     return box.left();
+}
+
+qreal OSTQuickTextField::baselineY() const
+{
+    const QRectF box = textRect();
+    const QFontMetricsF metrics(m_fittedFont);
+    if (m_alignment & Qt::AlignTop)
+        return box.top() + metrics.ascent();
+    if (m_alignment & Qt::AlignBottom)
+        return box.bottom() - metrics.descent();
+    return box.top() + (box.height() - metrics.height()) / 2 + metrics.ascent();
 }
 
 qreal OSTQuickTextField::caretX(qsizetype position) const
@@ -454,7 +389,7 @@ QVariant OSTQuickTextField::inputMethodQuery(Qt::InputMethodQuery query) const
     case Qt::ImEnabled:
         return isEnabled();
     case Qt::ImHints:
-        return int(inputMethodHints());
+        return int(m_rules.inputMethodHints());
     case Qt::ImFont:
         return m_fittedFont;
     case Qt::ImCursorRectangle: {
@@ -474,7 +409,7 @@ QVariant OSTQuickTextField::inputMethodQuery(Qt::InputMethodQuery query) const
     case Qt::ImCurrentSelection:
         return isSecure() ? QString() : selectedText();
     case Qt::ImMaximumTextLength:
-        return maxLength() >= 1 && !m_formattingBlock ? QVariant(maxLength()) : QVariant();
+        return maxLength() >= 1 && !m_rules.hasFormatter() ? QVariant(maxLength()) : QVariant();
     case Qt::ImEnterKeyType:
         return nextInput() ? Qt::EnterKeyNext : Qt::EnterKeyDone;
     default:
@@ -496,6 +431,7 @@ void OSTQuickTextField::inputMethodEvent(QInputMethodEvent *event)
     }
     m_preedit = event->preeditString();
     scrollCaretIntoView();
+    layOutPlaceholder();
     update();
     event->accept();
 }
@@ -589,33 +525,36 @@ void OSTQuickTextField::mouseMoveEvent(QMouseEvent *event)
 void OSTQuickTextField::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
 {
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    castShadow(showsInvalidLook() ? m_description->invalidLook() : m_description->normalLook());
     fitTextToWidth();
+    layOutPlaceholder();
 }
 
 void OSTQuickTextField::paint(QPainter *painter)
 {
+    const OSTTextFieldDescription::StateLook &state =
+        showsInvalidLook() ? m_description->invalidLook() : m_description->normalLook();
+    OSTBoxPainter(state.box).paint(*painter, size());
+
     const QRectF box = textRect();
-    painter->save();
-    painter->setClipRect(box);
-    if (isPlaceholderShown()) {
-        painter->setFont(m_fittedFont);
-        painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter, m_description->placeholder()->text());
-    }
-    painter->setFont(m_fittedFont);
     const QFontMetricsF metrics(m_fittedFont);
-    const qreal baseline = box.top() + (box.height() - metrics.height()) / 2 + metrics.ascent();
-    const QString shown = displayText();
+    const qreal baseline = baselineY();
+    const QRectF lineRect(box.left(), baseline - metrics.ascent(), box.width(), metrics.height());
+    painter->save();
+    painter->setClipRect(boundingRect().marginsRemoved(m_contentInsets));
     if (hasSelection()) {
         const qreal left = caretX(std::min(m_anchor, m_cursor));
         const qreal right = caretX(std::max(m_anchor, m_cursor));
-        painter->fillRect(QRectF(left, box.top(), right - left, box.height()),
+        painter->fillRect(QRectF(left, lineRect.top(), right - left, lineRect.height()),
                           QGuiApplication::palette().color(QPalette::Highlight));
     }
+    const QString shown = displayText();
+    painter->setFont(m_fittedFont);
     painter->setPen(textColor());
     painter->drawText(QPointF(textOriginX(), baseline), shown.left(m_cursor) + m_preedit + shown.mid(m_cursor));
     if (hasActiveFocus()) {
         const qreal x = caretX(m_cursor) + metrics.horizontalAdvance(m_preedit);
-        painter->fillRect(QRectF(x, box.top() + (box.height() - metrics.height()) / 2, caretWidth, metrics.height()), textColor());
+        painter->fillRect(QRectF(x, lineRect.top(), caretWidth, lineRect.height()), textColor());
     }
     painter->restore();
 }

@@ -200,7 +200,7 @@ void OSTScreenView::loadSelectionGroups()
         auto *group = new OSTSelectionGroup(description, this);
         group->setDelegate(this);
         // Member buttons answer to their group, not on their own.
-        QList<OSTButton *> members;
+        QList<OSTSelectionGroupMember *> members;
         for (const QString &memberKey : group->elementKeys()) {
             if (auto *button = qobject_cast<OSTButton *>(m_views.value(memberKey))) {
                 members.append(button);

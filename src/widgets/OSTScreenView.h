@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/OSTScreenPage.h"
-#include "widgets/OSTSelectionGroup.h"
+#include "model/OSTSelectionGroup.h"
 #include "widgets/OSTViewController.h"
 
 #include <QImage>

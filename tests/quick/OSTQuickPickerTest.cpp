@@ -1,6 +1,7 @@
 // The Qt Quick inputs chained by their input order, and pickers as a user drives them with the
 // keyboard and the mouse: what they show, choose and report, and restored values.
 
+#include "model/OSTCountryTable.h"
 #include "model/OSTValidationItemModel.h"
 #include "quick/OSTQuickPicker.h"
 #include "quick/OSTQuickPickerWheel.h"
@@ -10,6 +11,10 @@
 #include "../model/OSTValidationTestFakes.h"
 #include "../widgets/OSTInputTestSupport.h"
 #include "OSTQuickTestWindow.h"
+
+#include <QAccessible>
+#include <QGuiApplication>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -69,6 +74,10 @@ TEST(QuickPicker, ACountryIsChosenByKeysAndByClickAndReported)
     EXPECT_EQ(picker->rowCount(), 248);
     EXPECT_EQ(picker->titleAtRow(50, OSTQuickPicker::Formatting::Formatted), u"+ 345   \tCayman Islands"_s);
     EXPECT_EQ(picker->titleAtRow(248, OSTQuickPicker::Formatting::Plain), u""_s);
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(picker);
+    ASSERT_TRUE(accessible);
+    EXPECT_EQ(accessible->role(), QAccessible::ComboBox);
+    EXPECT_EQ(accessible->text(QAccessible::Name), u"Country"_s);
 
     // Keys: Space opens, Down twice chooses live, Return chooses and moves on.
     picker->forceActiveFocus();
@@ -103,10 +112,27 @@ TEST(QuickPicker, ACountryIsChosenByKeysAndByClickAndReported)
     EXPECT_EQ(picker->country(), u"Germany"_s);
     EXPECT_TRUE(phone->hasActiveFocus());
     window.click(*picker, {150, 20});
+    EXPECT_EQ(picker->toolbar()->doneText(), u"OK"_s);
+    EXPECT_EQ(picker->toolbar()->cancelText(), u"Cancel"_s);
     window.click(*picker->toolbar(), picker->toolbar()->cancelButtonRect().center());
     EXPECT_FALSE(picker->isWheelShown());
     EXPECT_FALSE(picker->hasActiveFocus());
     EXPECT_EQ(picker->country(), u"Germany"_s);
+}
+
+TEST(QuickToolbar, ABlackBarIsDrawnBlackAndTranslucentWhenAsked)
+{
+    test::QuickTestWindow window;
+    window.setColor(Qt::white);
+    OSTQuickToolbar black(OSTToolbarSettings::fromProperties(test::jsonObject(R"({"barStyle": "black"})")), window.root());
+    OSTQuickToolbar translucent(OSTToolbarSettings::fromProperties(test::jsonObject(R"({"barStyle": "translucent"})")),
+                                window.root());
+    black.setWidth(200);
+    translucent.setWidth(200);
+    translucent.setY(100);
+    const QImage grab = window.grabWindow();
+    EXPECT_EQ(grab.pixelColor(100, 2), QColor(Qt::black));
+    EXPECT_NEAR(grab.pixelColor(100, 102).red(), 255 - 200, 1) << "black at alpha 200 over white";
 }
 
 TEST(QuickPicker, RestoredValuesSelectTheirRowsAndOthersAreIgnored)
@@ -139,6 +165,42 @@ TEST(QuickPicker, RestoredValuesSelectTheirRowsAndOthersAreIgnored)
     EXPECT_EQ(date->value().toDateTime().date(), QDate(2000, 12, 31)) << "held within the bounds";
     date->setValue(u"06/01/2000"_s);
     EXPECT_EQ(date->value().toDateTime().date(), QDate(2000, 12, 31)) << "a text is no date";
+}
+
+TEST(QuickPicker, TheWheelScrollsByDragAndMouseWheelWithoutChoosing)
+{
+    test::QuickTestWindow window;
+    OSTQuickPicker *picker = pickerIn(window, R"({"picker": {"pickerType": "countryCode"}})");
+    const auto model = bindModel(*picker, "false");
+    window.click(*picker, {150, 20});
+    OSTQuickPickerWheel *wheel = picker->wheel();
+    ASSERT_TRUE(picker->isWheelShown());
+    const QPoint top = wheel->mapToScene({100, wheel->rowHeight() * 4}).toPoint();
+    QTest::mousePress(&window, Qt::LeftButton, {}, top);
+    QTest::mouseMove(&window, top - QPoint(0, 20));
+    QTest::mouseMove(&window, top - QPoint(0, int(wheel->rowHeight() * 3)));
+    QTest::mouseRelease(&window, Qt::LeftButton, {}, top - QPoint(0, int(wheel->rowHeight() * 3)));
+    EXPECT_NEAR(wheel->scrollOffset(), wheel->rowHeight() * 3, 1);
+    EXPECT_TRUE(picker->isWheelShown()) << "a drag chooses nothing";
+    EXPECT_EQ(model->value(), u"United States"_s);
+
+    QWheelEvent notch(wheel->mapToScene({100, 10}), wheel->mapToGlobal(QPointF(100, 10)), {}, {0, -240},
+                      Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QGuiApplication::sendEvent(&window, &notch);
+    EXPECT_NEAR(wheel->scrollOffset(), wheel->rowHeight() * 5, 1);
+    EXPECT_EQ(wheel->rowAt(0), 5);
+    window.click(*wheel, {100, 1});
+    EXPECT_EQ(model->value(), OSTCountryTable::sortedCountries().at(5)) << "the row under the click, scrolled";
+
+    // A time picker's rows are the minutes of its day; Up and Down step them.
+    OSTQuickPicker *time = pickerIn(window, R"({"picker": {"pickerType": "date", "pickerMode": "time",
+        "startDate": "03/15/2000"}})", 300);
+    EXPECT_EQ(time->rowCount(), 24 * 60);
+    time->forceActiveFocus();
+    QTest::keyClick(&window, Qt::Key_Space);
+    QTest::keyClick(&window, Qt::Key_Down);
+    EXPECT_EQ(time->value().toDateTime(), QDateTime(QDate(2000, 3, 15), QTime(0, 1)));
+    EXPECT_EQ(time->wheel()->titleAtRow(61), QLocale().toString(QTime(1, 1), QLocale::ShortFormat));
 }
 
 } // namespace

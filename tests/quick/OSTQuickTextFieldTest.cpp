@@ -2,16 +2,20 @@
 // the limits, the value it reports, the invalid look, secrecy and restored values.
 
 #include "model/OSTValidationItemModel.h"
+#include "quick/OSTQuickLabel.h"
 #include "quick/OSTQuickPicker.h"
+#include "quick/OSTQuickShadow.h"
 #include "quick/OSTQuickTextField.h"
 
 #include "../model/OSTValidationTestFakes.h"
 #include "../widgets/OSTInputTestSupport.h"
 #include "OSTQuickTestWindow.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
+#include <QSet>
 
 #include <gtest/gtest.h>
 
@@ -82,12 +86,19 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     // An input method's composition shows without being text; its commit string is inserted.
     phone->selectAll();
     QTest::keyClick(&window, Qt::Key_Backspace);
-    OSTQuickTextField *name = fieldIn(window, "{}", 150);
+    OSTQuickTextField *name = fieldIn(window, R"({"placeholder": {"text": "Name"}})", 150);
     name->forceActiveFocus();
+    ASSERT_TRUE(name->placeholderLabel());
+    EXPECT_TRUE(name->placeholderLabel()->isVisible());
+    EXPECT_EQ(name->placeholderLabel()->text(), u"Name"_s);
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(name);
+    ASSERT_TRUE(accessible);
+    EXPECT_EQ(accessible->role(), QAccessible::EditableText);
+    EXPECT_EQ(accessible->text(QAccessible::Name), u"Name"_s) << "named by its placeholder";
     QInputMethodEvent composing(u"Zo"_s, {});
     QGuiApplication::sendEvent(&window, &composing);
     EXPECT_EQ(name->text(), u""_s);
-    EXPECT_FALSE(name->isPlaceholderShown());
+    EXPECT_FALSE(name->placeholderLabel()->isVisible()) << "the composition hides the placeholder";
     QInputMethodEvent committed;
     committed.setCommitString(u"Zoë"_s);
     QGuiApplication::sendEvent(&window, &committed);
@@ -98,6 +109,24 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     replacing.setCommitString(u"Ann"_s, -3, 3);
     QGuiApplication::sendEvent(&window, &replacing);
     EXPECT_EQ(name->text(), u"Ann"_s);
+}
+
+TEST(QuickTextField, TheAlignmentKeysPlaceTheTextAndTheCaret)
+{
+    test::QuickTestWindow window;
+    OSTQuickTextField *left = fieldIn(window, "{}");
+    OSTQuickTextField *right = fieldIn(window, R"({"horizontalAlignment": "right", "verticalAlignment": "top"})", 50);
+    OSTQuickTextField *centred = fieldIn(window, R"({"alignment": "center", "horizontalAlignment": "right"})", 100);
+    EXPECT_EQ(left->alignment(), Qt::AlignLeft | Qt::AlignVCenter);
+    EXPECT_EQ(right->alignment(), Qt::AlignRight | Qt::AlignTop);
+    EXPECT_EQ(centred->alignment(), Qt::AlignHCenter | Qt::AlignVCenter) << "the alignment word wins";
+    for (OSTQuickTextField *field : {left, right, centred})
+        field->replaceText(u"abc"_s);
+    const auto caretX = [](const OSTQuickTextField *field) { return field->inputMethodQuery(Qt::ImCursorRectangle).toRectF().x(); };
+    EXPECT_LT(caretX(left), 60);
+    EXPECT_NEAR(caretX(right), 300 - 2, 1) << "the caret ends a right-aligned text at the field's edge";
+    EXPECT_GT(caretX(centred), 150);
+    EXPECT_LT(caretX(centred), 200);
 }
 
 TEST(QuickTextField, SecretsAreMaskedAndNeverCopied)
@@ -135,6 +164,29 @@ TEST(QuickTextField, TheInvalidLookFollowsValidityOnceTheUserLeftAndRestoredValu
     other->forceActiveFocus();
     EXPECT_FALSE(field->showsInvalidLook()) << "valid now";
     EXPECT_EQ(field->textColor(), QColor(u"#0000ff"_s));
+
+    // Drawn: the state's box and text colour, the invalid ones while the invalid look shows.
+    OSTQuickTextField *painted = fieldIn(window, R"({"backgroundColor": "#00ff00", "minLength": 3, "maxLength": 10,
+        "text": {"textColor": "#0000ff", "size": "24"},
+        "states": {"invalid": {"backgroundColor": "#ffff00", "text": {"textColor": "#ff0000"},
+                               "objectShadow": ["#000000", "4", 2, "2"]}}})", 200);
+    const auto paintedModel = bindModel(*painted, "false");
+    typeInto(painted, u"WW"_s);
+    other->forceActiveFocus();
+    const auto colours = [&] {
+        const QImage grab = window.grabWindow();
+        QSet<QRgb> seen;
+        for (int x = 0; x < 300; ++x)
+            seen.insert(grab.pixel(x, 220) & 0xffffff);
+        return seen;
+    };
+    EXPECT_TRUE(colours().contains(0xffff00) && colours().contains(0xff0000)) << "the invalid box and text";
+    EXPECT_EQ(painted->findChildren<OSTQuickShadow *>().size(), 1) << "the invalid look's shadow";
+    typeInto(painted, u"W"_s);
+    other->forceActiveFocus();
+    EXPECT_TRUE(colours().contains(0x00ff00) && colours().contains(0x0000ff)) << "the normal box and text";
+    EXPECT_FALSE(colours().contains(0xffff00));
+    EXPECT_TRUE(painted->findChildren<OSTQuickShadow *>().isEmpty());
 
     // A restored value shows as it is, and the invalid look with it when it is invalid.
     OSTQuickTextField *restored = fieldIn(window, R"({"minLength": 3, "maxLength": 4})", 100);

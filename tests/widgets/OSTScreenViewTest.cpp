@@ -11,7 +11,7 @@
 #include "widgets/OSTInput.h"
 #include "widgets/OSTLabel.h"
 #include "widgets/OSTPicker.h"
-#include "widgets/OSTSelectionGroup.h"
+#include "model/OSTSelectionGroup.h"
 #include "widgets/OSTSwitchControl.h"
 #include "widgets/OSTTextField.h"
 #include "widgets/OSTView.h"
