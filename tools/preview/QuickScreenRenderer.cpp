@@ -5,6 +5,8 @@
 #include "quick/OSTQuickScreen.h"
 
 #include <QQuickWindow>
+#include <QQuickItemGrabResult>
+#include <QEventLoop>
 
 #include <algorithm>
 
@@ -70,11 +72,15 @@ QImage QuickScreenRenderer::image(qreal ratio)
 {
     if (!m_window->isVisible())
         m_window->show();
-    QImage picture = m_window->grabWindow();
-    if (!qFuzzyCompare(picture.devicePixelRatio(), ratio)) {
-        picture = picture.scaled(m_window->size() * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        picture.setDevicePixelRatio(ratio);
-    }
+    // The item's own grab keeps the transparent ground (a grab of the window is opaque).
+    const QSharedPointer<QQuickItemGrabResult> grab = m_screen->grabToImage(m_window->size() * ratio);
+    if (!grab)
+        return {};
+    QEventLoop loop;
+    QObject::connect(grab.data(), &QQuickItemGrabResult::ready, &loop, &QEventLoop::quit);
+    loop.exec();
+    QImage picture = grab->image();
+    picture.setDevicePixelRatio(ratio);
     return picture;
 }
 
