@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <tuple>
+
 using namespace Qt::StringLiterals;
 
 namespace ostrel {
@@ -43,6 +46,8 @@ TEST(ToolkitParity, EveryScreenDrawnByQtQuickLooksAsTheWidgetsDrawIt)
 #else
     const QList<test::ReferenceScreen> screens = test::OSTReferenceScreens::all();
     ASSERT_GE(screens.size(), 16);
+    double worstShare = 0;
+    QString worstScreen;
     for (const test::ReferenceScreen &screen : screens) {
         SCOPED_TRACE(screen.referenceName.toStdString());
         const QImage widgets = drawnBy(u"widgets"_s, screen);
@@ -51,7 +56,10 @@ TEST(ToolkitParity, EveryScreenDrawnByQtQuickLooksAsTheWidgetsDrawIt)
         ASSERT_EQ(quick.size(), widgets.size());
         const double share = test::OSTReferenceScreens::differingShare(quick, widgets, channelTolerance);
         EXPECT_LE(share, allowedShare) << "differing share " << share;
+        if (share >= worstShare)
+            std::tie(worstShare, worstScreen) = std::pair(share, screen.referenceName);
     }
+    std::printf("the most different screen: %s, %.2f %% of its pixels\n", qPrintable(worstScreen), worstShare * 100);
 #endif
 }
 
