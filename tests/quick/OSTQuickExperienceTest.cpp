@@ -71,7 +71,11 @@ protected:
         m_hostItem->forceActiveFocus();
         OSTApplication::setLifecycleSource(OSTApplication::LifecycleSource::Host);
         Ostrel::start();
-        Ostrel::applicationDidChangeState(OSTApplicationState::Active);
+    }
+
+    void finishLaunch(OSTApplicationState state = OSTApplicationState::Active)
+    {
+        Ostrel::applicationDidChangeState(state);
         std::optional<bool> launched;
         Ostrel::executeAfterLaunch([&](bool success) { launched = success; });
         Ostrel::applicationDidFinishLaunching();
@@ -95,6 +99,10 @@ protected:
 
     std::optional<bool> present()
     {
+        if (!m_launched) {
+            finishLaunch();
+            m_launched = true;
+        }
         std::optional<bool> presented;
         Ostrel::presentExperienceWithCompletion([&](bool shown) { presented = shown; });
         test::waitUntil([&] { return presented.has_value(); });
@@ -112,6 +120,7 @@ protected:
     QTemporaryDir m_bundle;
     std::unique_ptr<QQuickWindow> m_window;
     QQuickItem *m_hostItem = nullptr; // child item of the window's content
+    bool m_launched = false;
 };
 
 } // namespace
@@ -162,8 +171,31 @@ TEST_F(QuickExperience, AWindowThatGoesAwayTakesTheExperienceWithItAndNothingHan
     EXPECT_FALSE(Ostrel::isPresentingExperience());
 }
 
+TEST_F(QuickExperience, APresentationWhileTheApplicationStartsShowsTheLaunchScreenThenCrossFades)
+{
+    ASSERT_FALSE(OSTApplication::hasBecomeActiveOnce()) << "run this test in a process of its own";
+    std::optional<bool> presented;
+    Ostrel::presentExperienceWithCompletion([&](bool shown) { presented = shown; });
+    QCoreApplication::processEvents();
+    ASSERT_EQ(coversIn(*m_window).size(), 1);
+    OSTQuickCover *cover = coversIn(*m_window).front();
+    ASSERT_NE(cover->launchScreen(), nullptr);
+    const QImage starting = m_window->grabWindow();
+    EXPECT_EQ(starting.pixelColor(starting.width() / 2, starting.height() / 2), QColor(Qt::black))
+        << "no launch image: the launch screen is black";
+
+    finishLaunch(OSTApplicationState::Inactive);
+    ASSERT_TRUE(test::waitUntil([&] { return cover->runningFade() != nullptr; }));
+    EXPECT_FALSE(presented) << "the completion waits for the cross-fade";
+    settle();
+    EXPECT_EQ(presented, true);
+    EXPECT_EQ(cover->launchScreen(), nullptr);
+    EXPECT_EQ(currentScreenKey(), u"welcome"_s);
+}
+
 TEST_F(QuickExperience, TheQmlTypeShowsAnExperienceWhereTheHostPlacesIt)
 {
+    finishLaunch();
     QQmlEngine engine;
     QQmlComponent component(&engine);
     component.setData("import QtQuick\nimport Ostrel\nOstrelExperience { width: 320; height: 480; experienceType: 1 }",
