@@ -290,12 +290,33 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
     EXPECT_EQ(screen->page().layoutSize(), QSize(375, 1200));
 }
 
-// The sample screens and every screen of the sample, example and demo experiences, with the
-// folder their named images lie in.
+// Every look an element box, a label, a button and a switch can take, on one screen.
+const char *const looksScreen = R"({
+    "backgroundGradient": {"colors": ["#203040", "#4060A0"]},
+    "shapes": {"card": {"x": "20", "y": "40", "width": "200", "height": "120", "cornerRadius": "16",
+                        "backgroundColor": "#FFFFFF", "borderSize": "3", "borderColor": "#FF8800",
+                        "objectShadow": ["#000000", "8", "4", "6"]},
+               "dot": {"x": "250", "y": "40", "width": "80", "height": "80", "cornerRadius": "circle", "alpha": "0.5",
+                       "backgroundGradient": {"colors": ["#FF0000", "#00FF00"], "radius": "40"}},
+               "inner": {"x": "10", "y": "10", "width": "60", "height": "30", "backgroundColor": "#00AA00"}},
+    "groups": {"box": {"x": "20", "y": "200", "width": "300", "height": "100", "backgroundColor": "#DDDDFF",
+                       "elements": ["inner", "caption"]}},
+    "labels": {"caption": {"x": "80", "y": "10", "width": "200", "height": "60", "text": "A caption in a group",
+                           "size": "18", "textColor": "#112233", "shadow": ["#FF0000", "2", "1", "1"]}},
+    "buttons": {"go": {"x": "40", "y": "340", "width": "280", "height": "50", "objectShadow": ["#000000", "6", "0", "4"],
+                       "states": {"normal": {"text": "Go on", "textColor": "#FFFFFF", "backgroundColor": "#3355DD",
+                                             "cornerRadius": "25"}}},
+                "agree": {"x": "40", "y": "420", "width": "100", "height": "40", "buttonType": "toggleSwitch",
+                          "initialState": "on", "onTintColor": "#AA00AA"}}})";
+
+// The sample screens, a screen of every look and every screen of the sample, example and demo
+// experiences, with the folder their named images lie in.
 QList<std::pair<std::shared_ptr<const OSTScreen>, QString>> shippedScreens()
 {
-    QList<std::pair<std::shared_ptr<const OSTScreen>, QString>> screens{{sample(u"signup"_s), samplesFolder},
-                                                                        {sample(u"welcome"_s), samplesFolder}};
+    QList<std::pair<std::shared_ptr<const OSTScreen>, QString>> screens{
+        {sample(u"signup"_s), samplesFolder},
+        {sample(u"welcome"_s), samplesFolder},
+        {screenWithJson(QString::fromUtf8(looksScreen), u"looks"_s), samplesFolder}};
     for (const QString &folder : {u"tests/widgets/samples/experience"_s, u"examples/experience"_s, u"examples/demo/experience"_s}) {
         const QDir experience(QStringLiteral(QT_TESTCASE_SOURCEDIR "/../") + folder);
         QFile file(experience.filePath(u"experience.json"_s));
