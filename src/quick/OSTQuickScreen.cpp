@@ -414,8 +414,7 @@ bool OSTQuickScreen::autoSubmits(const OSTQuickTextField &field) const
 
 void OSTQuickScreen::tapRecognized()
 {
-    if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
-        forceActiveFocus();
+    giveUpFocus();
     m_model->screenTapped();
 }
 
@@ -590,7 +589,7 @@ void OSTQuickScreen::setNextButtonsEnabled(bool enabled)
         // The focus of a disabled button would move on to an input, whose editing would hide the
         // error the user must see; the screen keeps it instead.
         if (!enabled && button->hasActiveFocus())
-            forceActiveFocus();
+            button->setFocus(false);
         button->setEnabled(enabled);
     }
 }
@@ -637,6 +636,12 @@ void OSTQuickScreen::screenDidDisappear()
     QObject::disconnect(m_keyboardGeometry);
     m_keyboardVisibility = {};
     m_keyboardGeometry = {};
+    giveUpFocus();
+}
+
+void OSTQuickScreen::giveUpFocus()
+{
+    // The screen is a focus scope: the focus leaves the element and stays with the screen.
     if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
         focused->setFocus(false);
 }

@@ -127,6 +127,7 @@ private:
     // Whether a PIN field sends a complete PIN on its own.
     bool autoSubmits(const OSTQuickTextField &field) const;
     void tapRecognized();
+    void giveUpFocus();
 
     enum class Move { Immediate, Animated };
     QRect geometryForKey(const QString &key) const;

@@ -203,7 +203,10 @@ TEST(QuickScreen, TapsAndButtonsReachTheModelAndTheErrorMessageFollowsTheScreens
     EXPECT_EQ(label->height(), 0);
 
     window.click(*go, {50, 20});
+    // A tap on the page outside controls takes the focus from the control that has it.
+    go->forceActiveFocus();
     window.click(*screen->items().value(u"card"_s), {10, 10});
+    EXPECT_FALSE(go->hasActiveFocus());
     EXPECT_EQ(delegate.calls, QStringList{u"next"_s});
     auto taps = events.parametersOf(u"OST Welcome Action Tapped"_s);
     ASSERT_EQ(taps.size(), 2u) << "the toggle, then the next button";
@@ -220,6 +223,13 @@ TEST(QuickScreen, TapsAndButtonsReachTheModelAndTheErrorMessageFollowsTheScreens
     ASSERT_EQ(taps.size(), 4u);
     EXPECT_EQ(taps.back().value(u"button_id"_s), u"plus"_s);
     EXPECT_EQ(delegate.calls, QStringList{u"next"_s}) << "a plain button tap in a group is no next";
+
+    // A next button turned off keeps the focus on the screen, not on another control.
+    go->forceActiveFocus();
+    agree->click();
+    EXPECT_FALSE(go->isEnabled());
+    EXPECT_TRUE(screen->hasActiveFocus());
+    EXPECT_EQ(window.activeFocusItem(), screen.get());
 }
 
 TEST(QuickScreen, ACompletionWaitsForTheRequiredImagesOnly)
