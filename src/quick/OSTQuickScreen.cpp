@@ -94,6 +94,7 @@ OSTQuickScreen::OSTQuickScreen(const std::shared_ptr<const OSTScreen> &screen, c
     setClip(true);
     setAcceptedMouseButtons(Qt::LeftButton);
     setFlag(ItemIsFocusScope);
+    setFiltersChildMouseEvents(true);
 }
 
 OSTQuickScreen::~OSTQuickScreen() = default;
@@ -420,21 +421,51 @@ void OSTQuickScreen::tapRecognized()
 
 void OSTQuickScreen::mousePressEvent(QMouseEvent *event)
 {
-    m_pressPosition = event->position();
-    m_pressOffset = scrollOffset();
-    m_dragging = false;
+    beginPress(event->position());
     event->accept();
 }
 
 void OSTQuickScreen::mouseMoveEvent(QMouseEvent *event)
 {
+    dragTo(event->position());
+}
+
+void OSTQuickScreen::beginPress(QPointF position)
+{
+    m_pressPosition = position;
+    m_pressOffset = scrollOffset();
+    m_dragging = false;
+}
+
+bool OSTQuickScreen::dragTo(QPointF position)
+{
     if (!m_pressPosition)
-        return;
-    const qreal distance = m_pressPosition->y() - event->position().y();
+        return false;
+    const qreal distance = m_pressPosition->y() - position.y();
     if (!m_dragging && std::abs(distance) < QGuiApplication::styleHints()->startDragDistance())
-        return;
+        return false;
     m_dragging = true;
     scrollTo(m_pressOffset + OSTScreenPage::roundedEdge(distance));
+    return true;
+}
+
+bool OSTQuickScreen::childMouseEventFilter(QQuickItem *item, QEvent *event)
+{
+    // A drag that begins on a button scrolls the page too: past the drag distance the screen takes
+    // the mouse from the button, which then does not click. Inputs keep their own drags.
+    if (!qobject_cast<OSTQuickButton *>(item)
+        || (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseMove))
+        return false;
+    auto *mouse = static_cast<QMouseEvent *>(event);
+    const QPointF position = mapFromScene(mouse->scenePosition());
+    if (event->type() == QEvent::MouseButtonPress) {
+        beginPress(position);
+        return false;
+    }
+    if (!dragTo(position))
+        return false;
+    mouse->setExclusiveGrabber(mouse->point(0), this);
+    return true;
 }
 
 void OSTQuickScreen::mouseReleaseEvent(QMouseEvent *)

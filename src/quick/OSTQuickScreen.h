@@ -98,6 +98,7 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseUngrabEvent() override;
+    bool childMouseEventFilter(QQuickItem *item, QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
@@ -130,6 +131,9 @@ private:
     // Whether a PIN field sends a complete PIN on its own.
     bool autoSubmits(const OSTQuickTextField &field) const;
     void tapRecognized();
+    void beginPress(QPointF position);
+    // Scrolls by how far the press moved once it moved past the drag distance; true then.
+    bool dragTo(QPointF position);
     void giveUpFocus();
 
     enum class Move { Immediate, Animated };

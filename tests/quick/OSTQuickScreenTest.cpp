@@ -257,9 +257,14 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
         "low": {"x": "0", "y": "900", "width": "100", "height": "100", "anchored": "false"},
         "logo": {"x": "0", "y": "20", "width": "100", "height": "40"}},
         "groups": {"g": {"x": "0", "y": "100", "width": "100", "height": "100", "elements": ["inner"]}},
-        "labels": {"inner": {"text": "i"}}})"_s, window.root());
+        "labels": {"inner": {"text": "i"}},
+        "buttons": {"wide": {"x": "0", "y": "400", "width": "100%", "height": "200", "anchored": "false",
+                             "states": {"normal": {"text": "Wide"}}}}})"_s, window.root());
     ASSERT_TRUE(screen);
     EXPECT_EQ(screen->contentHeight(), 1000);
+    int taps = 0;
+    QObject::connect(qobject_cast<OSTQuickButton *>(screen->items().value(u"wide"_s)), &OSTQuickButton::tapped,
+                     [&taps] { ++taps; });
     const QQuickItem *low = screen->items().value(u"low"_s);
 
     QWheelEvent wheel(QPointF(200, 300), QPointF(200, 300), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
@@ -276,6 +281,9 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
     EXPECT_EQ(sceneY(low), 567);
     EXPECT_EQ(sceneY(screen->items().value(u"logo"_s)), 20);
     EXPECT_EQ(sceneY(screen->items().value(u"inner"_s)), 100) << "moves with its anchored group";
+    EXPECT_EQ(taps, 0) << "the drag began on the button without clicking it";
+    window.click(*screen->items().value(u"wide"_s), {100, 100});
+    EXPECT_EQ(taps, 1);
 
     // A keyboard over an element that scrolls lets the page scroll by its height, until it goes;
     // one below every such element changes nothing.
