@@ -29,7 +29,7 @@ class OSTQuickTextField;
 // One screen of a flow drawn by Qt Quick, the counterpart of the widget screen controller and
 // screen view: an item per element of its page (OSTScreenPage: the document, the layout and where
 // each element goes), stacked by layer on a content item that scrolls when the screen is taller
-// than the item (the mouse wheel, or a drag that begins outside buttons and inputs); anchored
+// than the item (the mouse wheel, or a drag that begins anywhere but on an input); anchored
 // elements stay put. Its inputs are chained in input order and its selection groups take their
 // buttons. What happens on it goes to the event queue and to its screen model, which decides (the
 // image wait, the load and display events, the actions) and drives it back through
