@@ -548,10 +548,12 @@ void OSTQuickScreen::scrollTo(int offset)
 
 QRect OSTQuickScreen::geometryForKey(const QString &key) const
 {
-    const QRect geometry = m_page->geometryForKey(key);
+    std::optional<QRect> geometry = m_page->layoutGeometry(key);
+    if (!geometry)
+        return QRect();
     if (qobject_cast<const OSTQuickSwitch *>(m_items.value(key)))
-        return OSTQuickSwitch::frameInBox(geometry);
-    return geometry;
+        geometry = OSTQuickSwitch::frameInBox(*geometry);
+    return geometry->translated(0, m_page->scrollShift(key));
 }
 
 void OSTQuickScreen::reframeItems(Move move)
