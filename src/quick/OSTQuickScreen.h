@@ -29,9 +29,12 @@ class OSTQuickTextField;
 // One screen of a flow drawn by Qt Quick, the counterpart of the widget screen controller and
 // screen view: an item per element of its page (OSTScreenPage: the document, the layout and where
 // each element goes), stacked by layer on a content item that scrolls when the screen is taller
-// than the item (mouse wheel and drag); anchored elements stay put. What happens on it goes to the
-// event queue and to its screen model, which decides (the image wait, the load and display events,
-// the actions) and drives it back through OSTScreenModelView.
+// than the item (the mouse wheel, or a drag that begins anywhere but on an input); anchored
+// elements stay put. Its inputs are chained in input order and its selection groups take their
+// buttons. What happens on it goes to the event queue and to its screen model, which decides (the
+// image wait, the load and display events, the actions) and drives it back through
+// OSTScreenModelView. The item is a focus scope: a tap on the page takes the focus from the
+// element that has it.
 //
 // Whoever shows the item sizes it; a change of size lays the screen out again (see
 // OSTScreenPage::resize).
@@ -95,6 +98,7 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseUngrabEvent() override;
+    bool childMouseEventFilter(QQuickItem *item, QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
@@ -127,6 +131,10 @@ private:
     // Whether a PIN field sends a complete PIN on its own.
     bool autoSubmits(const OSTQuickTextField &field) const;
     void tapRecognized();
+    void beginPress(QPointF position);
+    // Scrolls by how far the press moved once it moved past the drag distance; true then.
+    bool dragTo(QPointF position);
+    void giveUpFocus();
 
     enum class Move { Immediate, Animated };
     QRect geometryForKey(const QString &key) const;
