@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -57,9 +58,9 @@ int main(int argc, char **argv)
         });
     }
     const std::unique_ptr<QCoreApplication> application = makeApplication(presents, argc, argv);
-    QWindow window;
+    std::optional<QWindow> window; // a QCoreApplication can make none
     if (showsWindow)
-        window.show();
+        window.emplace().show();
     if (!startFirst)
         ostrel::Ostrel::start();
     ostrel::Ostrel::executeAfterLaunch([presents](bool success) {
