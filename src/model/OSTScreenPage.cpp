@@ -127,12 +127,12 @@ QStringList OSTScreenPage::anchoredPageKeys() const
     return keys;
 }
 
-QRect OSTScreenPage::geometryForKey(const QString &key) const
+std::optional<QRect> OSTScreenPage::layoutGeometry(const QString &key) const
 {
     const OSTLayoutManager &layout = currentLayout();
     const std::shared_ptr<OSTLayoutElement> element = layout.elements().value(key);
     if (!element)
-        return QRect();
+        return std::nullopt;
     // The parent chain is short and acyclic in a resolved layout; the bound protects against a
     // hostile one all the same.
     QPointF parentOrigin;
@@ -140,10 +140,7 @@ QRect OSTScreenPage::geometryForKey(const QString &key) const
     for (auto parent = element->parent(); parent && parent != layout.baseElement() && steps-- > 0;
          parent = parent->parent())
         parentOrigin += parent->frame().topLeft();
-    QRect geometry = pixelGeometry(layout.frameForKey(key), parentOrigin);
-    if (isAnchoredOnPage(key))
-        geometry.translate(0, m_scrollOffset);
-    return geometry;
+    return pixelGeometry(layout.frameForKey(key), parentOrigin);
 }
 
 void OSTScreenPage::setShowsError(bool shows)

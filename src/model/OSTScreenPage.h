@@ -94,10 +94,12 @@ public:
     // The ungrouped anchored keys.
     QStringList anchoredPageKeys() const;
 
-    // The geometry of an element in the current layout, relative to its group or the page, with
-    // an anchored element shifted by the scroll offset so that it stays put on screen. The zero
-    // rectangle for an unknown key.
-    QRect geometryForKey(const QString &key) const;
+    // The geometry of an element in the current layout, relative to its group or the page; none
+    // for a key the layout does not know.
+    std::optional<QRect> layoutGeometry(const QString &key) const;
+    // How far an element moves down so that it stays put on screen while the page scrolls: the
+    // scroll offset for an anchored element on the page, 0 for the others.
+    int scrollShift(const QString &key) const { return isAnchoredOnPage(key) ? m_scrollOffset : 0; }
     int scrollOffset() const { return m_scrollOffset; }
     void setScrollOffset(int offset) { m_scrollOffset = offset; }
 

@@ -40,10 +40,14 @@ QObject *describerOf(QQmlEngine &engine)
     return made;
 }
 
+// The engine of the nearest item up the tree that QML made (the host's, when the experience lies
+// in its QML scene), else the SDK's own.
 QQmlEngine &engineFor(const QQuickItem &item)
 {
-    if (QQmlEngine *itemEngine = qmlEngine(&item))
-        return *itemEngine;
+    for (const QQuickItem *ancestor = &item; ancestor; ancestor = ancestor->parentItem()) {
+        if (QQmlEngine *itemEngine = qmlEngine(ancestor))
+            return *itemEngine;
+    }
     static QPointer<QQmlEngine> own;
     if (!own)
         own = new QQmlEngine(QCoreApplication::instance());

@@ -46,6 +46,7 @@ QQuickItem *OSTQuickElement::container()
     if (!m_container) {
         m_container = new QQuickItem(this);
         m_container->setSize(size());
+        m_border = new OSTQuickBoxBorder(m_container);
         updateContainer();
     }
     return m_container;
@@ -54,13 +55,17 @@ QQuickItem *OSTQuickElement::container()
 void OSTQuickElement::updateContainer()
 {
     // Members stay inside a bordered or rounded box; a plain one lets them show beyond it.
-    if (m_container)
-        m_container->setClip(m_boxPainter.hasBorder() || m_boxPainter.isRounded());
+    if (!m_container)
+        return;
+    m_container->setClip(m_boxPainter.hasBorder() || m_boxPainter.isRounded());
+    m_border->setBoxPainter(m_boxPainter);
+    update();
 }
 
 void OSTQuickElement::paint(QPainter *painter)
 {
-    m_boxPainter.paint(*painter, size());
+    // With members, the border is drawn above them.
+    m_boxPainter.paint(*painter, size(), m_container ? OSTBoxPainter::Border::Omitted : OSTBoxPainter::Border::Included);
     paintContent(*painter);
 }
 

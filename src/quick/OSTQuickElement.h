@@ -1,6 +1,7 @@
 #pragma once
 
 #include "paint/OSTBoxPainter.h"
+#include "quick/OSTQuickBoxBorder.h"
 #include "quick/OSTQuickShadow.h"
 
 #include <QPointer>
@@ -17,7 +18,8 @@ struct OSTShadow;
 // it paints its element box (OSTBoxPainter), takes the element's opacity as the item's and casts
 // the element's object shadow through a child item beneath it (OSTQuickShadow), since a painted
 // item cannot draw outside its bounds. A group's members are placed in container(), which clips
-// them to the box when the box has a border or rounded corners.
+// them to the box's rectangle when the box has a border or rounded corners (Qt Quick clips to
+// rectangles only); the border is then drawn above them (OSTQuickBoxBorder).
 //
 // Lives on the GUI thread; owned by its parent item.
 class OSTQuickElement : public QQuickPaintedItem {
@@ -49,6 +51,7 @@ private:
     OSTBoxPainter m_boxPainter;
     QPointer<OSTQuickShadow> m_shadow; // child item, present while the element casts a shadow
     QPointer<QQuickItem> m_container;  // child item
+    QPointer<OSTQuickBoxBorder> m_border; // child item of the container, made with it
 };
 
 } // namespace ostrel

@@ -25,6 +25,7 @@
 #include "screen/OSTTextFieldDescription.h"
 
 #include <QGuiApplication>
+#include <QInputMethod>
 #include <QMouseEvent>
 #include <QQuickWindow>
 #include <QStyleHints>
@@ -93,6 +94,7 @@ OSTQuickScreen::OSTQuickScreen(const std::shared_ptr<const OSTScreen> &screen, c
     setClip(true);
     setAcceptedMouseButtons(Qt::LeftButton);
     setFlag(ItemIsFocusScope);
+    setFiltersChildMouseEvents(true);
 }
 
 OSTQuickScreen::~OSTQuickScreen() = default;
@@ -413,28 +415,57 @@ bool OSTQuickScreen::autoSubmits(const OSTQuickTextField &field) const
 
 void OSTQuickScreen::tapRecognized()
 {
-    if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
-        forceActiveFocus();
+    giveUpFocus();
     m_model->screenTapped();
 }
 
 void OSTQuickScreen::mousePressEvent(QMouseEvent *event)
 {
-    m_pressPosition = event->position();
-    m_pressOffset = scrollOffset();
-    m_dragging = false;
+    beginPress(event->position());
     event->accept();
 }
 
 void OSTQuickScreen::mouseMoveEvent(QMouseEvent *event)
 {
+    dragTo(event->position());
+}
+
+void OSTQuickScreen::beginPress(QPointF position)
+{
+    m_pressPosition = position;
+    m_pressOffset = scrollOffset();
+    m_dragging = false;
+}
+
+bool OSTQuickScreen::dragTo(QPointF position)
+{
     if (!m_pressPosition)
-        return;
-    const qreal distance = m_pressPosition->y() - event->position().y();
+        return false;
+    const qreal distance = m_pressPosition->y() - position.y();
     if (!m_dragging && std::abs(distance) < QGuiApplication::styleHints()->startDragDistance())
-        return;
+        return false;
     m_dragging = true;
     scrollTo(m_pressOffset + OSTScreenPage::roundedEdge(distance));
+    return true;
+}
+
+bool OSTQuickScreen::childMouseEventFilter(QQuickItem *item, QEvent *event)
+{
+    // A drag that begins on a button scrolls the page too: past the drag distance the screen takes
+    // the mouse from the button, which then does not click. Inputs keep their own drags.
+    if (!qobject_cast<OSTQuickButton *>(item)
+        || (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseMove))
+        return false;
+    auto *mouse = static_cast<QMouseEvent *>(event);
+    const QPointF position = mapFromScene(mouse->scenePosition());
+    if (event->type() == QEvent::MouseButtonPress) {
+        beginPress(position);
+        return false;
+    }
+    if (!dragTo(position))
+        return false;
+    mouse->setExclusiveGrabber(mouse->point(0), this);
+    return true;
 }
 
 void OSTQuickScreen::mouseReleaseEvent(QMouseEvent *)
@@ -462,14 +493,43 @@ void OSTQuickScreen::wheelEvent(QWheelEvent *event)
 
 // --- Geometry -----------------------------------------------------------------------------------
 
-int OSTQuickScreen::contentHeight() const
+int OSTQuickScreen::lowestScrollingEdge() const
 {
-    int lowestEdge = OSTScreenPage::roundedEdge(height());
+    int lowestEdge = 0;
     for (auto item = m_items.cbegin(); item != m_items.cend(); ++item) {
         if (m_page->isScrolling(item.key()) && item.value()->isVisible())
             lowestEdge = std::max(lowestEdge, frameOf(*item.value()).bottom() + 1);
     }
     return lowestEdge;
+}
+
+int OSTQuickScreen::contentHeight() const
+{
+    return std::max(OSTScreenPage::roundedEdge(height()) + m_keyboardInset, lowestScrollingEdge());
+}
+
+void OSTQuickScreen::keyboardWillShow(double keyboardHeight)
+{
+    const int inset = OSTScreenPage::roundedEdge(keyboardHeight);
+    if (lowestScrollingEdge() <= OSTScreenPage::roundedEdge(height()) - inset)
+        return;
+    m_keyboardInset = inset;
+    resizeContent();
+}
+
+void OSTQuickScreen::keyboardWillHide()
+{
+    m_keyboardInset = 0;
+    resizeContent();
+}
+
+void OSTQuickScreen::updateKeyboard()
+{
+    QInputMethod *inputMethod = QGuiApplication::inputMethod();
+    if (inputMethod->isVisible() && inputMethod->keyboardRectangle().height() > 0)
+        keyboardWillShow(inputMethod->keyboardRectangle().height());
+    else
+        keyboardWillHide();
 }
 
 void OSTQuickScreen::scrollTo(int offset)
@@ -488,10 +548,12 @@ void OSTQuickScreen::scrollTo(int offset)
 
 QRect OSTQuickScreen::geometryForKey(const QString &key) const
 {
-    const QRect geometry = m_page->geometryForKey(key);
+    std::optional<QRect> geometry = m_page->layoutGeometry(key);
+    if (!geometry)
+        return QRect();
     if (qobject_cast<const OSTQuickSwitch *>(m_items.value(key)))
-        return OSTQuickSwitch::frameInBox(geometry);
-    return geometry;
+        geometry = OSTQuickSwitch::frameInBox(*geometry);
+    return geometry->translated(0, m_page->scrollShift(key));
 }
 
 void OSTQuickScreen::reframeItems(Move move)
@@ -560,7 +622,7 @@ void OSTQuickScreen::setNextButtonsEnabled(bool enabled)
         // The focus of a disabled button would move on to an input, whose editing would hide the
         // error the user must see; the screen keeps it instead.
         if (!enabled && button->hasActiveFocus())
-            forceActiveFocus();
+            button->setFocus(false);
         button->setEnabled(enabled);
     }
 }
@@ -591,11 +653,28 @@ void OSTQuickScreen::hideLoadingOverlay()
 
 void OSTQuickScreen::screenDidAppear()
 {
+    QInputMethod *inputMethod = QGuiApplication::inputMethod();
+    if (!m_keyboardVisibility) {
+        m_keyboardVisibility = connect(inputMethod, &QInputMethod::visibleChanged, this,
+                                       &OSTQuickScreen::updateKeyboard);
+        m_keyboardGeometry = connect(inputMethod, &QInputMethod::keyboardRectangleChanged, this,
+                                     &OSTQuickScreen::updateKeyboard);
+    }
     m_model->screenDidAppear();
 }
 
 void OSTQuickScreen::screenDidDisappear()
 {
+    QObject::disconnect(m_keyboardVisibility);
+    QObject::disconnect(m_keyboardGeometry);
+    m_keyboardVisibility = {};
+    m_keyboardGeometry = {};
+    giveUpFocus();
+}
+
+void OSTQuickScreen::giveUpFocus()
+{
+    // The screen is a focus scope: the focus leaves the element and stays with the screen.
     if (QQuickItem *focused = window() ? window()->activeFocusItem() : nullptr; focused && isAncestorOf(focused))
         focused->setFocus(false);
 }

@@ -29,9 +29,12 @@ class OSTQuickTextField;
 // One screen of a flow drawn by Qt Quick, the counterpart of the widget screen controller and
 // screen view: an item per element of its page (OSTScreenPage: the document, the layout and where
 // each element goes), stacked by layer on a content item that scrolls when the screen is taller
-// than the item (mouse wheel and drag); anchored elements stay put. What happens on it goes to the
-// event queue and to its screen model, which decides (the image wait, the load and display events,
-// the actions) and drives it back through OSTScreenModelView.
+// than the item (the mouse wheel, or a drag that begins anywhere but on an input); anchored
+// elements stay put. Its inputs are chained in input order and its selection groups take their
+// buttons. What happens on it goes to the event queue and to its screen model, which decides (the
+// image wait, the load and display events, the actions) and drives it back through
+// OSTScreenModelView. The item is a focus scope: a tap on the page takes the focus from the
+// element that has it.
 //
 // Whoever shows the item sizes it; a change of size lays the screen out again (see
 // OSTScreenPage::resize).
@@ -67,11 +70,18 @@ public:
     // The item the page's elements lie on; it moves up as the screen scrolls.
     QQuickItem *contentItem() const { return m_content; }
 
-    // The experience shows the screen (after its slide) or took it away.
+    // The experience shows the screen (after its slide) or took it away. While shown, the screen
+    // follows the on-screen keyboard of the input method.
     void screenDidAppear();
     void screenDidDisappear();
 
-    // How far the content is scrolled up, between 0 and the content's height beyond the item's.
+    // An on-screen keyboard of `height` points covers the bottom of the item: when an element that
+    // scrolls ends below the keyboard's top, the page can scroll by the keyboard's height.
+    void keyboardWillShow(double keyboardHeight);
+    void keyboardWillHide();
+
+    // How far the content is scrolled up, between 0 and the content's height beyond the item's:
+    // the lowest scrolling element's bottom, or the item's height with the keyboard's below it.
     int scrollOffset() const { return m_page->scrollOffset(); }
     void scrollTo(int offset);
     int contentHeight() const;
@@ -88,6 +98,7 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseUngrabEvent() override;
+    bool childMouseEventFilter(QQuickItem *item, QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:
@@ -120,11 +131,17 @@ private:
     // Whether a PIN field sends a complete PIN on its own.
     bool autoSubmits(const OSTQuickTextField &field) const;
     void tapRecognized();
+    void beginPress(QPointF position);
+    // Scrolls by how far the press moved once it moved past the drag distance; true then.
+    bool dragTo(QPointF position);
+    void giveUpFocus();
 
     enum class Move { Immediate, Animated };
     QRect geometryForKey(const QString &key) const;
     void reframeItems(Move move);
     void resizeContent();
+    int lowestScrollingEdge() const;
+    void updateKeyboard();
 
     // OSTScreenModelView
     const OSTScreenDocument &screenDocument() const override;
@@ -147,6 +164,9 @@ private:
     std::optional<QPointF> m_pressPosition;            // a press on the page, in the screen's coordinates
     int m_pressOffset = 0;                             // the scroll offset when it began
     bool m_dragging = false;
+    int m_keyboardInset = 0;
+    QMetaObject::Connection m_keyboardVisibility;
+    QMetaObject::Connection m_keyboardGeometry;
 };
 
 } // namespace ostrel

@@ -109,7 +109,7 @@ void OSTScreenView::loadElements()
 void OSTScreenView::loadElement(const std::shared_ptr<const OSTElementDescription> &element)
 {
     const QString &key = element->key();
-    if (QWidget *view = buildView(element, m_page->geometryForKey(key))) {
+    if (QWidget *view = buildView(element, geometryForKey(key))) {
         view->setObjectName(key);
         hideReplacedView(key);
         m_views.insert(key, view);
@@ -437,10 +437,12 @@ QImage OSTScreenView::renderImage(qreal ratio)
 
 QRect OSTScreenView::geometryForKey(const QString &key) const
 {
-    const QRect geometry = m_page->geometryForKey(key);
+    std::optional<QRect> geometry = m_page->layoutGeometry(key);
+    if (!geometry)
+        return QRect();
     if (qobject_cast<const OSTSwitch *>(m_views.value(key)))
-        return OSTSwitch::frameInBox(geometry);
-    return geometry;
+        geometry = OSTSwitch::frameInBox(*geometry);
+    return geometry->translated(0, m_page->scrollShift(key));
 }
 
 void OSTScreenView::showErrorMessage(const QString &message, OSTAnimation animation)

@@ -128,6 +128,20 @@ TEST(QuickScreen, EverySampleElementGetsAnItemAtTheWidgetScreensGeometry)
     EXPECT_EQ(failures, 1);
 }
 
+TEST(QuickScreen, HostileLayoutsBuildWhatTheyCanWithoutHanging)
+{
+    // Groups that hold themselves or each other never resolve; a preview still builds them.
+    const auto cyclic = std::unique_ptr<OSTQuickScreen>(OSTQuickScreen::screenWithScreen(
+        screenWithJson(uR"({"shapes": {"shared": {"width": "10", "height": "10"}},
+                            "groups": {"self": {"elements": ["self", "shared"]},
+                                       "a": {"elements": ["b", "shared"]}, "b": {"elements": ["a"]}}})"_s),
+        environmentIn({375, 667}), OSTQuickScreen::UnresolvedLayout::ShowResolved));
+    ASSERT_TRUE(cyclic);
+    EXPECT_EQ(cyclic->items().size(), 4);
+    for (const QQuickItem *item : cyclic->items())
+        EXPECT_TRUE(cyclic->isAncestorOf(item)) << item->objectName().toStdString();
+}
+
 const char *const validatedScreen = R"({
     "labels": {"errorMessage": {"x": "0", "y": "100", "width": "100%", "height": "0", "textColor": "#000000"},
                "title": {"x": "0", "y": "{errorMessage.y} + {errorMessage.height}", "width": "100", "height": "20"}},
@@ -189,7 +203,10 @@ TEST(QuickScreen, TapsAndButtonsReachTheModelAndTheErrorMessageFollowsTheScreens
     EXPECT_EQ(label->height(), 0);
 
     window.click(*go, {50, 20});
+    // A tap on the page outside controls takes the focus from the control that has it.
+    go->forceActiveFocus();
     window.click(*screen->items().value(u"card"_s), {10, 10});
+    EXPECT_FALSE(go->hasActiveFocus());
     EXPECT_EQ(delegate.calls, QStringList{u"next"_s});
     auto taps = events.parametersOf(u"OST Welcome Action Tapped"_s);
     ASSERT_EQ(taps.size(), 2u) << "the toggle, then the next button";
@@ -206,6 +223,13 @@ TEST(QuickScreen, TapsAndButtonsReachTheModelAndTheErrorMessageFollowsTheScreens
     ASSERT_EQ(taps.size(), 4u);
     EXPECT_EQ(taps.back().value(u"button_id"_s), u"plus"_s);
     EXPECT_EQ(delegate.calls, QStringList{u"next"_s}) << "a plain button tap in a group is no next";
+
+    // A next button turned off keeps the focus on the screen, not on another control.
+    go->forceActiveFocus();
+    agree->click();
+    EXPECT_FALSE(go->isEnabled());
+    EXPECT_TRUE(screen->hasActiveFocus());
+    EXPECT_EQ(window.activeFocusItem(), screen.get());
 }
 
 TEST(QuickScreen, ACompletionWaitsForTheRequiredImagesOnly)
@@ -233,9 +257,14 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
         "low": {"x": "0", "y": "900", "width": "100", "height": "100", "anchored": "false"},
         "logo": {"x": "0", "y": "20", "width": "100", "height": "40"}},
         "groups": {"g": {"x": "0", "y": "100", "width": "100", "height": "100", "elements": ["inner"]}},
-        "labels": {"inner": {"text": "i"}}})"_s, window.root());
+        "labels": {"inner": {"text": "i"}},
+        "buttons": {"wide": {"x": "0", "y": "400", "width": "100%", "height": "200", "anchored": "false",
+                             "states": {"normal": {"text": "Wide"}}}}})"_s, window.root());
     ASSERT_TRUE(screen);
     EXPECT_EQ(screen->contentHeight(), 1000);
+    int taps = 0;
+    QObject::connect(qobject_cast<OSTQuickButton *>(screen->items().value(u"wide"_s)), &OSTQuickButton::tapped,
+                     [&taps] { ++taps; });
     const QQuickItem *low = screen->items().value(u"low"_s);
 
     QWheelEvent wheel(QPointF(200, 300), QPointF(200, 300), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
@@ -252,6 +281,24 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
     EXPECT_EQ(sceneY(low), 567);
     EXPECT_EQ(sceneY(screen->items().value(u"logo"_s)), 20);
     EXPECT_EQ(sceneY(screen->items().value(u"inner"_s)), 100) << "moves with its anchored group";
+    EXPECT_EQ(taps, 0) << "the drag began on the button without clicking it";
+    window.click(*screen->items().value(u"wide"_s), {100, 100});
+    EXPECT_EQ(taps, 1);
+
+    // A keyboard over an element that scrolls lets the page scroll by its height, until it goes;
+    // one below every such element changes nothing.
+    for (const auto &[bottom, expectedHeight] : {std::pair{400, 667}, std::pair{500, 667 + 216}}) {
+        const auto form = quickScreen(uR"({"shapes": {
+            "field": {"x": "0", "y": "%1", "width": "100", "height": "0", "anchored": "false"}}})"_s.arg(bottom));
+        ASSERT_TRUE(form);
+        form->keyboardWillShow(216);
+        EXPECT_EQ(form->contentHeight(), expectedHeight) << bottom;
+        form->scrollTo(1000);
+        EXPECT_EQ(form->scrollOffset(), expectedHeight - 667);
+        form->keyboardWillHide();
+        EXPECT_EQ(form->contentHeight(), 667);
+        EXPECT_EQ(form->scrollOffset(), 0);
+    }
 
     // A size change lays the page out again once the relayout interval passed.
     test::ManualClockScope time;
@@ -261,12 +308,33 @@ TEST(QuickScreen, WheelAndDragScrollTheTallPageWhileAnchoredElementsStayPut)
     EXPECT_EQ(screen->page().layoutSize(), QSize(375, 1200));
 }
 
-// The sample screens and every screen of the sample, example and demo experiences, with the
-// folder their named images lie in.
+// Every look an element box, a label, a button and a switch can take, on one screen.
+const char *const looksScreen = R"({
+    "backgroundGradient": {"colors": ["#203040", "#4060A0"]},
+    "shapes": {"card": {"x": "20", "y": "40", "width": "200", "height": "120", "cornerRadius": "16",
+                        "backgroundColor": "#FFFFFF", "borderSize": "3", "borderColor": "#FF8800",
+                        "objectShadow": ["#000000", "8", "4", "6"]},
+               "dot": {"x": "250", "y": "40", "width": "80", "height": "80", "cornerRadius": "circle", "alpha": "0.5",
+                       "backgroundGradient": {"colors": ["#FF0000", "#00FF00"], "radius": "40"}},
+               "inner": {"x": "0", "y": "0", "width": "60", "height": "30", "backgroundColor": "#00AA00"}},
+    "groups": {"box": {"x": "20", "y": "200", "width": "300", "height": "100", "backgroundColor": "#DDDDFF",
+                       "borderSize": "4", "borderColor": "#000000", "elements": ["inner", "caption"]}},
+    "labels": {"caption": {"x": "80", "y": "10", "width": "200", "height": "60", "text": "A caption in a group",
+                           "size": "18", "textColor": "#112233", "shadow": ["#FF0000", "2", "1", "1"]}},
+    "buttons": {"go": {"x": "40", "y": "340", "width": "280", "height": "50", "objectShadow": ["#000000", "6", "0", "4"],
+                       "states": {"normal": {"text": "Go on", "textColor": "#FFFFFF", "backgroundColor": "#3355DD",
+                                             "cornerRadius": "25"}}},
+                "agree": {"x": "40", "y": "420", "width": "100", "height": "40", "buttonType": "toggleSwitch",
+                          "initialState": "on", "onTintColor": "#AA00AA"}}})";
+
+// The sample screens, a screen of every look and every screen of the sample, example and demo
+// experiences, with the folder their named images lie in.
 QList<std::pair<std::shared_ptr<const OSTScreen>, QString>> shippedScreens()
 {
-    QList<std::pair<std::shared_ptr<const OSTScreen>, QString>> screens{{sample(u"signup"_s), samplesFolder},
-                                                                        {sample(u"welcome"_s), samplesFolder}};
+    QList<std::pair<std::shared_ptr<const OSTScreen>, QString>> screens{
+        {sample(u"signup"_s), samplesFolder},
+        {sample(u"welcome"_s), samplesFolder},
+        {screenWithJson(QString::fromUtf8(looksScreen), u"looks"_s), samplesFolder}};
     for (const QString &folder : {u"tests/widgets/samples/experience"_s, u"examples/experience"_s, u"examples/demo/experience"_s}) {
         const QDir experience(QStringLiteral(QT_TESTCASE_SOURCEDIR "/../") + folder);
         QFile file(experience.filePath(u"experience.json"_s));
