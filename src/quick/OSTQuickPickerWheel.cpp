@@ -107,7 +107,9 @@ void OSTQuickPickerWheel::paint(QPainter *painter)
         if (current)
             painter->fillRect(rowRect, palette.color(QPalette::Highlight));
         painter->setPen(palette.color(current ? QPalette::HighlightedText : QPalette::Text));
-        painter->drawText(rowRect.adjusted(textInset, 0, -textInset, 0), int(m_rowAlignment), titleAtRow(row));
+        // A country row's code column ends in a tab.
+        painter->drawText(rowRect.adjusted(textInset, 0, -textInset, 0), int(m_rowAlignment) | Qt::TextExpandTabs,
+                          titleAtRow(row));
     }
 }
 

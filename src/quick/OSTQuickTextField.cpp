@@ -426,7 +426,6 @@ void OSTQuickTextField::inputMethodEvent(QInputMethodEvent *event)
             m_anchor = start;
             m_cursor = std::min(start + event->replacementLength(), m_text.size());
         }
-        m_preedit.clear();
         insert(event->commitString());
     }
     m_preedit = event->preeditString();

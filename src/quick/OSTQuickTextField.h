@@ -20,11 +20,13 @@ class OSTQuickShadow;
 class OSTQuickToolbar;
 
 // The single-line text input of a screen drawn by Qt Quick, behaving as the widget text field
-// does, from the same description (OSTTextFieldDescription): the normal and the invalid look
-// (the invalid one once the user has left the field, or a value was restored, while it is
-// invalid; each with its box and its shadow beneath the field), the placeholder while empty, the lengths and validation pattern, the formatting as
-// the user types (a phone field under its country picker's code), secure entry shown masked, the
-// keyboard's toolbar (Escape is its cancel, Return its done) and the input order.
+// does, from the same description (OSTTextFieldDescription) and the same rules
+// (OSTTextInputRules): the normal and the invalid look (the invalid one once the user has left
+// the field, or a value was restored, while it is invalid; each with its box and its shadow
+// beneath the field), the placeholder while empty, the lengths and validation pattern, the
+// formatting as the user types (a phone field under its country picker's code), secure entry
+// shown masked, the keyboard's toolbar (Escape is its cancel, Return its done) and the input
+// order. The widget field's clear button is not drawn: its look is the widget style's.
 //
 // It edits on its own, without Qt Quick's private text input: typed keys and input-method
 // commits are inserted at the caret (replacing the selection), Backspace and Delete remove,

@@ -86,6 +86,7 @@ TEST(QuickTextField, TypingAppliesTheLimitsAndTheFormattingAndReportsTheValue)
     // An input method's composition shows without being text; its commit string is inserted.
     phone->selectAll();
     QTest::keyClick(&window, Qt::Key_Backspace);
+    EXPECT_EQ(phone->text(), u""_s) << "Backspace removes the selection";
     OSTQuickTextField *name = fieldIn(window, R"({"placeholder": {"text": "Name"}})", 150);
     name->forceActiveFocus();
     ASSERT_TRUE(name->placeholderLabel());
@@ -181,6 +182,9 @@ TEST(QuickTextField, TheInvalidLookFollowsValidityOnceTheUserLeftAndRestoredValu
         return seen;
     };
     EXPECT_TRUE(colours().contains(0xffff00) && colours().contains(0xff0000)) << "the invalid box and text";
+    painted->forceActiveFocus();
+    EXPECT_FALSE(colours().contains(0xffff00)) << "not while the user edits it again";
+    other->forceActiveFocus();
     EXPECT_EQ(painted->findChildren<OSTQuickShadow *>().size(), 1) << "the invalid look's shadow";
     typeInto(painted, u"W"_s);
     other->forceActiveFocus();
