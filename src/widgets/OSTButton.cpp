@@ -175,6 +175,17 @@ void OSTButton::updateToggleValidity()
         itemModel->setValid(itemModel->isOptional() || isChecked());
 }
 
+void OSTButton::joinGroup(QObject &group, std::function<void()> tapped)
+{
+    disconnect(this, &OSTButton::tapped, nullptr, nullptr);
+    setCheckable(true);
+    connect(this, &OSTButton::tapped, &group, [this, tapped = std::move(tapped)] {
+        // The click has already toggled the button; the group decides instead.
+        setChecked(!isChecked());
+        tapped();
+    });
+}
+
 void OSTButton::modelDidChange()
 {
     if (isToggle())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTSelectionGroupMember.h"
 #include "model/OSTValidationItem.h"
 #include "paint/OSTButtonPainter.h"
 #include "screen/OSTButtonDescription.h"
@@ -22,7 +23,7 @@ class OSTImageView;
 // key when it has none).
 //
 // Lives on the GUI thread; owned by its parent widget.
-class OSTButton : public QAbstractButton, public OSTValidationItem {
+class OSTButton : public QAbstractButton, public OSTValidationItem, public OSTSelectionGroupMember {
     Q_OBJECT
 
 public:
@@ -46,6 +47,13 @@ public:
     QVariant value() const override;
     void setValue(const QVariant &value) override;
     bool shouldShowErrorMessage() const override { return true; }
+
+    // OSTSelectionGroupMember
+    const QString &memberKey() const override { return name(); }
+    bool isMemberSelected() const override { return isChecked(); }
+    void setMemberSelected(bool selected) override { setChecked(selected); }
+    QObject &memberObject() override { return *this; }
+    void joinGroup(QObject &group, std::function<void()> tapped) override;
 
 signals:
     // Released inside the button (or pressed from the keyboard), after a toggle changed.

@@ -1,6 +1,5 @@
 #include "widgets/OSTImagePickerButton.h"
 
-#include "core/OSTLogging.h"
 #include "model/OSTValidationItemModel.h"
 #include "widgets/OSTImageView.h"
 
@@ -68,40 +67,28 @@ void OSTImagePickerButton::showMenu()
 void OSTImagePickerButton::choosePicture()
 {
     const QString path = fileChooser()(window());
-    if (path.isEmpty()) {
-        handlePickedImage(QImage());
-        return;
-    }
-    QImageReader reader(path);
-    reader.setAutoTransform(true); // upright, whatever orientation the camera recorded
-    const QImage image = reader.read();
-    if (image.isNull())
-        OSTLogging::logWarning(u"The picture \"%1\" could not be read: %2"_s, path, reader.errorString());
-    handlePickedImage(image);
+    handlePickedImage(path.isEmpty() ? QImage() : OSTPictureChoice::readFile(path));
 }
 
 void OSTImagePickerButton::handlePickedImage(const QImage &image)
 {
-    m_shouldShowErrorMessage = true;
-    if (!image.isNull()) {
-        setCustomImage(image);
-        if (const auto itemModel = model())
-            itemModel->valueChanged();
-    }
-    validate();
+    if (m_choice.answer(image))
+        pictureChanged();
+    m_choice.judge(model().get());
 }
 
-void OSTImagePickerButton::setCustomImage(const QImage &image)
+void OSTImagePickerButton::pictureChanged()
 {
-    m_customImage = image;
-    if (!image.isNull() && normalBackground())
-        normalBackground()->setImage(image);
+    if (!customImage().isNull() && normalBackground())
+        normalBackground()->setImage(customImage());
     updateBackgrounds();
+    if (const auto itemModel = model())
+        itemModel->valueChanged();
 }
 
 void OSTImagePickerButton::updateBackgrounds()
 {
-    if (m_customImage.isNull()) {
+    if (customImage().isNull()) {
         OSTButton::updateBackgrounds();
         return;
     }
@@ -114,30 +101,22 @@ void OSTImagePickerButton::updateBackgrounds()
     update();
 }
 
-void OSTImagePickerButton::validate()
-{
-    if (const auto itemModel = model())
-        itemModel->setValid(itemModel->isOptional() || !m_customImage.isNull());
-}
-
 void OSTImagePickerButton::modelDidChange()
 {
-    validate();
+    m_choice.judge(model().get());
 }
 
 QVariant OSTImagePickerButton::value() const
 {
-    return m_customImage.isNull() ? QVariant() : QVariant(m_customImage);
+    return m_choice.value();
 }
 
 void OSTImagePickerButton::setValue(const QVariant &value)
 {
-    if (value.typeId() != QMetaType::QImage)
+    if (!m_choice.restore(value))
         return;
-    setCustomImage(value.value<QImage>());
-    if (const auto itemModel = model())
-        itemModel->valueChanged();
-    validate();
+    pictureChanged();
+    m_choice.judge(model().get());
 }
 
 } // namespace ostrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTPictureChoice.h"
 #include "widgets/OSTButton.h"
 
 #include <QImage>
@@ -33,7 +34,7 @@ public:
 
     static void setFileChooser(FileChooser chooser);
 
-    const QImage &customImage() const { return m_customImage; }
+    const QImage &customImage() const { return m_choice.image(); }
     // The menu a press opens, or null without an "imageSelector".
     QMenu *menu() const { return m_menu; }
     // Opens the chooser and takes its answer (what the menu's picture entry does).
@@ -43,7 +44,7 @@ public:
 
     QVariant value() const override;
     void setValue(const QVariant &value) override;
-    bool shouldShowErrorMessage() const override { return m_shouldShowErrorMessage; }
+    bool shouldShowErrorMessage() const override { return m_choice.hasAnswered(); }
 
 protected:
     void updateBackgrounds() override;
@@ -54,12 +55,11 @@ private:
 
     void prepareMenu(const OSTButtonDescription::ImageSelector &selector);
     void showMenu();
-    void setCustomImage(const QImage &image);
-    void validate();
+    // Shows the held picture and reports the new value.
+    void pictureChanged();
 
     QMenu *m_menu = nullptr; // child of the button
-    QImage m_customImage;
-    bool m_shouldShowErrorMessage = false;
+    OSTPictureChoice m_choice;
 };
 
 } // namespace ostrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/OSTRemoteImage.h"
 #include "screen/OSTImageDescription.h"
 #include "widgets/OSTView.h"
 
@@ -16,8 +17,7 @@ class OSTImageDisplay;
 // it, the cap insets that stretch only the middle and how it fills the box), named for assistive
 // technology by the description's accessibility label.
 //
-// The candidate addresses are loaded in order through the image manager until one gives an image;
-// when all fail the box stays empty. A required image reports, through requiredImageFinished(),
+// The picture is loaded as OSTRemoteImage does; when all its addresses fail the box stays empty. A required image reports, through requiredImageFinished(),
 // when it has finished loading, with an image or without.
 //
 // Lives on the GUI thread; owned by its parent widget.
@@ -32,28 +32,21 @@ public:
 
     QImage image() const;
     void setImage(const QImage &image);
-    bool isImageRequired() const { return m_imageRequired; }
+    bool isImageRequired() const { return m_remoteImage->isRequired(); }
     // Whether a required image is still being loaded; a screen that attaches after construction
     // counts the image as pending only then.
-    bool isLoadingRequiredImage() const { return m_imageRequired && m_loading; }
+    bool isLoadingRequiredImage() const { return isImageRequired() && m_remoteImage->isLoading(); }
     // The addresses this view tries, in order.
-    const QList<QUrl> &candidateURLs() const { return m_candidates; }
-
-    // The candidate addresses the properties name, in the order they are tried: the address the
-    // user property named by "{name}" holds (taken from `userProperties`), the image or its
-    // placeholder, the backup.
+    const QList<QUrl> &candidateURLs() const { return m_remoteImage->candidateURLs(); }
 
 signals:
     void requiredImageFinished();
 
 private:
-    void loadNextCandidate(qsizetype index);
     void finishLoadingWithImage(const QImage &image);
 
-    OSTImageDisplay *const m_display; // child of the container
-    QList<QUrl> m_candidates;
-    bool m_imageRequired = false;
-    bool m_loading = false;
+    OSTImageDisplay *const m_display;     // child of the container
+    OSTRemoteImage *const m_remoteImage; // child
 };
 
 } // namespace ostrel

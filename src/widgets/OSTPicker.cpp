@@ -200,7 +200,7 @@ void OSTPicker::dateChanged()
 void OSTPicker::tellDelegateOfCountry()
 {
     if (auto *delegate = qobject_cast<OSTPickerDelegate *>(m_delegate.data()))
-        delegate->pickerDidChangeCountry(*this, country(), countryCode());
+        delegate->pickerDidChangeCountry(type(), country(), countryCode());
 }
 
 void OSTPicker::showChoice(const QString &text)

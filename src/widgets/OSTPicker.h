@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/OSTPickerRowModel.h"
+#include "model/OSTPickerDelegate.h"
 #include "model/OSTValidationItem.h"
 #include "screen/OSTPickerDescription.h"
 #include "widgets/OSTInput.h"
@@ -24,23 +25,7 @@ namespace ostrel {
 
 class OSTImageView;
 class OSTLabel;
-class OSTPicker;
 class OSTToolbar;
-
-// Told of each country chosen in a country picker. A phone text field adopts it to format the
-// number under the chosen calling code. Adopted by QObjects only (Q_INTERFACES).
-class OSTPickerDelegate {
-public:
-    virtual ~OSTPickerDelegate() = default;
-    virtual void pickerDidChangeCountry(OSTPicker &picker, const QString &country, const QString &code) = 0;
-};
-
-
-} // namespace ostrel
-
-Q_DECLARE_INTERFACE(ostrel::OSTPickerDelegate, "com.ostrelhq.Ostrel.OSTPickerDelegate")
-
-namespace ostrel {
 
 // A picker input: shows its current choice in a label over the element's background and, when
 // opened, a wheel below it instead of a keyboard (a list, or a date editor) with the optional

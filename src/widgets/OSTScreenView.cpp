@@ -5,8 +5,6 @@
 #include "events/OSTInternalEvent.h"
 #include "experience/OSTAction.h"
 #include "experience/OSTScreen.h"
-#include "layout/OSTLayoutManager.h"
-#include "platform/OSTDeviceScreen.h"
 #include "screen/OSTButtonDescription.h"
 #include "screen/OSTImageDescription.h"
 #include "screen/OSTLabelDescription.h"
@@ -33,7 +31,6 @@
 #include <QScrollBar>
 
 #include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -41,21 +38,10 @@ namespace ostrel {
 
 namespace {
 
-const QString &backgroundKey = OSTScreenVocabulary::backgroundKey;
 const QString &errorMessageKey = OSTScreenVocabulary::errorMessageKey;
 const QString inputsCategory = u"inputs"_s;
 constexpr int errorAnimationMilliseconds = 250;
 const QString errorAnimationName = u"errorLayoutMove"_s;
-
-int roundedEdge(double edge)
-{
-    // A hostile layout can produce values far beyond any widget; they are held to the largest
-    // widget size so that the arithmetic on edges stays within int.
-    if (!std::isfinite(edge))
-        return 0;
-    const double limit = QWIDGETSIZE_MAX;
-    return int(std::floor(std::clamp(edge, -limit, limit) + 0.5));
-}
 
 // Whether the widget under a press is one that handles presses itself, so the page does not
 // count the press as a tap on the screen.
@@ -75,51 +61,29 @@ OSTScreenView *OSTScreenView::create(const std::shared_ptr<const OSTScreen> &scr
                                      const Substitution &substitution, UnresolvedLayout unresolved,
                                      QWidget *parent)
 {
-    if (!screen)
-        return nullptr;
-    const QString text = substitution ? substitution(screen->json()) : screen->json();
-    std::shared_ptr<const OSTScreenDocument> document = OSTScreenDocument::read(text);
-    if (!document)
-        return nullptr;
-    auto layoutManager = std::make_unique<OSTLayoutManager>(*document, QRectF(QPointF(), area),
-                                                            OSTDeviceScreen::statusBarHeight());
-    if (!layoutManager->resolveLayout() && unresolved == UnresolvedLayout::Fail) {
-        OSTLogging::logError(u"The layout of screen %1 cannot be resolved"_s, screen->key());
-        return nullptr;
-    }
-    return new OSTScreenView(screen, std::move(document), std::move(layoutManager), unresolved, parent);
+    std::unique_ptr<OSTScreenPage> page = OSTScreenPage::create(screen, area, substitution, unresolved);
+    return page ? new OSTScreenView(std::move(page), parent) : nullptr;
 }
 
-OSTScreenView::OSTScreenView(const std::shared_ptr<const OSTScreen> &screen,
-                             std::shared_ptr<const OSTScreenDocument> document,
-                             std::unique_ptr<OSTLayoutManager> layoutManager, UnresolvedLayout unresolved,
-                             QWidget *parent)
-    : QWidget(parent), m_screen(screen), m_document(std::move(document)), m_unresolved(unresolved),
-      m_layoutManager(std::move(layoutManager))
+OSTScreenView::OSTScreenView(std::unique_ptr<OSTScreenPage> page, QWidget *parent)
+    : QWidget(parent), m_page(std::move(page))
 {
-    const QSizeF area = m_layoutManager->baseElement()->frame().size();
-    resize(QSize(roundedEdge(area.width()), roundedEdge(area.height())));
-    m_layoutArea = size();
-    rememberKeySets();
+    m_page->setRelayoutHandler(this, [this] { reframeViews(OSTAnimation::Immediate); });
+    resize(m_page->layoutSize());
     buildPage();
-    prepareGroups();
     loadElements();
     connectInputs();
     fillContentView();
     fillGroups();
-    m_loaded = true;
+    m_page->finishBuilding();
 }
 
-OSTScreenView::~OSTScreenView()
-{
-    if (m_pendingRelayout)
-        OSTClock::current().cancel(*m_pendingRelayout);
-}
+OSTScreenView::~OSTScreenView() = default;
 
 void OSTScreenView::buildPage()
 {
     const QRect frame(QPoint(), size());
-    m_backdrop = new OSTView(frame, *m_document->backdrop(), this);
+    m_backdrop = new OSTView(frame, *document()->backdrop(), this);
     m_scrollView = new QScrollArea(this);
     m_scrollView->setGeometry(frame);
     m_scrollView->setFrameShape(QFrame::NoFrame);
@@ -136,33 +100,19 @@ void OSTScreenView::buildPage()
             &OSTScreenView::contentScrolled);
 }
 
-void OSTScreenView::prepareGroups()
-{
-    m_groupedViewKeys = m_document->groupedKeys();
-    m_groupedKeySet = QSet<QString>(m_groupedViewKeys.cbegin(), m_groupedViewKeys.cend());
-}
-
-void OSTScreenView::rememberKeySets()
-{
-    const QStringList &anchored = m_layoutManager->anchoredElementKeys();
-    m_anchoredKeySet = QSet<QString>(anchored.cbegin(), anchored.cend());
-}
-
 void OSTScreenView::loadElements()
 {
-    for (const QString &category : OSTScreenVocabulary::buildOrder()) {
-        // Selection groups take the buttons built before them; an input sharing a key with a
-        // group or a member replaces it.
-        if (category == inputsCategory)
-            loadSelectionGroups();
-        for (const auto &element : m_document->elements(category)) {
-            const QString &key = element->key();
-            if (QWidget *view = buildView(element, geometryForKey(*m_layoutManager, key))) {
-                view->setObjectName(key);
-                hideReplacedView(key);
-                m_views.insert(key, view);
-            }
-        }
+    m_page->build([this] { loadSelectionGroups(); },
+                  [this](const std::shared_ptr<const OSTElementDescription> &element) { loadElement(element); });
+}
+
+void OSTScreenView::loadElement(const std::shared_ptr<const OSTElementDescription> &element)
+{
+    const QString &key = element->key();
+    if (QWidget *view = buildView(element, geometryForKey(key))) {
+        view->setObjectName(key);
+        hideReplacedView(key);
+        m_views.insert(key, view);
     }
 }
 
@@ -245,12 +195,12 @@ QWidget *OSTScreenView::buildButton(const std::shared_ptr<const OSTButtonDescrip
 
 void OSTScreenView::loadSelectionGroups()
 {
-    for (const auto &description : m_document->selectionGroups()) {
+    for (const auto &description : document()->selectionGroups()) {
         const QString &key = description->key();
         auto *group = new OSTSelectionGroup(description, this);
         group->setDelegate(this);
         // Member buttons answer to their group, not on their own.
-        QList<OSTButton *> members;
+        QList<OSTSelectionGroupMember *> members;
         for (const QString &memberKey : group->elementKeys()) {
             if (auto *button = qobject_cast<OSTButton *>(m_views.value(memberKey))) {
                 members.append(button);
@@ -287,7 +237,7 @@ void OSTScreenView::connectInputs()
     QList<OSTInput *> inputs;
     OSTPicker *countryPicker = nullptr;
     OSTTextField *phoneField = nullptr;
-    for (const auto &element : m_document->elements(inputsCategory)) {
+    for (const auto &element : document()->elements(inputsCategory)) {
         QWidget *view = m_views.value(element->key());
         OSTInput *input = nullptr;
         if (auto *picker = qobject_cast<OSTPicker *>(view)) {
@@ -311,40 +261,25 @@ void OSTScreenView::connectInputs()
 
 void OSTScreenView::fillContentView()
 {
-    // Raising in order stacks later views on top; the background goes first so it lies lowest.
-    if (QWidget *background = m_views.value(backgroundKey))
-        background->raise();
-    for (const QString &key : m_layoutManager->elementKeysSortedByZLayer()) {
-        QWidget *view = m_views.value(key);
-        if (!view || m_groupedKeySet.contains(key) || key == backgroundKey)
-            continue;
-        view->raise();
+    // Raising in order stacks later views on top.
+    for (const QString &key : m_page->pageStackingOrder()) {
+        if (QWidget *view = m_views.value(key))
+            view->raise();
     }
 }
 
 void OSTScreenView::fillGroups()
 {
-    const QStringList &order = m_layoutManager->elementKeysSortedByZLayer();
-    QHash<QString, qsizetype> positions;
-    positions.reserve(order.size());
-    for (qsizetype index = 0; index < order.size(); ++index)
-        positions.insert(order.at(index), index);
-    const auto position = [&positions](const QString &key) {
-        return positions.value(key, std::numeric_limits<qsizetype>::max());
-    };
-    for (const auto &group : m_document->elements(u"groups"_s)) {
-        auto *groupView = qobject_cast<OSTView *>(m_views.value(group->key()));
+    for (const OSTScreenPage::GroupMembers &group : m_page->groupStackingOrder()) {
+        auto *groupView = qobject_cast<OSTView *>(m_views.value(group.group));
         if (!groupView)
             continue;
-        QStringList members = m_document->groupViewKeys(group->key());
-        std::stable_sort(members.begin(), members.end(),
-                         [&](const QString &a, const QString &b) { return position(a) < position(b); });
-        for (const QString &member : members)
+        for (const QString &member : group.members)
             placeInGroup(member, *groupView);
     }
     // A member that could not be placed (its group contains it in turn) would otherwise lie
     // loose in the content view; it is not shown.
-    for (const QString &key : m_groupedViewKeys) {
+    for (const QString &key : m_page->groupedKeys()) {
         if (QWidget *view = m_views.value(key); view && view->parentWidget() == m_contentView)
             view->hide();
     }
@@ -369,16 +304,14 @@ void OSTScreenView::watchRequiredImages(OSTImageView *imageView)
 {
     if (!imageView->isLoadingRequiredImage())
         return;
-    ++m_requiredImageCount;
+    m_page->requiredImageStarted();
     connect(imageView, &OSTImageView::requiredImageFinished, this, &OSTScreenView::requiredImageFinished,
             Qt::SingleShotConnection);
 }
 
 void OSTScreenView::requiredImageFinished()
 {
-    if (m_requiredImageCount > 0)
-        --m_requiredImageCount;
-    if (!isFullyLoaded())
+    if (!m_page->requiredImageFinished())
         return;
     if (const auto delegate = lockedDelegate())
         delegate->screenViewDidFinishLoadingRequiredImages(*this);
@@ -403,25 +336,25 @@ std::shared_ptr<OSTScreenViewDelegate> OSTScreenView::lockedDelegate() const
 void OSTScreenView::buttonTapped(OSTButton *button)
 {
     const QString actionName = button->action() ? button->action()->name() : QString();
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForButton(button->name(), actionName, *m_screen));
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForButton(button->name(), actionName, *screen()));
     if (const auto delegate = lockedDelegate())
         delegate->screenViewDidPressButton(*this, *button);
 }
 
 void OSTScreenView::switchTapped()
 {
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*m_screen));
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*screen()));
 }
 
 void OSTScreenView::inputDidTapReturn(OSTInput &input)
 {
     const auto *field = qobject_cast<const OSTTextField *>(&input.inputWidget());
     if (!field)
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForPickerReturn(*m_screen));
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForPickerReturn(*screen()));
     else if (field->type() == OSTTextFieldTypePhoneNumberPin && field->isAutoSubmit())
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldPINMatch(*m_screen));
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldPINMatch(*screen()));
     else
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldReturn(*m_screen));
+        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldReturn(*screen()));
     if (const auto delegate = lockedDelegate())
         delegate->screenViewShouldGoToNextScreen(*this);
 }
@@ -432,7 +365,7 @@ void OSTScreenView::selectionGroupDidTapButton(OSTSelectionGroup &group, const Q
     const OSTInternalEvent::SelectionGroupTap tap{group.name(), buttonName,
                                                   group.valueForElementWithKey(buttonName).toString(),
                                                   action ? action->name() : QString()};
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSelectionGroup(tap, *m_screen));
+    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSelectionGroup(tap, *screen()));
 }
 
 bool OSTScreenView::selectionGroupShouldHandleAction(OSTSelectionGroup &, const std::shared_ptr<const OSTAction> &action)
@@ -464,17 +397,12 @@ bool OSTScreenView::eventFilter(QObject *watched, QEvent *event)
     return true; // taking the press makes the page receive its release
 }
 
-bool OSTScreenView::isScrolling(const QString &key) const
-{
-    return !m_anchoredKeySet.contains(key) && !m_groupedKeySet.contains(key);
-}
-
 void OSTScreenView::contentScrolled(int offset)
 {
-    m_scrollOffset = offset;
-    for (const QString &key : m_layoutManager->anchoredElementKeys()) {
-        if (QWidget *view = m_views.value(key); view && !m_groupedKeySet.contains(key))
-            view->setGeometry(geometryForKey(currentLayout(), key));
+    m_page->setScrollOffset(offset);
+    for (const QString &key : m_page->anchoredPageKeys()) {
+        if (QWidget *view = m_views.value(key))
+            view->setGeometry(geometryForKey(key));
     }
 }
 
@@ -482,10 +410,10 @@ void OSTScreenView::keyboardWillShow(double keyboardHeight)
 {
     int lowestEdge = 0;
     for (auto view = m_views.cbegin(); view != m_views.cend(); ++view) {
-        if (isScrolling(view.key()))
+        if (m_page->isScrolling(view.key()))
             lowestEdge = std::max(lowestEdge, view.value()->geometry().bottom() + 1);
     }
-    const int inset = roundedEdge(keyboardHeight);
+    const int inset = OSTScreenPage::roundedEdge(keyboardHeight);
     if (lowestEdge <= height() - inset)
         return;
     m_keyboardInset = inset;
@@ -507,71 +435,32 @@ QImage OSTScreenView::renderImage(qreal ratio)
     return image;
 }
 
-QRect OSTScreenView::pixelGeometry(const QRectF &frame, QPointF parentOrigin)
+QRect OSTScreenView::geometryForKey(const QString &key) const
 {
-    const QPointF topLeft = parentOrigin + frame.topLeft();
-    const int left = roundedEdge(topLeft.x());
-    const int top = roundedEdge(topLeft.y());
-    const int right = roundedEdge(topLeft.x() + frame.width());
-    const int bottom = roundedEdge(topLeft.y() + frame.height());
-    const QPoint roundedParentOrigin(roundedEdge(parentOrigin.x()), roundedEdge(parentOrigin.y()));
-    return QRect(QPoint(left, top) - roundedParentOrigin, QSize(right - left, bottom - top));
-}
-
-QRect OSTScreenView::geometryForKey(const OSTLayoutManager &layout, const QString &key) const
-{
-    const std::shared_ptr<OSTLayoutElement> element = layout.elements().value(key);
-    if (!element)
+    std::optional<QRect> geometry = m_page->layoutGeometry(key);
+    if (!geometry)
         return QRect();
-    // The parent chain is short and acyclic in a resolved layout; the bound protects against a
-    // hostile one all the same.
-    QPointF parentOrigin;
-    qsizetype steps = layout.elements().size();
-    for (auto parent = element->parent(); parent && parent != layout.baseElement() && steps-- > 0;
-         parent = parent->parent())
-        parentOrigin += parent->frame().topLeft();
-    QRect geometry = pixelGeometry(layout.frameForKey(key), parentOrigin);
     if (qobject_cast<const OSTSwitch *>(m_views.value(key)))
-        geometry = OSTSwitch::frameInBox(geometry);
-    if (m_anchoredKeySet.contains(key) && !m_groupedKeySet.contains(key))
-        geometry.translate(0, m_scrollOffset);
-    return geometry;
+        geometry = OSTSwitch::frameInBox(*geometry);
+    return geometry->translated(0, m_page->scrollShift(key));
 }
 
 void OSTScreenView::showErrorMessage(const QString &message, OSTAnimation animation)
 {
     if (!m_errorLabel || m_errorLabel->text() == message)
         return;
-    buildErrorLayoutOnce();
-    m_showsError = !message.isNull();
-    m_errorLabel->customize(m_showsError ? *m_document->errorMessageWhileShowing() : *m_document->errorMessage());
+    m_page->setShowsError(!message.isNull());
+    m_errorLabel->customize(m_page->showsError() ? *document()->errorMessageWhileShowing() : *document()->errorMessage());
     m_errorLabel->setText(message);
-    reframeViews(currentLayout(), animation);
+    reframeViews(animation);
 }
 
-void OSTScreenView::buildErrorLayoutOnce()
-{
-    if (m_errorLayoutBuilt)
-        return;
-    m_errorLayoutBuilt = true;
-    auto errorLayout = std::make_unique<OSTLayoutManager>(*m_document, QRectF(QPointF(), QSizeF(size())),
-                                                          m_layoutManager->statusBarHeight());
-    errorLayout->updateLayout(m_document->errorMessageWhileShowing()->frame(), errorMessageKey);
-    if (errorLayout->resolveLayout())
-        m_errorLayoutManager = std::move(errorLayout);
-}
-
-const OSTLayoutManager &OSTScreenView::currentLayout() const
-{
-    return m_showsError && m_errorLayoutManager ? *m_errorLayoutManager : *m_layoutManager;
-}
-
-void OSTScreenView::reframeViews(const OSTLayoutManager &layout, OSTAnimation animation)
+void OSTScreenView::reframeViews(OSTAnimation animation)
 {
     for (auto view = m_views.cbegin(); view != m_views.cend(); ++view) {
         // A move still running towards an older layout would otherwise finish after this one.
         stopMoving(*view.value());
-        const QRect geometry = geometryForKey(layout, view.key());
+        const QRect geometry = geometryForKey(view.key());
         if (animation == OSTAnimation::Immediate || view.value()->geometry() == geometry) {
             view.value()->setGeometry(geometry);
             continue;
@@ -596,8 +485,7 @@ void OSTScreenView::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     resizePage();
-    if (size() != m_layoutArea)
-        scheduleRelayout();
+    m_page->resize(size());
 }
 
 void OSTScreenView::resizePage()
@@ -606,39 +494,6 @@ void OSTScreenView::resizePage()
     m_backdrop->setGeometry(frame);
     m_scrollView->setGeometry(frame);
     m_contentView->resize(width(), height() + m_keyboardInset);
-}
-
-void OSTScreenView::scheduleRelayout()
-{
-    if (m_pendingRelayout)
-        return;
-    m_pendingRelayout = OSTClock::current().schedule(relayoutInterval, this, [this] {
-        m_pendingRelayout.reset();
-        relayout();
-    });
-}
-
-void OSTScreenView::relayout()
-{
-    if (size() == m_layoutArea)
-        return;
-    auto layoutManager = std::make_unique<OSTLayoutManager>(*m_document, QRectF(QPointF(), QSizeF(size())),
-                                                            m_layoutManager->statusBarHeight());
-    const bool resolved = layoutManager->resolveLayout();
-    if (!resolved && m_unresolved == UnresolvedLayout::Fail) {
-        OSTLogging::logWarning(u"The layout of screen %1 cannot be resolved at %2 by %3; keeping the last one"_s,
-                               m_screen->key(), width(), height());
-        m_layoutArea = size();
-        return;
-    }
-    m_layoutManager = std::move(layoutManager);
-    m_layoutArea = size();
-    rememberKeySets();
-    m_errorLayoutManager.reset();
-    m_errorLayoutBuilt = false;
-    if (m_showsError)
-        buildErrorLayoutOnce();
-    reframeViews(currentLayout(), OSTAnimation::Immediate);
 }
 
 } // namespace ostrel

@@ -1,19 +1,15 @@
 #include "widgets/OSTTextField.h"
 
 #include "model/OSTValidationItemModel.h"
-#include "paint/OSTTextAttributes.h"
+#include "paint/OSTTextFieldLayout.h"
 #include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTLabel.h"
 #include "widgets/OSTToolbar.h"
 #include "widgets/OSTView.h"
 #include "widgets/OSTViewEffect.h"
 
-#include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QPainter>
-
-#include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -23,57 +19,6 @@ namespace {
 
 constexpr int defaultLeftInset = 10;
 constexpr int clearButtonRightInset = 16;
-
-Qt::Alignment verticalAlignmentOf(UIControlContentVerticalAlignment alignment)
-{
-    switch (alignment) {
-    case UIControlContentVerticalAlignmentTop:
-        return Qt::AlignTop;
-    case UIControlContentVerticalAlignmentBottom:
-        return Qt::AlignBottom;
-    case UIControlContentVerticalAlignmentCenter:
-    case UIControlContentVerticalAlignmentFill:
-        break;
-    }
-    return Qt::AlignVCenter;
-}
-
-Qt::Alignment horizontalAlignmentOfWord(const QString &word)
-{
-    OSTTextLook look;
-    look.alignment = NSTextAlignmentFromString(word);
-    return OSTTextAttributes(look).horizontalAlignment();
-}
-
-// "horizontalAlignment" places the text when no alignment word does; the text field's default
-// is the left edge. A single line has nothing to fill, so "fill" starts at the left too.
-Qt::Alignment horizontalAlignmentOf(const OSTTextFieldDescription &description)
-{
-    if (const std::optional<QString> &word = description.alignmentWord())
-        return horizontalAlignmentOfWord(*word);
-    if (!description.contentHorizontalAlignment())
-        return Qt::AlignLeft;
-    switch (*description.contentHorizontalAlignment()) {
-    case UIControlContentHorizontalAlignmentCenter:
-        return Qt::AlignHCenter;
-    case UIControlContentHorizontalAlignmentRight:
-        return Qt::AlignRight;
-    case UIControlContentHorizontalAlignmentLeft:
-    case UIControlContentHorizontalAlignmentFill:
-        break;
-    }
-    return Qt::AlignLeft;
-}
-
-// `font` scaled by `factor`, in the unit it was sized in.
-QFont scaledFont(QFont font, qreal factor, qreal minimumPixelSize)
-{
-    if (font.pixelSize() > 0)
-        font.setPixelSize(int(std::max(minimumPixelSize, std::floor(font.pixelSize() * factor))));
-    else
-        font.setPointSizeF(std::max(minimumPixelSize, font.pointSizeF() * factor));
-    return font;
-}
 
 } // namespace
 
@@ -115,7 +60,7 @@ void OSTTextField::applyBehaviour()
 {
     const OSTTextFieldDescription &description = *m_description;
     setEchoMode(m_rules.isSecure() ? Password : Normal);
-    setAlignment(horizontalAlignmentOf(description) | verticalAlignmentOf(description.verticalAlignment()));
+    setAlignment(OSTTextFieldLayout::fieldAlignment(description));
     setClearButtonEnabled(description.clearButtonMode() != UITextFieldViewModeNever);
 }
 
@@ -167,7 +112,8 @@ void OSTTextField::updateView()
         textPalette.setColor(QPalette::Text, state.textLook.textColor);
     setPalette(textPalette);
     if (state.alignmentWord)
-        setAlignment(horizontalAlignmentOfWord(*state.alignmentWord) | (this->alignment() & Qt::AlignVertical_Mask));
+        setAlignment(OSTTextFieldLayout::horizontalAlignmentOfWord(*state.alignmentWord)
+                     | (this->alignment() & Qt::AlignVertical_Mask));
 
     layOutOverlays();
     updateAccessibility();
@@ -210,14 +156,9 @@ void OSTTextField::keepCaretOutOfPrefix(int newPosition)
 
 void OSTTextField::fitTextToWidth()
 {
-    QFont fitted = m_textFont;
-    if (m_description->adjustsFontSizeToFitWidth()) {
-        // QLineEdit keeps two pixels free on either side of the text.
-        const qreal available = contentsRect().marginsRemoved(textMargins()).width() - 4;
-        const qreal natural = QFontMetricsF(m_textFont).horizontalAdvance(displayText());
-        if (natural > available && available > 0)
-            fitted = scaledFont(m_textFont, available / natural, std::max<qreal>(m_description->minimumFontSize(), 1));
-    }
+    // QLineEdit keeps two pixels free on either side of the text.
+    const qreal available = contentsRect().marginsRemoved(textMargins()).width() - 4;
+    const QFont fitted = OSTTextFieldLayout::fittedFont(*m_description, m_textFont, displayText(), available);
     if (fitted != font())
         setFont(fitted);
 }
@@ -267,9 +208,9 @@ void OSTTextField::validityChanged()
         textFieldShouldReturn();
 }
 
-void OSTTextField::pickerDidChangeCountry(OSTPicker &picker, const QString &country, const QString &code)
+void OSTTextField::pickerDidChangeCountry(OSTPickerType pickerType, const QString &country, const QString &code)
 {
-    if (picker.type() != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
+    if (pickerType != OSTPickerTypeCountryCode || !m_rules.isPhoneType())
         return;
     // The current text formatted again under the new calling code.
     const QString raw = m_rules.rawText(text());

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "model/OSTPickerDelegate.h"
 #include "model/OSTTextInputRules.h"
 #include "model/OSTValidationItem.h"
 #include "screen/OSTTextFieldDescription.h"
 #include "widgets/OSTInput.h"
-#include "widgets/OSTPicker.h"
 
 #include <ostrel/OSTPropertyConversions.h>
 
@@ -89,7 +89,7 @@ public:
     bool shouldShowErrorMessage() const override { return m_shouldShowInvalidState; }
     void validityChanged() override;
 
-    void pickerDidChangeCountry(OSTPicker &picker, const QString &country, const QString &code) override;
+    void pickerDidChangeCountry(OSTPickerType pickerType, const QString &country, const QString &code) override;
 
 protected:
     void focusInEvent(QFocusEvent *event) override;

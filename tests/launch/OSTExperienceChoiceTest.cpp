@@ -127,7 +127,7 @@ TEST(ExperienceVariables, UserPropertiesBecomeScreenVariablesUntilLogOut)
     EXPECT_EQ(experience.replaceDynamicVariables(u"Hi {first_name}"_s), u"Hi {first_name}"_s);
 }
 
-TEST(ExperienceHosts, AQGuiApplicationHostGetsNoWithOneWarningAndItsScreenInTheFingerprintWhenEverItStarts)
+TEST(ExperienceHosts, AQGuiApplicationHostWithoutAQuickWindowGetsNoWithOneWarningAndItsScreenInTheFingerprint)
 {
     QTemporaryDir bundle;
     test::OSTDevServerProcess server;
@@ -155,4 +155,14 @@ TEST(ExperienceHosts, AQGuiApplicationHostGetsNoWithOneWarningAndItsScreenInTheF
             EXPECT_TRUE(text.contains(u"early attribution answered"_s)) << output;
         }
     }
+
+    // A bare QWindow is no Qt Quick window: NO, with the reason.
+    QProcess host;
+    host.setProcessChannelMode(QProcess::MergedChannels);
+    host.start(QStringLiteral(OSTREL_CORE_HOST_PATH), {bundle.path(), u"after"_s, u"present"_s, u"window"_s});
+    ASSERT_TRUE(host.waitForFinished(60000));
+    const QString text = QString::fromLocal8Bit(host.readAll());
+    EXPECT_EQ(host.exitCode(), 0) << text.toStdString();
+    EXPECT_TRUE(text.contains(u"presented: no"_s)) << text.toStdString();
+    EXPECT_EQ(text.count(u"over the front-most window, a QWindow"_s), 1) << text.toStdString();
 }

@@ -7,14 +7,13 @@
 #include "OSTScreenTestSupport.h"
 
 #include "platform/OSTBundle.h"
+#include "support/OSTReferenceScreens.h"
 #include "support/OSTTestSupport.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -30,11 +29,6 @@ const QSizeF sampleArea(375, 667);
 QDir testFolder()
 {
     return QDir(QStringLiteral(QT_TESTCASE_SOURCEDIR "/widgets"));
-}
-
-QDir projectFolder()
-{
-    return QDir(QStringLiteral(QT_TESTCASE_SOURCEDIR "/.."));
 }
 
 QString sampleText(const QString &name)
@@ -65,80 +59,25 @@ QImage renderSample(const QString &name)
     return renderScreen(sampleText(name), name, testFolder().filePath(u"samples"_s));
 }
 
-// A screen with a stored reference picture: a screen file of the samples, or one screen of an
-// experience file.
-struct ReferenceScreen {
-    QString referenceName;
-    QString json;
-    QString key;
-    QString imagesFolder;
-};
-
-QList<ReferenceScreen> experienceScreens(const QString &experienceFolder, const QString &prefix)
-{
-    const QDir folder(projectFolder().filePath(experienceFolder));
-    QFile file(folder.filePath(u"experience.json"_s));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << experienceFolder.toStdString();
-    const QJsonObject screens = QJsonDocument::fromJson(file.readAll()).object().value("splash"_L1).toObject();
-    EXPECT_FALSE(screens.isEmpty()) << experienceFolder.toStdString();
-    QList<ReferenceScreen> list;
-    for (auto screen = screens.begin(); screen != screens.end(); ++screen) {
-        const QString json = QString::fromUtf8(QJsonDocument(screen.value().toObject()).toJson());
-        list.append({prefix + screen.key(), json, screen.key(), folder.filePath(u"images"_s)});
-    }
-    return list;
-}
-
-// Every screen the project ships or tests with: the sample screens, the screens of the sample
-// experience, of the example experience and of the demo.
-QList<ReferenceScreen> referenceScreens()
-{
-    QList<ReferenceScreen> list;
-    for (const QString &name : {u"welcome"_s, u"signup"_s})
-        list.append({name, sampleText(name), name, testFolder().filePath(u"samples"_s)});
-    list << experienceScreens(u"tests/widgets/samples/experience"_s, u"sample-experience-"_s)
-         << experienceScreens(u"examples/experience"_s, u"example-"_s)
-         << experienceScreens(u"examples/demo/experience"_s, u"demo-"_s);
-    return list;
-}
-
-// The share of pixels whose channels differ by more than `tolerance`, or 1 when the sizes differ.
-double differingShare(const QImage &actual, const QImage &expected, int tolerance)
-{
-    if (actual.size() != expected.size())
-        return 1;
-    qint64 differing = 0;
-    for (int y = 0; y < actual.height(); ++y) {
-        const auto *a = reinterpret_cast<const QRgb *>(actual.constScanLine(y));
-        const auto *e = reinterpret_cast<const QRgb *>(expected.constScanLine(y));
-        for (int x = 0; x < actual.width(); ++x) {
-            if (std::abs(qRed(a[x]) - qRed(e[x])) > tolerance || std::abs(qGreen(a[x]) - qGreen(e[x])) > tolerance
-                || std::abs(qBlue(a[x]) - qBlue(e[x])) > tolerance || std::abs(qAlpha(a[x]) - qAlpha(e[x])) > tolerance)
-                ++differing;
-        }
-    }
-    return double(differing) / (double(actual.width()) * actual.height());
-}
-
 const QStringList sampleNames = {u"welcome"_s, u"signup"_s};
 
 // Pixel for pixel: the references were rendered before the screens' reading moved into one
 // document, and any change of look must be deliberate.
 TEST(SampleScreens, EveryScreenMatchesItsReferenceExactly)
 {
-    const QList<ReferenceScreen> screens = referenceScreens();
+    const QList<test::ReferenceScreen> screens = test::OSTReferenceScreens::all();
     ASSERT_GE(screens.size(), 16);
-    for (const ReferenceScreen &screen : screens) {
+    for (const test::ReferenceScreen &screen : screens) {
         SCOPED_TRACE(screen.referenceName.toStdString());
         const QImage rendered = renderScreen(screen.json, screen.key, screen.imagesFolder);
         ASSERT_EQ(rendered.size(), QSize(750, 1334));
-        const QString reference = testFolder().filePath(u"references/%1.png"_s.arg(screen.referenceName));
+        const QString reference = test::OSTReferenceScreens::referencePath(screen);
         if (qEnvironmentVariableIsSet("OSTREL_UPDATE_REFERENCES")) {
             ASSERT_TRUE(rendered.save(reference));
         }
         const QImage expected = QImage(reference).convertToFormat(QImage::Format_ARGB32);
         ASSERT_FALSE(expected.isNull()) << "no reference at " << reference.toStdString();
-        EXPECT_EQ(differingShare(rendered, expected, 0), 0.0);
+        EXPECT_EQ(test::OSTReferenceScreens::differingShare(rendered, expected, 0), 0.0);
     }
 }
 
@@ -160,7 +99,7 @@ TEST(SampleScreens, PreviewWritesExactlyWhatTheScreenViewRenders)
         EXPECT_EQ(preview.exitCode(), 0) << preview.readAllStandardError().toStdString();
         const QImage written = QImage(output.filePath(u"out.png"_s)).convertToFormat(QImage::Format_ARGB32);
         ASSERT_EQ(written.size(), rendered.size());
-        EXPECT_EQ(differingShare(written, rendered, 0), 0.0);
+        EXPECT_EQ(test::OSTReferenceScreens::differingShare(written, rendered, 0), 0.0);
     }
 #endif
 }

@@ -11,7 +11,7 @@
 #include "widgets/OSTInput.h"
 #include "widgets/OSTLabel.h"
 #include "widgets/OSTPicker.h"
-#include "widgets/OSTSelectionGroup.h"
+#include "model/OSTSelectionGroup.h"
 #include "widgets/OSTSwitchControl.h"
 #include "widgets/OSTTextField.h"
 #include "widgets/OSTView.h"
@@ -131,7 +131,7 @@ TEST(ScreenView, FractionalFramesRoundByEdgesSoNeighboursTouchInAndOutOfGroups)
         {{1e57, 0, 1e60, 10}, {}, {QWIDGETSIZE_MAX, 0, 0, 10}}, // held to the largest widget
     };
     for (const Case &c : cases)
-        EXPECT_EQ(OSTScreenView::pixelGeometry(c.frame, c.parentOrigin), c.expected) << c.frame.x();
+        EXPECT_EQ(OSTScreenPage::pixelGeometry(c.frame, c.parentOrigin), c.expected) << c.frame.x();
 
     const auto view = screenView(uR"({
         "shapes": {"left": {"x": "0", "y": "0", "width": "12.75", "height": "10"},

@@ -4,7 +4,7 @@
 #include "experience/OSTAction.h"
 #include "model/OSTValidationItemModel.h"
 #include "widgets/OSTButton.h"
-#include "widgets/OSTSelectionGroup.h"
+#include "model/OSTSelectionGroup.h"
 
 #include "../model/OSTValidationTestFakes.h"
 #include "OSTInputTestSupport.h"

@@ -7,24 +7,15 @@
 #include "experience/OSTScreen.h"
 #include "platform/OSTBundle.h"
 #include "screen/OSTScreenVocabulary.h"
-#include "widgets/OSTButton.h"
-#include "widgets/OSTImageView.h"
-#include "widgets/OSTScreenView.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QFileInfo>
-#include <QWidget>
 
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
-using ostrel::OSTScreenView;
 
 namespace {
-
-// Images come from files or the service; a preview gives them this long (real time) to arrive.
-constexpr int imageWaitMilliseconds = 10000;
 
 void print(FILE *stream, const QString &line)
 {
@@ -32,23 +23,15 @@ void print(FILE *stream, const QString &line)
     std::fflush(stream);
 }
 
-QList<ostrel::OSTImageView *> imageViewsOf(const OSTScreenView &view)
-{
-    return view.contentView()->findChildren<ostrel::OSTImageView *>();
-}
-
 } // namespace
 
-PreviewApp::PreviewApp(PreviewOptions options) : m_options(std::move(options))
+PreviewApp::PreviewApp(PreviewOptions options, std::unique_ptr<ScreenRenderer> renderer)
+    : m_options(std::move(options)), m_renderer(std::move(renderer))
 {
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &PreviewApp::fileChanged);
 }
 
-PreviewApp::~PreviewApp()
-{
-    if (!m_window)
-        delete m_view.data();
-}
+PreviewApp::~PreviewApp() = default;
 
 std::optional<int> PreviewApp::start()
 {
@@ -112,70 +95,22 @@ bool PreviewApp::renderOnce()
     const auto substitute = [variables = m_options.variables](const QString &text) {
         return ostrel::OSTExperienceManager::replaceDynamicVariables(text, variables);
     };
-    QWidget *parent = m_window.get();
-    OSTScreenView *view = OSTScreenView::create(screen, QSizeF(m_options.size), substitute,
-                                                OSTScreenView::UnresolvedLayout::ShowResolved, parent);
-    if (!view) {
+    if (!m_renderer->build(screen, m_options.size, substitute)) {
         print(stderr, u"%1: the screen does not parse; nothing rendered"_s.arg(source.path));
         return false;
     }
-    waitForImages(*view);
-    reportImages(*view);
+    m_renderer->waitForImages();
     if (m_options.window) {
-        if (!m_window) {
-            m_window = std::make_unique<QWidget>();
-            m_window->setWindowTitle(u"ostrel-preview: %1"_s.arg(source.screenKey));
-            view->setParent(m_window.get());
-        }
-        delete m_view.data();
-        m_view = view;
-        m_window->resize(m_options.size);
-        view->resize(m_window->size());
-        view->show();
-        m_window->show();
+        m_renderer->show(m_options.size, u"ostrel-preview: %1"_s.arg(source.screenKey));
         return true;
     }
-    delete m_view.data();
-    m_view = view;
-    const QImage image = view->renderImage(m_options.ratio);
+    const QImage image = m_renderer->image(m_options.ratio);
     if (!image.save(m_options.output, "PNG")) {
         print(stderr, u"cannot write %1"_s.arg(m_options.output));
         return false;
     }
     print(stdout, u"wrote %1 (%2x%3)"_s.arg(m_options.output).arg(image.width()).arg(image.height()));
     return true;
-}
-
-void PreviewApp::waitForImages(OSTScreenView &view) const
-{
-    const QDeadlineTimer deadline(imageWaitMilliseconds);
-    const auto pending = [&view] {
-        for (const ostrel::OSTImageView *image : imageViewsOf(view)) {
-            if (!image->candidateURLs().isEmpty() && image->image().isNull() && image->isLoadingRequiredImage())
-                return true;
-        }
-        return !view.isFullyLoaded();
-    };
-    // Named images and failures arrive on the next turns of the event loop; downloads later.
-    for (int turn = 0; turn < 3; ++turn)
-        QCoreApplication::processEvents();
-    while (pending() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-}
-
-void PreviewApp::reportImages(const OSTScreenView &view) const
-{
-    for (const ostrel::OSTImageView *image : imageViewsOf(view)) {
-        if (image->candidateURLs().isEmpty() || !image->image().isNull())
-            continue;
-        QStringList addresses;
-        for (const QUrl &url : image->candidateURLs())
-            addresses << url.toString();
-        QString owner;
-        for (const QObject *object = image; object && owner.isEmpty(); object = object->parent())
-            owner = object->objectName();
-        print(stderr, u"warning: image of \"%1\" failed to load: %2"_s.arg(owner, addresses.join(u", "_s)));
-    }
 }
 
 void PreviewApp::fileChanged()

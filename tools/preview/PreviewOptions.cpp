@@ -45,7 +45,9 @@ std::optional<PreviewOptions> PreviewOptions::parse(const QStringList &arguments
     const QCommandLineOption watch(u"watch"_s, u"Render again whenever the file changes."_s);
     const QCommandLineOption window(u"window"_s, u"Show the screen in a window instead of writing a PNG."_s);
     const QCommandLineOption check(u"check"_s, u"Check the file and print each problem; exit 1 when there are any."_s);
-    parser.addOptions({screen, size, ratio, output, variable, images, watch, window, check});
+    const QCommandLineOption toolkit(u"toolkit"_s, u"The toolkit that draws the screen: widgets (default) or quick."_s,
+                                     u"toolkit"_s, u"widgets"_s);
+    parser.addOptions({screen, size, ratio, output, variable, images, watch, window, check, toolkit});
     if (!parser.parse(arguments)) {
         fail(parser.errorText());
         return std::nullopt;
@@ -83,5 +85,11 @@ std::optional<PreviewOptions> PreviewOptions::parse(const QStringList &arguments
     options.watch = parser.isSet(watch);
     options.window = parser.isSet(window);
     options.check = parser.isSet(check);
+    const QString toolkitName = parser.value(toolkit);
+    if (toolkitName != u"widgets"_s && toolkitName != u"quick"_s) {
+        fail(u"--toolkit takes widgets or quick, not \"%1\""_s.arg(toolkitName));
+        return std::nullopt;
+    }
+    options.toolkit = toolkitName == u"quick"_s ? Toolkit::Quick : Toolkit::Widgets;
     return options;
 }

@@ -2,7 +2,8 @@
 // Quick application would. Arguments: the main bundle folder, then "before" to start the SDK (and
 // ask for attribution) before the application object exists or "after" to start it once the
 // object exists, then optionally "present" to make a QGuiApplication and present an experience
-// once launched (printing "presented: yes" or "presented: no"). Without it, exits 0 once the
+// once launched (printing "presented: yes" or "presented: no"), and after it "window" to show a
+// bare QWindow (no Qt Quick window) first. Without it, exits 0 once the
 // launch has finished with success, 1 when it finished without; 2 on bad arguments. The test that
 // runs it bounds the wait.
 
@@ -12,10 +13,12 @@
 #include <QGuiApplication>
 #include <QTimer>
 #include <QUrl>
+#include <QWindow>
 
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -39,10 +42,11 @@ void presentThenQuit()
 
 int main(int argc, char **argv)
 {
-    if (argc != 3 && !(argc == 4 && std::strcmp(argv[3], "present") == 0))
+    const bool presents = argc >= 4 && std::strcmp(argv[3], "present") == 0;
+    const bool showsWindow = argc == 5 && std::strcmp(argv[4], "window") == 0;
+    if (argc != 3 && !(argc == 4 && presents) && !(presents && showsWindow))
         return 2;
     const bool startFirst = std::strcmp(argv[2], "before") == 0;
-    const bool presents = argc == 4;
     ostrel::Ostrel::setMainBundlePath(QString::fromLocal8Bit(argv[1]));
     ostrel::Ostrel::setLoggingLevel(ostrel::OSTLoggingLevelInfo);
     if (startFirst) {
@@ -54,6 +58,9 @@ int main(int argc, char **argv)
         });
     }
     const std::unique_ptr<QCoreApplication> application = makeApplication(presents, argc, argv);
+    std::optional<QWindow> window; // a QCoreApplication can make none
+    if (showsWindow)
+        window.emplace().show();
     if (!startFirst)
         ostrel::Ostrel::start();
     ostrel::Ostrel::executeAfterLaunch([presents](bool success) {

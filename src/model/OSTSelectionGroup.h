@@ -14,7 +14,7 @@
 namespace ostrel {
 
 class OSTAction;
-class OSTButton;
+class OSTSelectionGroupMember;
 class OSTSelectionGroup;
 
 // Told of the taps in a selection group; the screen adopts it. Adopted by QObjects only
@@ -39,8 +39,8 @@ namespace ostrel {
 // A set of a screen's buttons acting as one input: single choice ("maximumSelection" 1, a new
 // choice replaces the old) or multiple choice between "minimumSelection" and
 // "maximumSelection" (0: no upper bound; a tap beyond the bound is refused, not swapped). It is
-// not a view: the screen gives it its member buttons (setElements), whose taps it then handles
-// instead of anyone else. Its members with their values, its bounds and its action (passed on
+// not a view: the screen gives it its member buttons (setElements, buttons of either toolkit as
+// OSTSelectionGroupMember), whose taps it then handles instead of anyone else. Its members with their values, its bounds and its action (passed on
 // once at least the minimum is selected) come from its description (OSTSelectionGroupDescription).
 //
 // Its value is the list of the selected buttons' values, in the order of the buttons. It is
@@ -62,20 +62,20 @@ public:
     const QStringList &elementKeys() const { return m_description->memberKeys(); }
     const QVariantList &values() const { return m_description->memberValues(); }
     // The member buttons that still exist.
-    QList<OSTButton *> elements() const;
+    QList<OSTSelectionGroupMember *> elements() const;
     int maximumSelection() const { return m_description->maximumSelection(); }
     int minimumSelection() const { return m_description->minimumSelection(); }
     const std::shared_ptr<const OSTAction> &action() const { return m_description->action(); }
 
     // Takes over the buttons' taps: other receivers of their taps are disconnected.
-    void setElements(const QList<OSTButton *> &buttons);
+    void setElements(const QList<OSTSelectionGroupMember *> &buttons);
     void setDelegate(QObject *delegate);
     int currentSelection() const;
     // The value the button with this element key stands for; null for an unknown key.
     QVariant valueForElementWithKey(const QString &key) const;
     void validate();
     // Handles a tap on a member button, as the button's own tap does.
-    void elementTapped(OSTButton *button);
+    void elementTapped(OSTSelectionGroupMember *button);
 
     QVariant value() const override;
     // Selects exactly the buttons whose values the list holds (compared with their own type);
@@ -90,7 +90,11 @@ private:
     OSTSelectionGroupDelegate *delegate() const;
 
     const std::shared_ptr<const OSTSelectionGroupDescription> m_description;
-    QList<QPointer<OSTButton>> m_elements;
+    struct Element {
+        QPointer<QObject> object; // the member's lifetime
+        OSTSelectionGroupMember *member;
+    };
+    QList<Element> m_elements;
     bool m_shouldShowErrorMessage = false;
     QPointer<QObject> m_delegate;
 };

@@ -1,8 +1,8 @@
-#include "widgets/OSTSelectionGroup.h"
+#include "model/OSTSelectionGroup.h"
 
 #include "experience/OSTAction.h"
+#include "model/OSTSelectionGroupMember.h"
 #include "model/OSTValidationItemModel.h"
-#include "widgets/OSTButton.h"
 
 #include <algorithm>
 
@@ -17,33 +17,27 @@ OSTSelectionGroup::OSTSelectionGroup(std::shared_ptr<const OSTSelectionGroupDesc
 
 OSTSelectionGroup::~OSTSelectionGroup() = default;
 
-QList<OSTButton *> OSTSelectionGroup::elements() const
+QList<OSTSelectionGroupMember *> OSTSelectionGroup::elements() const
 {
-    QList<OSTButton *> buttons;
-    for (const QPointer<OSTButton> &button : m_elements)
-        if (button)
-            buttons.append(button);
+    QList<OSTSelectionGroupMember *> buttons;
+    for (const Element &element : m_elements)
+        if (element.object)
+            buttons.append(element.member);
     return buttons;
 }
 
-void OSTSelectionGroup::setElements(const QList<OSTButton *> &buttons)
+void OSTSelectionGroup::setElements(const QList<OSTSelectionGroupMember *> &buttons)
 {
-    for (const QPointer<OSTButton> &button : std::as_const(m_elements))
-        if (button)
-            disconnect(button, &OSTButton::tapped, this, nullptr);
+    for (const Element &element : std::as_const(m_elements))
+        if (element.object)
+            disconnect(element.object, nullptr, this, nullptr);
     m_elements.clear();
-    for (OSTButton *button : buttons) {
+    for (OSTSelectionGroupMember *button : buttons) {
         if (!button)
             continue;
         // A member button does nothing on its own: only the group decides its selected state.
-        disconnect(button, &OSTButton::tapped, nullptr, nullptr);
-        button->setCheckable(true);
-        connect(button, &OSTButton::tapped, this, [this](OSTButton *tapped) {
-            // The click has already toggled the button; the group decides instead.
-            tapped->setChecked(!tapped->isChecked());
-            elementTapped(tapped);
-        });
-        m_elements.append(button);
+        button->joinGroup(*this, [this, button] { elementTapped(button); });
+        m_elements.append({&button->memberObject(), button});
     }
 }
 
@@ -59,8 +53,9 @@ OSTSelectionGroupDelegate *OSTSelectionGroup::delegate() const
 
 int OSTSelectionGroup::currentSelection() const
 {
-    const QList<OSTButton *> buttons = elements();
-    return int(std::count_if(buttons.begin(), buttons.end(), [](const OSTButton *button) { return button->isChecked(); }));
+    const QList<OSTSelectionGroupMember *> buttons = elements();
+    return int(std::count_if(buttons.begin(), buttons.end(),
+                             [](const OSTSelectionGroupMember *button) { return button->isMemberSelected(); }));
 }
 
 QVariant OSTSelectionGroup::valueForElementWithKey(const QString &key) const
@@ -69,20 +64,20 @@ QVariant OSTSelectionGroup::valueForElementWithKey(const QString &key) const
     return index >= 0 ? values().at(index) : QVariant();
 }
 
-void OSTSelectionGroup::elementTapped(OSTButton *button)
+void OSTSelectionGroup::elementTapped(OSTSelectionGroupMember *button)
 {
     if (!button)
         return;
-    const QString buttonName = button->name();
-    if (maximumSelection() >= 2 && !button->isChecked() && currentSelection() >= maximumSelection()) {
+    const QString buttonName = button->memberKey();
+    if (maximumSelection() >= 2 && !button->isMemberSelected() && currentSelection() >= maximumSelection()) {
         if (OSTSelectionGroupDelegate *target = delegate())
             target->selectionGroupDidTapButton(*this, buttonName, nullptr);
         return;
     }
-    if (maximumSelection() == 1 && !button->isChecked())
-        for (OSTButton *member : elements())
-            member->setChecked(false);
-    button->setChecked(!button->isChecked());
+    if (maximumSelection() == 1 && !button->isMemberSelected())
+        for (OSTSelectionGroupMember *member : elements())
+            member->setMemberSelected(false);
+    button->setMemberSelected(!button->isMemberSelected());
 
     if (const std::shared_ptr<OSTValidationItemModel> itemModel = model())
         itemModel->valueChanged();
@@ -112,10 +107,10 @@ void OSTSelectionGroup::validate()
 QVariant OSTSelectionGroup::value() const
 {
     QVariantList selected;
-    for (OSTButton *button : elements()) {
-        if (!button->isChecked())
+    for (OSTSelectionGroupMember *button : elements()) {
+        if (!button->isMemberSelected())
             continue;
-        if (const QVariant value = valueForElementWithKey(button->name()); !value.isNull())
+        if (const QVariant value = valueForElementWithKey(button->memberKey()); !value.isNull())
             selected.append(value);
     }
     return selected;
@@ -129,8 +124,8 @@ void OSTSelectionGroup::setValue(const QVariant &value)
         if (const std::optional<QString> key = m_description->memberKeyForValue(entry))
             selectedKeys.append(*key);
     }
-    for (OSTButton *button : elements())
-        button->setChecked(selectedKeys.contains(button->name()));
+    for (OSTSelectionGroupMember *button : elements())
+        button->setMemberSelected(selectedKeys.contains(button->memberKey()));
 }
 
 void OSTSelectionGroup::modelDidChange()

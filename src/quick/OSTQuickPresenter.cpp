@@ -1,0 +1,32 @@
+#include "quick/OSTQuickPresenter.h"
+
+#include "quick/OSTQuickPresentation.h"
+
+#include <QQuickWindow>
+
+namespace ostrel {
+
+const std::shared_ptr<OSTQuickPresenter> &OSTQuickPresenter::shared()
+{
+    static const std::shared_ptr<OSTQuickPresenter> presenter = std::make_shared<OSTQuickPresenter>();
+    return presenter;
+}
+
+bool OSTQuickPresenter::drawsOver(const OSTExperienceSettings &settings, const QWindow *window) const
+{
+    // A widget the host names is the widget toolkit's to cover.
+    return settings.presentingViewController.isNull() && qobject_cast<const QQuickWindow *>(window);
+}
+
+std::shared_ptr<OSTExperiencePresenter::Presentation>
+OSTQuickPresenter::presentationWithSettings(const OSTExperienceSettings &settings)
+{
+    return std::make_shared<OSTQuickPresentation>(settings);
+}
+
+std::shared_ptr<OSTExperiencePresenter::Presentation> OSTQuickPresenter::presentationWithType(int)
+{
+    return nullptr;
+}
+
+} // namespace ostrel

@@ -1,0 +1,30 @@
+// Both toolkits, for the project's own tests, tools and benchmarks: Qt Quick first, so a
+// QQuickWindow is covered by Qt Quick even in a QApplication.
+#include "experience/OSTExperienceToolkits.h"
+#include "experience/OSTLinkedToolkits.h"
+#include "quick/OSTQuickExperience.h"
+#include "quick/OSTQuickPresenter.h"
+#include "widgets/OSTRootPresenter.h"
+
+#include <QCoreApplication>
+
+namespace ostrel {
+
+void OSTLinkedToolkits::install()
+{
+    OSTExperienceToolkits::shared()->add(OSTQuickPresenter::shared());
+    OSTExperienceToolkits::shared()->add(OSTRootPresenter::shared());
+}
+
+} // namespace ostrel
+
+namespace {
+
+void registerOstrelQmlTypes()
+{
+    ostrel::OSTQuickExperience::registerQmlType();
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(registerOstrelQmlTypes)
