@@ -72,13 +72,17 @@ QQuickItem *QuickAutoplayToolkit::topmostVisibleElementIn(QQuickItem *item, cons
 {
     if (!item->isVisible())
         return nullptr;
+    // An element's own parts (a picker's label, say) may carry its key too: the element is the
+    // outermost item with it.
+    if (item->objectName() == elementKey && isEffectivelyInsideWindow(*item))
+        return item;
     // Children are painted in this order, so the last one is on top.
     const QList<QQuickItem *> children = item->childItems();
     for (auto child = children.crbegin(); child != children.crend(); ++child) {
         if (QQuickItem *found = topmostVisibleElementIn(*child, elementKey))
             return found;
     }
-    return item->objectName() == elementKey && isEffectivelyInsideWindow(*item) ? item : nullptr;
+    return nullptr;
 }
 
 bool QuickAutoplayToolkit::isEffectivelyInsideWindow(const QQuickItem &item) const

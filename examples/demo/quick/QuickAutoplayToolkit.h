@@ -26,7 +26,8 @@ public:
 
 private:
     // The top-most item with that name that is visible and whose centre lies in the window, outside
-    // no clipping ancestor: screens that slid away may still hold one.
+    // no clipping ancestor: screens that slid away may still hold one. Of an item and the items
+    // inside it, the outer one.
     QQuickItem *visibleElement(const QString &elementKey) const;
     QQuickItem *topmostVisibleElementIn(QQuickItem *item, const QString &elementKey) const;
     bool isEffectivelyInsideWindow(const QQuickItem &item) const;
