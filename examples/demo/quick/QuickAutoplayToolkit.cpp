@@ -3,6 +3,8 @@
 #include <QQuickItem>
 #include <QTest>
 
+#include <algorithm>
+
 namespace ostrel::demo {
 
 namespace {
@@ -76,8 +78,9 @@ QQuickItem *QuickAutoplayToolkit::topmostVisibleElementIn(QQuickItem *item, cons
     // outermost item with it.
     if (item->objectName() == elementKey && isEffectivelyInsideWindow(*item))
         return item;
-    // Children are painted in this order, so the last one is on top.
-    const QList<QQuickItem *> children = item->childItems();
+    // Children are painted by z, then in the order they were added: the last one is on top.
+    QList<QQuickItem *> children = item->childItems();
+    std::ranges::stable_sort(children, std::ranges::less(), &QQuickItem::z);
     for (auto child = children.crbegin(); child != children.crend(); ++child) {
         if (QQuickItem *found = topmostVisibleElementIn(*child, elementKey))
             return found;
