@@ -4,9 +4,10 @@
 #include <QQuickPaintedItem>
 
 class QPropertyAnimation;
-class QVariantAnimation;
 
 namespace ostrel {
+
+class OSTLoadingIndicatorAnimation;
 
 // The cover a screen drawn by Qt Quick shows while the host checks a social log-in: a dim over the
 // whole screen with a turning spinner, faded in when presented and out when dismissed. While
@@ -16,20 +17,16 @@ namespace ostrel {
 // Lives on the GUI thread; a child item of the screen it covers, whose size it follows.
 class OSTQuickLoadingOverlay final : public QQuickPaintedItem {
     Q_OBJECT
-    Q_PROPERTY(qreal presence READ presence WRITE setPresence)
 
 public:
-    static constexpr int fadeMilliseconds = 250;
-
     explicit OSTQuickLoadingOverlay(QQuickItem *screen);
 
     void present();
     void dismiss();
-    bool isPresented() const { return m_presented; }
+    bool isPresented() const;
     // 0 invisible, 1 fully shown.
-    qreal presence() const { return m_presence; }
-    void setPresence(qreal presence);
-    QPropertyAnimation *fade() const { return m_fade; }
+    qreal presence() const;
+    QPropertyAnimation *fade() const;
 
     void paint(QPainter *painter) override;
 
@@ -42,11 +39,7 @@ private:
     void followScreenSize();
     void finishDismissal();
 
-    QPropertyAnimation *const m_fade; // child
-    QVariantAnimation *const m_spin;  // child
-    bool m_presented = false;
-    qreal m_presence = 0;
-    qreal m_spinnerAngle = 0;
+    OSTLoadingIndicatorAnimation *const m_animation; // child
     QPointer<QQuickItem> m_focusBeforePresenting;
 };
 

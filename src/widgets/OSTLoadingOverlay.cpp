@@ -1,34 +1,31 @@
 #include "widgets/OSTLoadingOverlay.h"
 
-#include "paint/OSTLoadingIndicatorPainter.h"
+#include "paint/OSTLoadingIndicatorAnimation.h"
 
-#include <QEasingCurve>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPropertyAnimation>
-#include <QVariantAnimation>
 
 namespace ostrel {
 
 OSTLoadingOverlay::OSTLoadingOverlay(QWidget *parent)
-    : QWidget(parent),
-      m_fade(new QPropertyAnimation(this, "presence", this)),
-      m_spin(new QVariantAnimation(this))
+    : QWidget(parent), m_animation(new OSTLoadingIndicatorAnimation(this))
 {
     hide();
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Loading"));
-    m_fade->setDuration(fadeMilliseconds);
-    m_fade->setEasingCurve(QEasingCurve::OutCubic);
-    m_spin->setStartValue(0.0);
-    m_spin->setEndValue(360.0);
-    m_spin->setDuration(OSTLoadingIndicatorPainter::turnMilliseconds);
-    m_spin->setLoopCount(-1);
-    connect(m_spin, &QVariantAnimation::valueChanged, this, [this](const QVariant &angle) {
-        m_indicatorAngle = angle.toReal();
-        update();
-    });
+    connect(m_animation, &OSTLoadingIndicatorAnimation::changed, this, [this] { update(); });
+    connect(m_animation, &OSTLoadingIndicatorAnimation::faded, this, &OSTLoadingOverlay::finishDismissal);
+}
+
+bool OSTLoadingOverlay::isPresented() const
+{
+    return m_animation->isShown();
+}
+
+qreal OSTLoadingOverlay::presence() const
+{
+    return m_animation->presence();
 }
 
 void OSTLoadingOverlay::presentOnView(QWidget *view)
@@ -41,48 +38,24 @@ void OSTLoadingOverlay::presentOnView(QWidget *view)
         setParent(view);
         view->installEventFilter(this);
     }
-    m_presented = true;
     m_focusBeforePresenting = view->focusWidget();
     setGeometry(view->rect());
-    m_fade->stop();
-    setPresence(0);
     show();
     raise();
     setFocus(Qt::OtherFocusReason);
-    m_spin->start();
-    m_fade->setStartValue(0.0);
-    m_fade->setEndValue(1.0);
-    m_fade->start();
+    m_animation->show();
 }
 
 void OSTLoadingOverlay::dismiss()
 {
-    if (!m_presented)
-        return;
-    m_presented = false;
-    m_fade->stop();
-    m_fade->setStartValue(m_presence);
-    m_fade->setEndValue(0.0);
-    disconnect(m_fade, &QPropertyAnimation::finished, this, nullptr);
-    connect(m_fade, &QPropertyAnimation::finished, this, &OSTLoadingOverlay::finishDismissal,
-            Qt::SingleShotConnection);
-    m_fade->start();
+    m_animation->hide();
 }
 
 void OSTLoadingOverlay::finishDismissal()
 {
-    if (m_presented)
-        return; // presented again while fading out
-    m_spin->stop();
     hide();
     if (m_focusBeforePresenting)
         m_focusBeforePresenting->setFocus(Qt::OtherFocusReason);
-}
-
-void OSTLoadingOverlay::setPresence(qreal presence)
-{
-    m_presence = std::clamp<qreal>(presence, 0, 1);
-    update();
 }
 
 bool OSTLoadingOverlay::eventFilter(QObject *watched, QEvent *event)
@@ -110,7 +83,7 @@ bool OSTLoadingOverlay::focusNextPrevChild(bool)
 void OSTLoadingOverlay::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    OSTLoadingIndicatorPainter::paint(painter, size(), m_presence, m_indicatorAngle);
+    m_animation->paint(painter, size());
 }
 
 } // namespace ostrel

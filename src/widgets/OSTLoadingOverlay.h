@@ -3,10 +3,9 @@
 #include <QPointer>
 #include <QWidget>
 
-class QPropertyAnimation;
-class QVariantAnimation;
-
 namespace ostrel {
+
+class OSTLoadingIndicatorAnimation;
 
 // The dimming layer with a spinning indicator that covers a view while a request runs. While it
 // is presented it covers the whole view (following its size), takes every click and key, and
@@ -16,7 +15,6 @@ namespace ostrel {
 // covered view, so it is destroyed with that view at the latest.
 class OSTLoadingOverlay final : public QWidget {
     Q_OBJECT
-    Q_PROPERTY(qreal presence READ presence WRITE setPresence)
 
 public:
     explicit OSTLoadingOverlay(QWidget *parent = nullptr);
@@ -26,12 +24,9 @@ public:
     // Fades out, then stops covering the view. Does nothing when not presented.
     void dismiss();
 
-    bool isPresented() const { return m_presented; }
+    bool isPresented() const;
     // From 0 (invisible) to 1 (fully shown); animated by present and dismiss.
-    qreal presence() const { return m_presence; }
-    void setPresence(qreal presence);
-
-    static constexpr int fadeMilliseconds = 250;
+    qreal presence() const;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -43,12 +38,8 @@ protected:
 private:
     void finishDismissal();
 
-    QPropertyAnimation *const m_fade;       // child
-    QVariantAnimation *const m_spin;        // child; turns the indicator while presented
+    OSTLoadingIndicatorAnimation *const m_animation; // child
     QPointer<QWidget> m_focusBeforePresenting;
-    qreal m_presence = 0;
-    qreal m_indicatorAngle = 0;
-    bool m_presented = false;
 };
 
 } // namespace ostrel
