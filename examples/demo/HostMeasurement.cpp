@@ -2,7 +2,7 @@
 
 #include <ostrel/Ostrel.h>
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QFile>
 #include <QRegularExpression>
@@ -58,14 +58,19 @@ void HostMeasurement::start()
 
 bool HostMeasurement::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Paint && !m_painted && m_sinceLaunchFinished.isValid()
-        && watched->objectName() == m_firstScreenElement) {
-        m_painted = true;
-        say(u"launch finished to first screen painted: %1 ms"_s.arg(m_sinceLaunchFinished.nsecsElapsed() / 1e6, 0, 'f', 1));
-        qApp->removeEventFilter(this);
-        reportMemoryAfterSettling();
-    }
+    if (event->type() == QEvent::Paint && watched->objectName() == m_firstScreenElement)
+        markFirstScreenPainted();
     return QObject::eventFilter(watched, event);
+}
+
+void HostMeasurement::markFirstScreenPainted()
+{
+    if (m_painted || !m_sinceLaunchFinished.isValid())
+        return;
+    m_painted = true;
+    say(u"launch finished to first screen painted: %1 ms"_s.arg(m_sinceLaunchFinished.nsecsElapsed() / 1e6, 0, 'f', 1));
+    qApp->removeEventFilter(this);
+    reportMemoryAfterSettling();
 }
 
 void HostMeasurement::reportMemoryAfterSettling()

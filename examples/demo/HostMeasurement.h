@@ -4,7 +4,6 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
-#include <QWidget>
 
 #include <chrono>
 #include <optional>
@@ -34,6 +33,10 @@ public:
 
     // Call before the SDK is started, so the launch-finished callback is the measurement's.
     void start();
+    // The first screen's element is on the glass. Qt Widgets tell by the element's paint event,
+    // which the measurement watches itself; a Qt Quick host calls this when a frame that shows the
+    // element was swapped. Only the first call after the launch finished counts.
+    void markFirstScreenPainted();
 
     // The totals of /proc/self/smaps_rollup; nullopt when it cannot be read.
     static std::optional<MemoryUsage> currentMemoryUsage();

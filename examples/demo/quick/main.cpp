@@ -1,10 +1,12 @@
 // ostrel-demo-quick: the demo host as a Qt Quick application (a QGuiApplication and a QML window,
 // no Qt Widgets): it shows the demo experience at start over its window, answers sign-ups and
 // log-ins itself and lists the SDK's events as they fire. With --autoplay it walks the install
-// flow by itself and checks what the development service received (see scripts/run-demo --quick).
+// flow by itself and checks what the development service received; with --measure it reports what the
+// experience costs the host (see scripts/run-demo --quick).
 // It registers no social log-in adapter: the development one draws a Qt Widgets dialog.
 #include "DemoExperienceDelegate.h"
 #include "DemoStart.h"
+#include "HostMeasurement.h"
 #include "EventListModel.h"
 #include "QuickAutoplayToolkit.h"
 #include "QuickDemoHost.h"
@@ -13,6 +15,7 @@
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTextStream>
 
@@ -42,13 +45,14 @@ QQuickWindow *loadWindow(QQmlApplicationEngine &engine, const QString &file, con
     return window;
 }
 
-bool refuseMeasurement(const DemoOptions &options)
+// Qt Quick items get no paint events: the first frame swapped while the first screen's element is
+// in the window's scene is the first screen painted.
+void markPaintsOf(QQuickWindow &window, HostMeasurement &measurement, const QString &firstScreenElement)
 {
-    if (!options.measure && !options.withoutSDK)
-        return false;
-    QTextStream(stderr) << "ostrel-demo-quick: --measure and --without-sdk are for the Qt Widgets demo, ostrel-demo"
-                        << Qt::endl;
-    return true;
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &measurement, [&window, &measurement, firstScreenElement] {
+        if (window.contentItem()->findChild<QQuickItem *>(firstScreenElement))
+            measurement.markFirstScreenPainted();
+    });
 }
 
 } // namespace
@@ -59,7 +63,7 @@ int main(int argc, char **argv)
     QGuiApplication::setApplicationName(u"ostrel-demo-quick"_s);
 
     const std::optional<DemoOptions> options = DemoStart::readOptions();
-    if (!options || refuseMeasurement(*options))
+    if (!options)
         return 2;
     useSoftwareRendererOffscreen();
 
@@ -67,9 +71,20 @@ int main(int argc, char **argv)
     EventListModel events;
     auto delegate = std::make_shared<DemoExperienceDelegate>(options->answerDelay);
     QObject::connect(delegate.get(), &DemoExperienceDelegate::received, &host, &QuickDemoHost::showHandOver);
-    Ostrel::setExperienceDelegate(delegate);
-    Ostrel::start();
-    host.refreshUser();
+    const QString firstScreenElement = u"welcomeTitle"_s;
+    std::unique_ptr<HostMeasurement> measurement;
+    if (options->measure) {
+        measurement = std::make_unique<HostMeasurement>(
+            options->withoutSDK ? HostMeasurement::SDK::NotStarted : HostMeasurement::SDK::Started, firstScreenElement,
+            options->timeLimit);
+        QObject::connect(measurement.get(), &HostMeasurement::finished, &application, &QCoreApplication::exit);
+        measurement->start();
+    }
+    if (!options->withoutSDK) {
+        Ostrel::setExperienceDelegate(delegate);
+        Ostrel::start();
+        host.refreshUser();
+    }
 
     QQmlApplicationEngine engine;
     QQuickWindow *eventWindow = loadWindow(engine, u"EventList.qml"_s, {{u"events"_s, QVariant::fromValue(&events)}});
@@ -80,11 +95,16 @@ int main(int argc, char **argv)
     host.setWindow(window);
     // Whichever window the platform activated last, key presses must reach the host's.
     window->requestActivate();
+    if (options->withoutSDK)
+        return QGuiApplication::exec();
+    if (measurement)
+        markPaintsOf(*window, *measurement, firstScreenElement);
 
     OSTExperienceSettings settings = OSTExperienceSettings::settings();
     settings.presentingWindow = window;
-    DemoStart::presentAutomaticExperience(settings, options->autoplay ? DemoStart::WhenNothingShows::ExitWithFailure
-                                                                      : DemoStart::WhenNothingShows::KeepRunning);
+    DemoStart::presentAutomaticExperience(settings, options->autoplay || options->measure
+                                                        ? DemoStart::WhenNothingShows::ExitWithFailure
+                                                        : DemoStart::WhenNothingShows::KeepRunning);
 
     std::unique_ptr<AutoplayWalk> walk;
     if (options->autoplay)
