@@ -3,6 +3,7 @@
 #include "model/OSTValidationItemModel.h"
 #include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickImage.h"
+#include "quick/OSTQuickPaintedLayer.h"
 #include "quick/OSTQuickShadow.h"
 
 #include <QGuiApplication>
@@ -15,7 +16,7 @@ namespace ostrel {
 
 OSTQuickButton::OSTQuickButton(const QRect &frame, std::shared_ptr<const OSTButtonDescription> description,
                                QQuickItem *parent)
-    : QQuickPaintedItem(parent), m_description(std::move(description)), m_buttonPainter(*m_description->states()),
+    : QQuickItem(parent), m_description(std::move(description)), m_buttonPainter(*m_description->states()),
       m_checkable(m_description->isToggle())
 {
     setObjectName(name());
@@ -37,6 +38,8 @@ OSTQuickButton::OSTQuickButton(const QRect &frame, std::shared_ptr<const OSTButt
         m_shadow->setZ(-2);
         m_shadow->setCornerRadius(m_normalBackground->boxPainter().cornerRadius(size()));
     }
+    m_face = new OSTQuickPaintedLayer([this](QPainter &painter) { paintFace(painter); }, this);
+    m_face->setSize(size());
     updateBackgrounds();
     // The title doubles as the name; the element key names a button without one.
     const QString &title = states.normal.title;
@@ -68,7 +71,7 @@ void OSTQuickButton::updateBackgrounds()
         m_highlightedBackground->setVisible(!disabled && pressed);
     if (m_disabledBackground)
         m_disabledBackground->setVisible(disabled);
-    update();
+    m_face->update();
 }
 
 OSTButtonPainter::State OSTQuickButton::shownState() const
@@ -172,11 +175,11 @@ void OSTQuickButton::setValue(const QVariant &value)
         itemModel->valueChanged();
 }
 
-void OSTQuickButton::paint(QPainter *painter)
+void OSTQuickButton::paintFace(QPainter &painter)
 {
-    m_buttonPainter.paintTitle(*painter, shownState(), boundingRect(), QGuiApplication::font());
+    m_buttonPainter.paintTitle(painter, shownState(), boundingRect(), QGuiApplication::font());
     if (hasActiveFocus())
-        OSTButtonPainter::paintFocusFrame(*painter, size(), shownBackgroundCornerRadius(),
+        OSTButtonPainter::paintFocusFrame(painter, size(), shownBackgroundCornerRadius(),
                                           QGuiApplication::palette().color(QPalette::Highlight));
 }
 
@@ -203,7 +206,7 @@ void OSTQuickButton::mouseUngrabEvent()
 void OSTQuickButton::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() != Qt::Key_Space && event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
-        QQuickPaintedItem::keyPressEvent(event);
+        QQuickItem::keyPressEvent(event);
         return;
     }
     click();
@@ -211,22 +214,24 @@ void OSTQuickButton::keyPressEvent(QKeyEvent *event)
 
 void OSTQuickButton::itemChange(ItemChange change, const ItemChangeData &value)
 {
-    QQuickPaintedItem::itemChange(change, value);
+    QQuickItem::itemChange(change, value);
     if (change == ItemEnabledHasChanged) {
         if (!isEnabled())
             setDown(false);
         updateBackgrounds();
     }
-    else if (change == ItemActiveFocusHasChanged)
-        update();
+    else if (change == ItemActiveFocusHasChanged && m_face)
+        m_face->update();
 }
 
 void OSTQuickButton::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
 {
-    QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
     for (OSTQuickImage *background : {m_normalBackground, m_highlightedBackground, m_disabledBackground})
         if (background)
             background->setSize(newGeometry.size());
+    if (m_face)
+        m_face->setSize(newGeometry.size());
     if (m_shadow)
         m_shadow->setCornerRadius(m_normalBackground->boxPainter().cornerRadius(newGeometry.size()));
 }

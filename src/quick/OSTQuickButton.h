@@ -5,7 +5,7 @@
 #include "paint/OSTButtonPainter.h"
 #include "screen/OSTButtonDescription.h"
 
-#include <QQuickPaintedItem>
+#include <QQuickItem>
 
 #include <memory>
 
@@ -13,12 +13,13 @@ namespace ostrel {
 
 class OSTAction;
 class OSTQuickImage;
+class OSTQuickPaintedLayer;
 class OSTQuickShadow;
 
 // The "buttons" element drawn by Qt Quick: a title and a background image per state, its opacity,
 // drop shadow and action, all from its description (OSTButtonDescription). The backgrounds are
-// image items beneath the button's own painting, the title and the focus frame (OSTButtonPainter);
-// the shadow is cast by a child item beneath them (OSTQuickShadow). A toggle takes part in
+// image items beneath the button's face, a child item painting the title and the focus frame
+// (OSTButtonPainter); the shadow is cast by a child item beneath them (OSTQuickShadow). A toggle takes part in
 // validation: a required toggle is valid while selected, an optional one always.
 //
 // A press shows the pressed state; a checkable button (a toggle, or a member of a selection
@@ -29,7 +30,7 @@ class OSTQuickShadow;
 // behind the title by overriding updateBackgrounds().
 //
 // Lives on the GUI thread; owned by its parent item. Its state backgrounds are child items.
-class OSTQuickButton : public QQuickPaintedItem, public OSTValidationItem, public OSTSelectionGroupMember {
+class OSTQuickButton : public QQuickItem, public OSTValidationItem, public OSTSelectionGroupMember {
     Q_OBJECT
 
 public:
@@ -68,7 +69,6 @@ public:
     QObject &memberObject() override { return *this; }
     void joinGroup(QObject &group, std::function<void()> tapped) override;
 
-    void paint(QPainter *painter) override;
 
 signals:
     // Released inside the button (or pressed from the keyboard), after a toggle changed.
@@ -96,12 +96,14 @@ private:
     qreal shownBackgroundCornerRadius() const;
     void setDown(bool down);
     void updateToggleValidity();
+    void paintFace(QPainter &painter);
 
     const std::shared_ptr<const OSTButtonDescription> m_description;
     OSTQuickImage *m_normalBackground = nullptr; // child items; null when the state is absent
     OSTQuickImage *m_highlightedBackground = nullptr;
     OSTQuickImage *m_disabledBackground = nullptr;
     OSTQuickShadow *m_shadow = nullptr; // child item; null without a shadow
+    OSTQuickPaintedLayer *m_face = nullptr; // child item above the backgrounds
     OSTButtonPainter m_buttonPainter;
     bool m_down = false;
     bool m_checkable = false;

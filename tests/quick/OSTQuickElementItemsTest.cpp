@@ -73,6 +73,21 @@ TEST(QuickButton, ShowsTheLookOfItsStateAndTakesNoPressWhileDisabled)
     EXPECT_EQ(taps, 4);
 }
 
+TEST(QuickButton, ADisabledButtonShowsItsTitleFromItsFirstFrame)
+{
+    test::QuickTestWindow window;
+    OSTQuickButton *button = buttonIn(window, R"({"states": {
+        "normal": {"text": "Continue", "textColor": "#FFFFFF", "backgroundColor": "#3A5BD9"},
+        "disabled": {"backgroundColor": "#FFFFFF", "textColor": "#000000"}}})");
+    button->setEnabled(false);
+    const QImage grab = window.grabWindow().copy(QRect(10, 10, 100, 40));
+    int dark = 0;
+    for (int y = 0; y < grab.height(); ++y)
+        for (int x = 0; x < grab.width(); ++x)
+            dark += qGray(grab.pixel(x, y)) < 100;
+    EXPECT_GT(dark, 20) << "the title lies above the disabled background";
+}
+
 TEST(QuickButton, AToggleStaysSelectedAndIsValidWhileSelectedUnlessOptional)
 {
     test::QuickTestWindow window;
