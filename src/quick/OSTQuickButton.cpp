@@ -130,18 +130,8 @@ void OSTQuickButton::click()
 
 void OSTQuickButton::clicked()
 {
-    if (isToggle()) {
-        updateToggleValidity();
-        if (const auto itemModel = model())
-            itemModel->valueChanged();
-    }
+    toggleTapped();
     emit tapped(this);
-}
-
-void OSTQuickButton::updateToggleValidity()
-{
-    if (const auto itemModel = model())
-        itemModel->setValid(itemModel->isOptional() || m_checked);
 }
 
 void OSTQuickButton::joinGroup(QObject &group, std::function<void()> tapped)
@@ -153,26 +143,6 @@ void OSTQuickButton::joinGroup(QObject &group, std::function<void()> tapped)
         setChecked(!isChecked());
         tapped();
     });
-}
-
-void OSTQuickButton::modelDidChange()
-{
-    if (isToggle())
-        updateToggleValidity();
-}
-
-QVariant OSTQuickButton::value() const
-{
-    return isToggle() ? QVariant(m_checked) : QVariant();
-}
-
-void OSTQuickButton::setValue(const QVariant &value)
-{
-    if (!value.canConvert<bool>() || !value.isValid())
-        return;
-    setChecked(value.toBool());
-    if (const auto itemModel = model())
-        itemModel->valueChanged();
 }
 
 void OSTQuickButton::paintFace(QPainter &painter)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "model/OSTSelectionGroupMember.h"
-#include "model/OSTValidationItem.h"
+#include "model/OSTToggleItem.h"
 #include "paint/OSTButtonPainter.h"
 #include "screen/OSTButtonDescription.h"
 
@@ -30,7 +29,7 @@ class OSTQuickShadow;
 // behind the title by overriding updateBackgrounds().
 //
 // Lives on the GUI thread; owned by its parent item. Its state backgrounds are child items.
-class OSTQuickButton : public QQuickItem, public OSTValidationItem, public OSTSelectionGroupMember {
+class OSTQuickButton : public QQuickItem, public OSTToggleItem {
     Q_OBJECT
 
 public:
@@ -57,15 +56,8 @@ public:
     // What a press released inside does: a checkable button changes its selection, then clicked().
     void click();
 
-    // A toggle's value is whether it is selected; a plain button has none.
-    QVariant value() const override;
-    void setValue(const QVariant &value) override;
-    bool shouldShowErrorMessage() const override { return true; }
-
     // OSTSelectionGroupMember
     const QString &memberKey() const override { return name(); }
-    bool isMemberSelected() const override { return isChecked(); }
-    void setMemberSelected(bool selected) override { setChecked(selected); }
     QObject &memberObject() override { return *this; }
     void joinGroup(QObject &group, std::function<void()> tapped) override;
 
@@ -80,7 +72,10 @@ protected:
     virtual void clicked();
     // Shows the background of the current state; subclasses that show their own picture override it.
     virtual void updateBackgrounds();
-    void modelDidChange() override;
+    // OSTToggleItem
+    bool isToggleButton() const override { return isToggle(); }
+    bool isSelected() const override { return isChecked(); }
+    void setSelected(bool selected) override { setChecked(selected); }
 
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -95,7 +90,6 @@ private:
     bool showsPressed() const;
     qreal shownBackgroundCornerRadius() const;
     void setDown(bool down);
-    void updateToggleValidity();
     void paintFace(QPainter &painter);
 
     const std::shared_ptr<const OSTButtonDescription> m_description;

@@ -161,18 +161,8 @@ void OSTButton::resizeEvent(QResizeEvent *event)
 
 void OSTButton::handleClick()
 {
-    if (isToggle()) {
-        updateToggleValidity();
-        if (const auto itemModel = model())
-            itemModel->valueChanged();
-    }
+    toggleTapped();
     emit tapped(this);
-}
-
-void OSTButton::updateToggleValidity()
-{
-    if (const auto itemModel = model())
-        itemModel->setValid(itemModel->isOptional() || isChecked());
 }
 
 void OSTButton::joinGroup(QObject &group, std::function<void()> tapped)
@@ -184,26 +174,6 @@ void OSTButton::joinGroup(QObject &group, std::function<void()> tapped)
         setChecked(!isChecked());
         tapped();
     });
-}
-
-void OSTButton::modelDidChange()
-{
-    if (isToggle())
-        updateToggleValidity();
-}
-
-QVariant OSTButton::value() const
-{
-    return isToggle() ? QVariant(isChecked()) : QVariant();
-}
-
-void OSTButton::setValue(const QVariant &value)
-{
-    if (!value.canConvert<bool>() || !value.isValid())
-        return;
-    setChecked(value.toBool());
-    if (const auto itemModel = model())
-        itemModel->valueChanged();
 }
 
 } // namespace ostrel

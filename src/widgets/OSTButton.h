@@ -1,7 +1,6 @@
 #pragma once
 
-#include "model/OSTSelectionGroupMember.h"
-#include "model/OSTValidationItem.h"
+#include "model/OSTToggleItem.h"
 #include "paint/OSTButtonPainter.h"
 #include "screen/OSTButtonDescription.h"
 
@@ -23,7 +22,7 @@ class OSTImageView;
 // key when it has none).
 //
 // Lives on the GUI thread; owned by its parent widget.
-class OSTButton : public QAbstractButton, public OSTValidationItem, public OSTSelectionGroupMember {
+class OSTButton : public QAbstractButton, public OSTToggleItem {
     Q_OBJECT
 
 public:
@@ -43,15 +42,8 @@ public:
     // The title shown in the current state.
     QString currentTitle() const;
 
-    // A toggle's value is whether it is selected; a plain button has none.
-    QVariant value() const override;
-    void setValue(const QVariant &value) override;
-    bool shouldShowErrorMessage() const override { return true; }
-
     // OSTSelectionGroupMember
     const QString &memberKey() const override { return name(); }
-    bool isMemberSelected() const override { return isChecked(); }
-    void setMemberSelected(bool selected) override { setChecked(selected); }
     QObject &memberObject() override { return *this; }
     void joinGroup(QObject &group, std::function<void()> tapped) override;
 
@@ -65,7 +57,10 @@ protected:
 
     // Shows the background of the current state; subclasses that show their own picture override it.
     virtual void updateBackgrounds();
-    void modelDidChange() override;
+    // OSTToggleItem
+    bool isToggleButton() const override { return isToggle(); }
+    bool isSelected() const override { return isChecked(); }
+    void setSelected(bool selected) override { setChecked(selected); }
     void paintEvent(QPaintEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -77,7 +72,6 @@ private:
     qreal shownBackgroundCornerRadius() const;
     OSTButtonPainter::State shownState() const;
     bool showsPressed() const;
-    void updateToggleValidity();
     void handleClick();
     void paintTitleLayer();
 
