@@ -1,6 +1,5 @@
 #include "quick/OSTQuickButton.h"
 
-#include "model/OSTValidationItemModel.h"
 #include "quick/OSTQuickAccessibility.h"
 #include "quick/OSTQuickImage.h"
 #include "quick/OSTQuickPaintedLayer.h"

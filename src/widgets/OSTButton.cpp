@@ -1,7 +1,6 @@
 #include "widgets/OSTButton.h"
 
 #include "experience/OSTAction.h"
-#include "model/OSTValidationItemModel.h"
 #include "widgets/OSTBackgroundView.h"
 #include "widgets/OSTImageView.h"
 #include "widgets/OSTViewEffect.h"
