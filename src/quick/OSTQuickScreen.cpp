@@ -1,10 +1,9 @@
 #include "quick/OSTQuickScreen.h"
 
 #include "core/OSTLogging.h"
-#include "events/OSTEventHook.h"
-#include "events/OSTInternalEvent.h"
 #include "experience/OSTAction.h"
 #include "experience/OSTScreen.h"
+#include "model/OSTTapEvents.h"
 #include "network/OSTImageManager.h"
 #include "quick/OSTQuickButton.h"
 #include "quick/OSTQuickElement.h"
@@ -365,8 +364,7 @@ void OSTQuickScreen::requiredImageFinished()
 
 void OSTQuickScreen::buttonTapped(OSTQuickButton *button)
 {
-    const QString actionName = button->action() ? button->action()->name() : QString();
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForButton(button->name(), actionName, *screen()));
+    OSTTapEvents::buttonTapped(*screen(), button->name(), button->action());
     // A picture button opens its own chooser instead of carrying out an action.
     if (button->description()->kind() != OSTElementKind::PictureButton)
         m_model->handleAction(button->action());
@@ -374,16 +372,13 @@ void OSTQuickScreen::buttonTapped(OSTQuickButton *button)
 
 void OSTQuickScreen::switchTapped()
 {
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*screen()));
+    OSTTapEvents::switchTapped(*screen());
 }
 
 void OSTQuickScreen::selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
                                                 const std::shared_ptr<const OSTAction> &action)
 {
-    const OSTInternalEvent::SelectionGroupTap tap{group.name(), buttonName,
-                                                  group.valueForElementWithKey(buttonName).toString(),
-                                                  action ? action->name() : QString()};
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSelectionGroup(tap, *screen()));
+    OSTTapEvents::selectionGroupTapped(*screen(), group, buttonName, action);
 }
 
 bool OSTQuickScreen::selectionGroupShouldHandleAction(OSTSelectionGroup &, const std::shared_ptr<const OSTAction> &action)
@@ -395,22 +390,8 @@ bool OSTQuickScreen::selectionGroupShouldHandleAction(OSTSelectionGroup &, const
 void OSTQuickScreen::inputDidTapReturn(OSTQuickInput &input)
 {
     const auto *field = qobject_cast<const OSTQuickTextField *>(&input.inputItem());
-    if (!field)
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForPickerReturn(*screen()));
-    else if (field->type() == OSTTextFieldTypePhoneNumberPin && autoSubmits(*field))
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldPINMatch(*screen()));
-    else
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldReturn(*screen()));
+    OSTTapEvents::inputReturned(*screen(), field ? &field->description() : nullptr);
     m_model->goToNextScreen();
-}
-
-bool OSTQuickScreen::autoSubmits(const OSTQuickTextField &field) const
-{
-    for (const auto &element : screenDocument().elements(inputsCategory)) {
-        if (element->key() == field.name() && element->kind() == OSTElementKind::TextField)
-            return static_cast<const OSTTextFieldDescription &>(*element).autoSubmits();
-    }
-    return false;
 }
 
 void OSTQuickScreen::tapRecognized()

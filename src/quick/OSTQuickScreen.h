@@ -129,7 +129,6 @@ private:
     void switchTapped();
     void inputDidTapReturn(OSTQuickInput &input);
     // Whether a PIN field sends a complete PIN on its own.
-    bool autoSubmits(const OSTQuickTextField &field) const;
     void tapRecognized();
     void beginPress(QPointF position);
     // Scrolls by how far the press moved once it moved past the drag distance; true then.

@@ -293,7 +293,7 @@ void OSTQuickTextField::validityChanged()
 {
     updateView();
     const std::shared_ptr<OSTValidationItemModel> itemModel = model();
-    if (m_description->autoSubmits() && itemModel && itemModel->isValid())
+    if (isAutoSubmit() && itemModel && itemModel->isValid())
         textFieldShouldReturn();
 }
 

@@ -63,6 +63,8 @@ public:
 
     const QString &name() const { return m_description->key(); }
     OSTTextFieldType type() const { return m_description->textType(); }
+    const OSTTextFieldDescription &description() const { return *m_description; }
+    bool isAutoSubmit() const { return m_description->autoSubmits(); }
     bool isSecure() const { return m_rules.isSecure(); }
     // 0 and -1 mean no limit.
     int maxLength() const { return m_description->maxLength(); }

@@ -1,10 +1,9 @@
 #include "widgets/OSTScreenView.h"
 
 #include "core/OSTLogging.h"
-#include "events/OSTEventHook.h"
-#include "events/OSTInternalEvent.h"
 #include "experience/OSTAction.h"
 #include "experience/OSTScreen.h"
+#include "model/OSTTapEvents.h"
 #include "screen/OSTButtonDescription.h"
 #include "screen/OSTImageDescription.h"
 #include "screen/OSTLabelDescription.h"
@@ -335,26 +334,20 @@ std::shared_ptr<OSTScreenViewDelegate> OSTScreenView::lockedDelegate() const
 
 void OSTScreenView::buttonTapped(OSTButton *button)
 {
-    const QString actionName = button->action() ? button->action()->name() : QString();
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForButton(button->name(), actionName, *screen()));
+    OSTTapEvents::buttonTapped(*screen(), button->name(), button->action());
     if (const auto delegate = lockedDelegate())
         delegate->screenViewDidPressButton(*this, *button);
 }
 
 void OSTScreenView::switchTapped()
 {
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSwitch(*screen()));
+    OSTTapEvents::switchTapped(*screen());
 }
 
 void OSTScreenView::inputDidTapReturn(OSTInput &input)
 {
     const auto *field = qobject_cast<const OSTTextField *>(&input.inputWidget());
-    if (!field)
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForPickerReturn(*screen()));
-    else if (field->type() == OSTTextFieldTypePhoneNumberPin && field->isAutoSubmit())
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldPINMatch(*screen()));
-    else
-        OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForTextFieldReturn(*screen()));
+    OSTTapEvents::inputReturned(*screen(), field ? &field->description() : nullptr);
     if (const auto delegate = lockedDelegate())
         delegate->screenViewShouldGoToNextScreen(*this);
 }
@@ -362,10 +355,7 @@ void OSTScreenView::inputDidTapReturn(OSTInput &input)
 void OSTScreenView::selectionGroupDidTapButton(OSTSelectionGroup &group, const QString &buttonName,
                                                const std::shared_ptr<const OSTAction> &action)
 {
-    const OSTInternalEvent::SelectionGroupTap tap{group.name(), buttonName,
-                                                  group.valueForElementWithKey(buttonName).toString(),
-                                                  action ? action->name() : QString()};
-    OSTEventHook::sendEvent(OSTInternalEvent::actionTappedEventForSelectionGroup(tap, *screen()));
+    OSTTapEvents::selectionGroupTapped(*screen(), group, buttonName, action);
 }
 
 bool OSTScreenView::selectionGroupShouldHandleAction(OSTSelectionGroup &, const std::shared_ptr<const OSTAction> &action)

@@ -63,6 +63,7 @@ public:
 
     const QString &name() const { return m_description->key(); }
     OSTTextFieldType type() const { return m_description->textType(); }
+    const OSTTextFieldDescription &description() const { return *m_description; }
     bool isAutoSubmit() const { return m_description->autoSubmits(); }
     bool shouldShowInvalidState() const { return m_shouldShowInvalidState; }
     // Whether the invalid look is on now.
