@@ -1,7 +1,9 @@
 #include "quick/OSTQuickPresenter.h"
 
+#include "quick/OSTQuickExperience.h"
 #include "quick/OSTQuickPresentation.h"
 
+#include <QCoreApplication>
 #include <QQuickWindow>
 
 namespace ostrel {
@@ -30,3 +32,17 @@ std::shared_ptr<OSTExperiencePresenter::Presentation> OSTQuickPresenter::present
 }
 
 } // namespace ostrel
+
+namespace {
+
+// The QML type comes with the presenter: a library that carries the Qt Quick toolkit offers
+// `import Ostrel` as soon as the application object exists, so a host may load its QML before it
+// starts the SDK.
+void registerOstrelQmlTypes()
+{
+    ostrel::OSTQuickExperience::registerQmlType();
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(registerOstrelQmlTypes)

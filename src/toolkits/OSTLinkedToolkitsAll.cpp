@@ -2,11 +2,8 @@
 // QQuickWindow is covered by Qt Quick even in a QApplication.
 #include "experience/OSTExperienceToolkits.h"
 #include "experience/OSTLinkedToolkits.h"
-#include "quick/OSTQuickExperience.h"
 #include "quick/OSTQuickPresenter.h"
 #include "widgets/OSTRootPresenter.h"
-
-#include <QCoreApplication>
 
 namespace ostrel {
 
@@ -17,14 +14,3 @@ void OSTLinkedToolkits::install()
 }
 
 } // namespace ostrel
-
-namespace {
-
-void registerOstrelQmlTypes()
-{
-    ostrel::OSTQuickExperience::registerQmlType();
-}
-
-} // namespace
-
-Q_COREAPP_STARTUP_FUNCTION(registerOstrelQmlTypes)

@@ -1,11 +1,7 @@
-// The Qt Quick flavour. The QML type is offered as soon as the application object exists, so a
-// host may load its QML before it starts the SDK.
+// The Qt Quick flavour.
 #include "experience/OSTExperienceToolkits.h"
 #include "experience/OSTLinkedToolkits.h"
-#include "quick/OSTQuickExperience.h"
 #include "quick/OSTQuickPresenter.h"
-
-#include <QCoreApplication>
 
 namespace ostrel {
 
@@ -15,14 +11,3 @@ void OSTLinkedToolkits::install()
 }
 
 } // namespace ostrel
-
-namespace {
-
-void registerOstrelQmlTypes()
-{
-    ostrel::OSTQuickExperience::registerQmlType();
-}
-
-} // namespace
-
-Q_COREAPP_STARTUP_FUNCTION(registerOstrelQmlTypes)
