@@ -54,6 +54,7 @@ void OSTRemoteImage::loadCandidate(qsizetype index)
 void OSTRemoteImage::finish(const QImage &image)
 {
     m_loading = false;
+    m_arrived = !image.isNull();
     emit finished(image);
 }
 

@@ -25,6 +25,8 @@ public:
     const QList<QUrl> &candidateURLs() const { return m_candidates; }
     bool isRequired() const { return m_required; }
     bool isLoading() const { return m_loading; }
+    // Whether a load gave an image.
+    bool hasArrived() const { return m_arrived; }
     // Starts loading; finished() may come before this returns, when the image is at hand.
     void load();
 
@@ -38,6 +40,7 @@ private:
     const QList<QUrl> m_candidates;
     const bool m_required;
     bool m_loading = false;
+    bool m_arrived = false;
 };
 
 } // namespace ostrel

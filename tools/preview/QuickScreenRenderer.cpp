@@ -1,26 +1,13 @@
 #include "QuickScreenRenderer.h"
 
-#include "quick/OSTQuickImage.h"
 #include "quick/OSTQuickLoadingOverlay.h"
 #include "quick/OSTQuickScreen.h"
 
-#include <QQuickWindow>
-#include <QQuickItemGrabResult>
 #include <QEventLoop>
+#include <QQuickItemGrabResult>
+#include <QQuickWindow>
 
-#include <algorithm>
-
-using ostrel::OSTQuickImage;
 using ostrel::OSTQuickScreen;
-
-namespace {
-
-QList<OSTQuickImage *> imagesOf(const OSTQuickScreen &screen)
-{
-    return screen.findChildren<OSTQuickImage *>();
-}
-
-} // namespace
 
 QuickScreenRenderer::QuickScreenRenderer() : m_window(std::make_unique<QQuickWindow>())
 {
@@ -55,17 +42,7 @@ bool QuickScreenRenderer::build(const std::shared_ptr<const ostrel::OSTScreen> &
 
 void QuickScreenRenderer::waitForImages()
 {
-    const OSTQuickScreen &screen = *m_screen;
-    waitWhile([&screen] {
-        const QList<OSTQuickImage *> images = imagesOf(screen);
-        return std::any_of(images.begin(), images.end(), [](const OSTQuickImage *image) {
-            return !image->candidateURLs().isEmpty() && image->image().isNull() && image->isLoadingRequiredImage();
-        });
-    });
-    for (const OSTQuickImage *image : imagesOf(screen)) {
-        if (!image->candidateURLs().isEmpty() && image->image().isNull())
-            warnImageFailed(*image, image->candidateURLs());
-    }
+    waitForImagesOf(*m_screen);
 }
 
 QImage QuickScreenRenderer::image(qreal ratio)

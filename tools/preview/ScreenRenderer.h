@@ -1,8 +1,6 @@
 #pragma once
 
 #include <QImage>
-#include <QList>
-#include <QUrl>
 #include <QSize>
 #include <QString>
 
@@ -38,9 +36,8 @@ public:
     static constexpr int imageWaitMilliseconds = 10000;
 
 protected:
-    // Turns the event loop while `pending` holds, at most imageWaitMilliseconds.
-    static void waitWhile(const std::function<bool()> &pending);
-    // Prints that the image of the element owning `image` (its nearest named ancestor) did not load
-    // from any of `addresses`.
-    static void warnImageFailed(const QObject &image, const QList<QUrl> &addresses);
+    // What waitForImages does for either toolkit: turns the event loop while a required image of
+    // `screen` is loading, at most imageWaitMilliseconds, then warns of every image that has not
+    // arrived, named by its element (the nearest named ancestor).
+    static void waitForImagesOf(const QObject &screen);
 };

@@ -1,23 +1,10 @@
 #include "WidgetScreenRenderer.h"
 
-#include "widgets/OSTImageView.h"
 #include "widgets/OSTScreenView.h"
 
 #include <QWidget>
 
-#include <algorithm>
-
-using ostrel::OSTImageView;
 using ostrel::OSTScreenView;
-
-namespace {
-
-QList<OSTImageView *> imageViewsOf(const OSTScreenView &view)
-{
-    return view.contentView()->findChildren<OSTImageView *>();
-}
-
-} // namespace
 
 WidgetScreenRenderer::WidgetScreenRenderer() = default;
 
@@ -41,18 +28,7 @@ bool WidgetScreenRenderer::build(const std::shared_ptr<const ostrel::OSTScreen> 
 
 void WidgetScreenRenderer::waitForImages()
 {
-    const OSTScreenView &view = *m_view;
-    waitWhile([&view] {
-        const QList<OSTImageView *> images = imageViewsOf(view);
-        const bool loading = std::any_of(images.begin(), images.end(), [](const OSTImageView *image) {
-            return !image->candidateURLs().isEmpty() && image->image().isNull() && image->isLoadingRequiredImage();
-        });
-        return loading || !view.isFullyLoaded();
-    });
-    for (const OSTImageView *image : imageViewsOf(view)) {
-        if (!image->candidateURLs().isEmpty() && image->image().isNull())
-            warnImageFailed(*image, image->candidateURLs());
-    }
+    waitForImagesOf(*m_view);
 }
 
 QImage WidgetScreenRenderer::image(qreal ratio)
